@@ -1,0 +1,24 @@
+# vesko_options: what every target of this project is compiled with.
+add_library(vesko_options INTERFACE)
+target_compile_options(
+  vesko_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
+                          -Woverloaded-virtual -Wimplicit-fallthrough)
+if(VESKO_SANITIZE)
+  target_compile_options(vesko_options INTERFACE -fsanitize=address,undefined
+                                                 -fno-sanitize-recover=undefined
+                                                 -fno-omit-frame-pointer)
+  target_link_options(vesko_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# vesko_layer(<name> SOURCES <file>... [USES <layer>...]): a folder below src/ as a static library.
+# Sources include the headers of other layers as "layer/Header.h"; USES names the layers that the
+# folder may know, which is how a forbidden include shows up as a link or review error.
+function(vesko_layer name)
+  cmake_parse_arguments(LAYER "" "" "SOURCES;USES" ${ARGN})
+  add_library(vesko_${name} STATIC ${LAYER_SOURCES})
+  target_include_directories(vesko_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(vesko_${name} PRIVATE vesko_options)
+  foreach(used IN LISTS LAYER_USES)
+    target_link_libraries(vesko_${name} PUBLIC vesko_${used})
+  endforeach()
+endfunction()

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "base/RunTimeError.h"
+#include "base/Text.h"
+
+namespace vesko {
+
+/// An insertion-ordered collection with unique text keys, compared exactly. Positions count from 1.
+/// Adding, finding and removing by key, and removing the first item, take constant time; the first
+/// access by position after removals from the middle takes one pass.
+template <typename Value>
+class KeyedCollection {
+ public:
+  /// Number of values.
+  size_t Count() const { return positions_.size(); }
+
+  /// Appends. Raises run-time error 457 and changes nothing when the key is already there.
+  void Add(Value value, const Text& key) {
+    if (!positions_.emplace(key, next_).second) throw RunTimeError(kKeyAlreadyPresent);
+    slots_.push_back(Slot{key, std::move(value)});
+    ++next_;
+  }
+
+  /// The value under the key, or null. Valid until that value is removed or compacted by access
+  /// by position.
+  const Value* Find(const Text& key) const {
+    auto found = positions_.find(key);
+    return found == positions_.end() ? nullptr : &*slots_[found->second - first_].value;
+  }
+
+  /// The value at a position from 1 to Count; run-time error 9 elsewhere.
+  const Value& Item(size_t position) {
+    if (position < 1 || position > Count()) throw RunTimeError(kSubscriptOutOfRange);
+    Compact();
+    return *slots_[position - 1].value;
+  }
+
+  /// Removes the value under the key; false when there is none.
+  bool Remove(const Text& key) {
+    auto found = positions_.find(key);
+    if (found == positions_.end()) return false;
+    slots_[found->second - first_].value.reset();
+    positions_.erase(found);
+    DropEmptyFront();
+    return true;
+  }
+
+  /// Removes the first value; does nothing when there is none.
+  void RemoveFirst() {
+    if (slots_.empty()) return;
+    positions_.erase(slots_.front().key);
+    slots_.front().value.reset();
+    DropEmptyFront();
+  }
+
+  /// Calls visit(value) for each value in order; a visit that returns false ends the walk. The
+  /// collection must not change meanwhile.
+  template <typename Visit>
+  void ForEach(Visit&& visit) const {
+    for (const Slot& slot : slots_) {
+      if (slot.value && !visit(*slot.value)) return;
+    }
+  }
+
+ private:
+  struct Slot {
+    Text key;
+    std::optional<Value> value;
+  };
+
+  void DropEmptyFront() {
+    while (!slots_.empty() && !slots_.front().value) {
+      slots_.pop_front();
+      ++first_;
+    }
+  }
+
+  void Compact() {
+    if (slots_.size() == positions_.size()) return;
+    std::erase_if(slots_, [](const Slot& slot) { return !slot.value; });
+    first_ = next_ - slots_.size();
+    for (size_t i = 0; i < slots_.size(); ++i) positions_[slots_[i].key] = first_ + i;
+  }
+
+  std::deque<Slot> slots_;
+  std::unordered_map<Text, size_t> positions_;  // key to running number of the slot
+  size_t first_ = 0;                            // running number of slots_.front()
+  size_t next_ = 0;                             // running number of the next slot
+};
+
+}  // namespace vesko

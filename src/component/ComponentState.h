@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "base/Text.h"
+#include "component/Desktop.h"
+#include "config/Configuration.h"
+#include "config/mRegistry.h"
+#include "maillist/colMails.h"
+
+namespace vesko {
+
+class fCheckMail;
+class fConfig;
+class fListMail;
+
+/// What all objects of the component share: settings, fetched messages, busy flag, font, windows.
+/// Lives from the first object's creation to the last one's end.
+class ComponentState {
+ public:
+  /// The desktop must outlive the state.
+  explicit ComponentState(Desktop& desktop);
+  ~ComponentState();
+
+  Desktop& GetDesktop() { return desktop_; }
+
+  Configuration configuration;
+  colMails mails;
+  bool busy = false;
+  Text font_name;           // every window applies it when it loads
+  int32_t font_handle = 0;  // kept for the host; nothing reads it
+
+  mRegistry& Store() { return store_; }
+
+  /// The windows, created on first use.
+  fCheckMail& CheckWindow();
+  fListMail& ListWindow();
+  fConfig& ConfigWindow();
+
+  /// Unloads every window that is still loaded.
+  void UnloadWindows();
+
+ private:
+  Desktop& desktop_;
+  mRegistry store_;
+  std::unique_ptr<Socket> socket_;
+  std::unique_ptr<fCheckMail> check_window_;
+  std::unique_ptr<fListMail> list_window_;
+  std::unique_ptr<fConfig> config_window_;
+};
+
+}  // namespace vesko

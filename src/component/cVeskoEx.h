@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/Text.h"
+#include "component/ComponentState.h"
+
+namespace vesko {
+
+/// The public automation object. Every operation returns when its window has closed and reports its
+/// failures to the user, never to the host. The host must not start an operation while IsBusy.
+class cVeskoEx {
+ public:
+  /// Loads the configuration; the first time for a user that seeds the registry. The state must
+  /// outlive the object.
+  explicit cVeskoEx(ComponentState& state);
+
+  /// Empties the fetched messages, saves the configuration and unloads all windows.
+  ~cVeskoEx();
+  cVeskoEx(const cVeskoEx&) = delete;
+  cVeskoEx& operator=(const cVeskoEx&) = delete;
+
+  /// True while Configure, CheckMail or ViewMail runs.
+  bool IsBusy() const { return state_.busy; }
+
+  /// Face name for windows loaded from now on, and the font's handle, which is only kept.
+  void SetFont(const Text& sFontName, int32_t hFont);
+
+  void Configure();
+
+  /// Minutes between automatic checks; -1: do not check automatically.
+  int32_t CheckTime() const;
+
+  void CheckMail();
+  void ViewMail();
+
+ private:
+  ComponentState& state_;
+};
+
+}  // namespace vesko

@@ -1,0 +1,329 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+#include "platform/Locale.h"
+#include "ui/Control.h"
+#include "ui/Layout.h"
+
+namespace vesko {
+
+/// Key codes as events report them; letters are their upper-case ASCII codes.
+inline constexpr int kKeyReturn = 13;
+
+/// Modifier bits of key and mouse events.
+inline constexpr int kShift = 1;
+inline constexpr int kControl = 2;
+inline constexpr int kAlt = 4;
+
+/// Mouse button bits.
+inline constexpr int kLeftButton = 1;
+inline constexpr int kRightButton = 2;
+
+/// Shows one line or paragraph of plain text. A mnemonic ("&Name") leads to the control behind the
+/// label, the next one in the layout that takes the focus.
+class Label : public Control {
+ public:
+  using Control::Control;
+
+  const Text& Caption() const { return caption_; }
+  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+
+  /// True for text that is not ours (server replies, names): "&" stands for itself there. A long
+  /// text of such a label is shown shortened and never widens the window.
+  bool Literal() const { return literal_; }
+  void SetLiteral(bool literal) { Set(literal_, literal); }
+
+  /// True where the text wraps over several lines.
+  bool Wraps() const { return wraps_; }
+  void SetWraps(bool wraps) { Set(wraps_, wraps); }
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  Text caption_;
+  bool literal_ = false;
+  bool wraps_ = false;
+};
+
+class CommandButton : public Control {
+ public:
+  using Control::Control;
+
+  /// "&" marks the mnemonic.
+  const Text& Caption() const { return caption_; }
+  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+
+  std::function<void()> on_click;
+
+  /// The user presses the button; nothing happens while it is disabled or invisible.
+  void Click();
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  Text caption_;
+};
+
+class CheckBox : public Control {
+ public:
+  using Control::Control;
+
+  const Text& Caption() const { return caption_; }
+  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+
+  /// 0 unchecked, 1 checked. Setting another value raises on_click, as a press does.
+  int Value() const { return value_; }
+  void SetValue(int value);
+
+  std::function<void()> on_click;
+
+  /// The user toggles the box; nothing happens while it is disabled.
+  void Click();
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  Text caption_;
+  int value_ = 0;
+};
+
+class TextBox : public Control {
+ public:
+  using Control::Control;
+
+  const Text& GetText() const { return text_; }
+  /// Raises on_change where the text differs.
+  void SetText(Text text);
+
+  /// Every character is shown as "*", and neither the clipboard nor a screen reader gets the text.
+  bool Password() const { return password_; }
+  void SetPassword(bool password) { Set(password_, password); }
+
+  /// Several lines with scroll bars.
+  bool MultiLine() const { return multi_line_; }
+  void SetMultiLine(bool multi_line) { Set(multi_line_, multi_line); }
+
+  bool ReadOnly() const { return read_only_; }
+  void SetReadOnly(bool read_only) { Set(read_only_, read_only); }
+
+  std::function<void()> on_change;
+  /// A key was pressed in the box; true when it was used up.
+  std::function<bool(int key_code)> on_key_down;
+
+  /// The user edits the text; nothing happens while the box is disabled or read only.
+  void Type(Text text);
+  /// The user presses a key; true when it was used up.
+  bool PressKey(int key_code);
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  Text text_;
+  bool password_ = false;
+  bool multi_line_ = false;
+  bool read_only_ = false;
+};
+
+class ProgressBar : public Control {
+ public:
+  using Control::Control;
+
+  /// From 0 to Maximum. Raise run-time error 380 for a value outside and a maximum below 1.
+  int32_t Value() const { return value_; }
+  void SetValue(int32_t value);
+  int32_t Maximum() const { return maximum_; }
+  void SetMaximum(int32_t maximum);
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  int32_t value_ = 0;
+  int32_t maximum_ = 100;
+};
+
+inline constexpr int32_t kInvalidPropertyValue = 380;
+
+/// A list of lines with at most one selected.
+class ListBox : public Control {
+ public:
+  using Control::Control;
+
+  int Count() const { return static_cast<int>(items_.size()); }
+  const Text& Item(int index) const { return items_.at(static_cast<size_t>(index)); }
+  void SetItem(int index, Text item);
+  void AddItem(Text item);
+  void RemoveItem(int index);
+  void Clear();
+
+  /// -1 when none is selected. Setting another line raises on_click, as a press does.
+  int ListIndex() const { return index_; }
+  void SetListIndex(int index);
+
+  std::function<void()> on_click;
+
+  /// The user selects a line; nothing happens while the list is disabled.
+  void Click(int index);
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  std::vector<Text> items_;
+  int index_ = -1;
+};
+
+/// A list in report view: columns, rows with an image, several rows selected. Rows live here; a
+/// native list asks for what is visible, so the number of rows costs nothing to show.
+class ListView : public Control {
+ public:
+  using Control::Control;
+
+  struct Column {
+    Text header;
+    int width = 0;  // logical pixels (96 to the inch)
+  };
+  static constexpr int kDefaultColumnWidth = 96;
+
+  struct Row {
+    Text key;
+    std::vector<Text> cells;  // cells[0] is the row text
+    std::string image;        // key in the image list
+    bool selected = false;
+  };
+
+  const std::vector<Column>& Columns() const { return columns_; }
+  void AddColumn(Text header, int width = kDefaultColumnWidth);
+  void ClearColumns();
+
+  int Count() const { return static_cast<int>(rows_.size()); }
+  const Row& RowAt(int row) const { return rows_.at(static_cast<size_t>(row)); }
+  void ReserveRows(size_t count) { rows_.reserve(count); }
+  void AddRow(Row row);
+  void ClearRows();
+  void SetImage(int row, std::string image);
+
+  bool Selected(int row) const { return RowAt(row).selected; }
+  void SetSelected(int row, bool selected);
+  void SelectAll();
+  void SelectNone();
+  void InvertSelection();
+
+  /// The row with the focus, the one that the list reports as its selected item; -1 for none.
+  int CurrentRow() const { return current_; }
+  void SetCurrentRow(int row);
+
+  /// Zero-based column of the last sort and its direction.
+  int SortKey() const { return sort_key_; }
+  bool SortDescending() const { return sort_descending_; }
+  bool Sorted() const { return sorted_; }
+  /// Sorts the rows by one column's text in the locale's order, equal ones left as they stand.
+  /// Selection and current row stay with their rows.
+  void Sort(int column, bool descending, const Locale& locale);
+  /// Rows are added unsorted again; the direction stays.
+  void SetUnsorted() { sorted_ = false; }
+
+  /// Counts every change of the rows' number or order; a native list resets its view by it.
+  uint64_t Generation() const { return generation_; }
+  /// Counts every change of a row's selection or of the current row.
+  uint64_t SelectionGeneration() const { return selection_generation_; }
+
+  std::function<void(int column)> on_column_click;               // column counts from 1
+  std::function<void(int row)> on_item_click;                    // a row became the clicked row
+  std::function<bool(int key_code, int modifiers)> on_key_down;  // true when it was used up
+  std::function<void(int buttons, int row)> on_mouse_down;       // row -1: none at that place
+
+  /// The user clicks: raise the events, and select as a desktop does.
+  void ClickColumn(int column);
+  void ClickRow(int row);
+  bool PressKey(int key_code, int modifiers);
+  void PressMouse(int buttons, int row);
+  /// The native selection has changed: takes it over without telling the native side again.
+  void TakeSelection(const std::vector<std::pair<int, int>>& selected_ranges, int current_row);
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  void RowsChanged();
+  void SelectionChanged();
+
+  std::vector<Column> columns_;
+  std::vector<Row> rows_;
+  int current_ = -1;
+  int sort_key_ = 0;
+  bool sort_descending_ = false;
+  bool sorted_ = false;
+  uint64_t generation_ = 0;
+  uint64_t selection_generation_ = 0;
+};
+
+/// A captioned box around other controls.
+class Frame : public Control {
+ public:
+  using Control::Control;
+
+  const Text& Caption() const { return caption_; }
+  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+
+  Layout content;  // set before the window is realised
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  Text caption_;
+};
+
+class TabControl : public Control {
+ public:
+  using Control::Control;
+
+  struct Page {
+    Text caption;
+    Layout content;
+  };
+  std::vector<Page> pages;  // set before the window is realised
+
+  /// Index of the current page, from 0.
+  int Tab() const { return tab_; }
+  void SetTab(int tab) { Set(tab_, tab); }
+
+  /// The user turns to a page.
+  void Click(int tab) { SetTab(tab); }
+
+  void Accept(ControlVisitor& visitor) override;
+
+ private:
+  int tab_ = 0;
+};
+
+/// A menu that pops up at the mouse cursor. Not a control of the layout.
+class PopupMenu {
+ public:
+  struct Item {
+    Text caption;   // "-" is a separator
+    Text shortcut;  // shown only, "Ctrl+S"; the window handles the key itself
+    bool enabled = true;
+  };
+  std::vector<Item> items;
+  std::function<void(int index)> on_click;
+};
+
+class ControlVisitor {
+ public:
+  virtual ~ControlVisitor() = default;
+  virtual void Visit(Label&) = 0;
+  virtual void Visit(CommandButton&) = 0;
+  virtual void Visit(CheckBox&) = 0;
+  virtual void Visit(TextBox&) = 0;
+  virtual void Visit(ProgressBar&) = 0;
+  virtual void Visit(ListBox&) = 0;
+  virtual void Visit(ListView&) = 0;
+  virtual void Visit(Frame&) = 0;
+  virtual void Visit(TabControl&) = 0;
+};
+
+}  // namespace vesko

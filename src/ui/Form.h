@@ -1,0 +1,99 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+#include "ui/Control.h"
+#include "ui/Layout.h"
+#include "ui/Toolkit.h"
+
+namespace vesko {
+
+class CommandButton;
+
+/// A window without a toolkit. It owns its controls as members and names them with Add; the desktop
+/// realises it while it is shown. All geometry is in logical pixels (96 to the inch) of the screen.
+///
+/// The life of one showing: load, show, activate, modal loop, unload. A window unloaded from within
+/// its activation or an event is hidden at once and taken down when control is back in ShowModal.
+class Form {
+ public:
+  Form(std::string name, Toolkit& toolkit);
+  virtual ~Form();
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& Name() const { return name_; }
+
+  const Text& Caption() const { return caption_; }
+  void SetCaption(Text caption);
+
+  int Left() const { return bounds_.left; }
+  int Top() const { return bounds_.top; }
+  int Width() const { return bounds_.width; }
+  int Height() const { return bounds_.height; }
+  const Rect& Bounds() const { return bounds_; }
+  void Move(int left, int top);
+  void Resize(int width, int height);
+
+  bool Resizable() const { return resizable_; }
+
+  /// All controls in the order of Add.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  const Layout& GetLayout() const { return layout_; }
+
+  /// Button that Enter presses when no button has the focus, and the one that Escape presses; may
+  /// be null.
+  CommandButton* DefaultButton() const { return default_button_; }
+  CommandButton* CancelButton() const { return cancel_button_; }
+
+  /// The control at the first place of the tab order; null: the first of the layout.
+  Control* FirstInTabOrder() const { return first_in_tab_order_; }
+  void SetFirstInTabOrder(Control& control);
+
+  bool IsLoaded() const { return loaded_; }
+
+  /// Shows the window and returns when it is unloaded. Over the window that is shown modally
+  /// already, where there is one.
+  void ShowModal();
+
+  /// Ends the showing. No effect while the window is not loaded.
+  void Unload();
+
+  /// For the desktop: the user closes the window.
+  void Close() { Unload(); }
+  /// For the desktop: the user moved or resized the window.
+  void TakeBounds(const Rect& bounds);
+
+ protected:
+  void Add(Control& control) { controls_.push_back(&control); }
+  void SetLayout(Layout layout) { layout_ = std::move(layout); }
+  void SetDefaultButton(CommandButton& button) { default_button_ = &button; }
+  void SetCancelButton(CommandButton& button) { cancel_button_ = &button; }
+  void SetResizable(bool resizable) { resizable_ = resizable; }
+  Toolkit& GetToolkit() const { return toolkit_; }
+
+  virtual void OnLoad() {}
+  virtual void OnActivate() {}
+  /// Runs while the window is still loaded.
+  virtual void OnUnload() {}
+
+ private:
+  std::string name_;
+  Toolkit& toolkit_;
+  Text caption_;
+  Rect bounds_{0, 0, 320, 240};
+  bool resizable_ = false;
+  bool loaded_ = false;
+  bool unloading_ = false;
+  std::vector<Control*> controls_;
+  Layout layout_;
+  CommandButton* default_button_ = nullptr;
+  CommandButton* cancel_button_ = nullptr;
+  Control* first_in_tab_order_ = nullptr;
+  std::unique_ptr<FormPeer> peer_;
+};
+
+}  // namespace vesko

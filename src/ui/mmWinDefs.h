@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ui/Form.h"
+
+namespace vesko {
+
+/// Gives every control that has a font (size above 0) the face `font_name` and repaints it; nothing
+/// when the name is empty. Every window calls it last when it loads.
+void ApplyFont(Form& form, Toolkit& toolkit, const Text& font_name);
+
+}  // namespace vesko
