@@ -1,0 +1,222 @@
+#include "ui/Controls.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "base/RunTimeError.h"
+
+namespace vesko {
+namespace {
+
+// By value: the handler may take down the window, and its controls with it.
+void Raise(std::function<void()> event) {
+  if (event) event();
+}
+
+void RequireIndex(int index, int lowest, int count) {
+  if (index < lowest || index >= count) throw RunTimeError(kInvalidPropertyValue);
+}
+
+const Text& CellText(const ListView::Row& row, int column) {
+  static const Text kNone;
+  const auto index = static_cast<size_t>(column);
+  return column >= 0 && index < row.cells.size() ? row.cells[index] : kNone;
+}
+
+}  // namespace
+
+void Label::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void CommandButton::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void CheckBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void TextBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ProgressBar::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ListBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void ListView::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void Frame::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+void TabControl::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
+
+void CommandButton::Click() {
+  if (Enabled() && Visible()) Raise(on_click);
+}
+
+void CheckBox::SetValue(int value) {
+  if (Set(value_, value == 0 ? 0 : 1)) Raise(on_click);
+}
+
+void CheckBox::Click() {
+  if (Enabled()) SetValue(1 - value_);
+}
+
+void TextBox::SetText(Text text) {
+  if (Set(text_, std::move(text))) Raise(on_change);
+}
+
+void TextBox::Type(Text text) {
+  if (Enabled() && !read_only_) SetText(std::move(text));
+}
+
+bool TextBox::PressKey(int key_code) { return Enabled() && on_key_down && on_key_down(key_code); }
+
+void ProgressBar::SetValue(int32_t value) {
+  if (value < 0 || value > maximum_) throw RunTimeError(kInvalidPropertyValue);
+  Set(value_, value);
+}
+
+void ProgressBar::SetMaximum(int32_t maximum) {
+  if (maximum < 1) throw RunTimeError(kInvalidPropertyValue);
+  value_ = std::min(value_, maximum);
+  Set(maximum_, maximum);
+}
+
+void ListBox::SetItem(int index, Text item) {
+  Set(items_.at(static_cast<size_t>(index)), std::move(item));
+}
+
+void ListBox::AddItem(Text item) {
+  items_.push_back(std::move(item));
+  Changed();
+}
+
+void ListBox::RemoveItem(int index) {
+  RequireIndex(index, 0, Count());
+  items_.erase(items_.begin() + index);
+  if (index_ == index) {
+    index_ = -1;
+  } else if (index_ > index) {
+    --index_;
+  }
+  Changed();
+}
+
+void ListBox::Clear() {
+  items_.clear();
+  index_ = -1;
+  Changed();
+}
+
+void ListBox::SetListIndex(int index) {
+  RequireIndex(index, -1, Count());
+  if (Set(index_, index)) Raise(on_click);
+}
+
+void ListBox::Click(int index) {
+  if (Enabled()) SetListIndex(index);
+}
+
+void ListView::AddColumn(Text header, int width) {
+  columns_.push_back({std::move(header), width});
+  RowsChanged();
+}
+
+void ListView::ClearColumns() {
+  columns_.clear();
+  RowsChanged();
+}
+
+void ListView::AddRow(Row row) {
+  rows_.push_back(std::move(row));
+  RowsChanged();
+}
+
+void ListView::ClearRows() {
+  rows_.clear();
+  current_ = -1;
+  RowsChanged();
+}
+
+void ListView::SetImage(int row, std::string image) {
+  Set(rows_.at(static_cast<size_t>(row)).image, std::move(image));
+}
+
+void ListView::SetSelected(int row, bool selected) {
+  if (Set(rows_.at(static_cast<size_t>(row)).selected, selected)) SelectionChanged();
+}
+
+void ListView::SelectAll() {
+  for (Row& row : rows_) row.selected = true;
+  SelectionChanged();
+}
+
+void ListView::SelectNone() {
+  for (Row& row : rows_) row.selected = false;
+  SelectionChanged();
+}
+
+void ListView::InvertSelection() {
+  for (Row& row : rows_) row.selected = !row.selected;
+  SelectionChanged();
+}
+
+void ListView::SetCurrentRow(int row) {
+  RequireIndex(row, -1, Count());
+  if (Set(current_, row)) SelectionChanged();
+}
+
+void ListView::Sort(int column, bool descending, const Locale& locale) {
+  // Comparing by the locale is dear and rows are heavy: order plain numbers, then move rows once.
+  std::vector<size_t> order(rows_.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&](size_t left, size_t right) {
+    const Text& a = CellText(rows_[descending ? right : left], column);
+    const Text& b = CellText(rows_[descending ? left : right], column);
+    return a != b && locale.Compare(a, b) < 0;
+  });
+  std::vector<Row> sorted;
+  sorted.reserve(rows_.size());
+  int current = -1;
+  for (size_t from : order) {
+    if (static_cast<int>(from) == current_) current = static_cast<int>(sorted.size());
+    sorted.push_back(std::move(rows_[from]));
+  }
+  rows_ = std::move(sorted);
+  current_ = current;
+  sort_key_ = column;
+  sort_descending_ = descending;
+  sorted_ = true;
+  RowsChanged();
+}
+
+void ListView::ClickColumn(int column) {
+  if (Enabled() && on_column_click) on_column_click(column);
+}
+
+void ListView::ClickRow(int row) {
+  if (!Enabled()) return;
+  RequireIndex(row, 0, Count());
+  SelectNone();
+  SetSelected(row, true);
+  SetCurrentRow(row);
+  if (on_item_click) on_item_click(row);
+}
+
+bool ListView::PressKey(int key_code, int modifiers) {
+  return Enabled() && on_key_down && on_key_down(key_code, modifiers);
+}
+
+void ListView::PressMouse(int buttons, int row) {
+  if (Enabled() && on_mouse_down) on_mouse_down(buttons, row);
+}
+
+void ListView::TakeSelection(const std::vector<std::pair<int, int>>& selected_ranges,
+                             int current_row) {
+  for (Row& row : rows_) row.selected = false;
+  for (auto [first, last] : selected_ranges) {
+    for (int row = std::max(first, 0); row <= last && row < Count(); ++row) {
+      rows_[static_cast<size_t>(row)].selected = true;
+    }
+  }
+  current_ = current_row < Count() ? std::max(current_row, -1) : -1;
+}
+
+void ListView::RowsChanged() {
+  ++generation_;
+  SelectionChanged();
+}
+
+void ListView::SelectionChanged() {
+  ++selection_generation_;
+  Changed();
+}
+
+}  // namespace vesko

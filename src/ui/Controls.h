@@ -35,7 +35,8 @@ class Label : public Control {
   void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
 
   /// True for text that is not ours (server replies, names): "&" stands for itself there. A long
-  /// text of such a label is shown shortened and never widens the window.
+  /// text of such a label is shown shortened and never widens the window; where it wraps, it is
+  /// shown whole and makes the window higher.
   bool Literal() const { return literal_; }
   void SetLiteral(bool literal) { Set(literal_, literal); }
 
@@ -237,12 +238,16 @@ class ListView : public Control {
   std::function<bool(int key_code, int modifiers)> on_key_down;  // true when it was used up
   std::function<void(int buttons, int row)> on_mouse_down;       // row -1: none at that place
 
-  /// The user clicks: raise the events, and select as a desktop does.
+  /// The user clicks a column's header, counted from 1.
   void ClickColumn(int column);
+  /// The user clicks a row without modifiers, or moves to it by keyboard: it alone becomes selected
+  /// and current, and on_item_click is raised.
   void ClickRow(int row);
   bool PressKey(int key_code, int modifiers);
+  /// Raises on_mouse_down and selects nothing; comes before the click of the same press.
   void PressMouse(int buttons, int row);
-  /// The native selection has changed: takes it over without telling the native side again.
+  /// The native selection has changed: takes it over without telling the native side again and
+  /// raises nothing. Ranges are pairs of first and last row, both included.
   void TakeSelection(const std::vector<std::pair<int, int>>& selected_ranges, int current_row);
 
   void Accept(ControlVisitor& visitor) override;

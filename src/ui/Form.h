@@ -44,8 +44,8 @@ class Form {
   const std::vector<Control*>& Controls() const { return controls_; }
   const Layout& GetLayout() const { return layout_; }
 
-  /// Button that Enter presses when no button has the focus, and the one that Escape presses; may
-  /// be null.
+  /// Button that Enter presses when no button has the focus, and the one that Escape presses.
+  /// Either may be null: Enter does nothing then, Escape closes the window.
   CommandButton* DefaultButton() const { return default_button_; }
   CommandButton* CancelButton() const { return cancel_button_; }
 
@@ -56,14 +56,16 @@ class Form {
   bool IsLoaded() const { return loaded_; }
 
   /// Shows the window and returns when it is unloaded. Over the window that is shown modally
-  /// already, where there is one.
+  /// already, where there is one. No effect while it is shown.
   void ShowModal();
 
   /// Ends the showing. No effect while the window is not loaded.
   void Unload();
 
-  /// For the desktop: the user closes the window.
-  void Close() { Unload(); }
+  /// For the desktop: the user closes the window by its frame.
+  void Close() {
+    if (loaded_) OnClose();
+  }
   /// For the desktop: the user moved or resized the window.
   void TakeBounds(const Rect& bounds);
 
@@ -77,10 +79,20 @@ class Form {
 
   virtual void OnLoad() {}
   virtual void OnActivate() {}
-  /// Runs while the window is still loaded.
+  /// Runs once, while the window is still loaded.
   virtual void OnUnload() {}
+  /// The user closes the window by its frame.
+  virtual void OnClose() { Unload(); }
+
+  /// Ends a showing and lets go of the native side. First thing in the destructor of every window,
+  /// while its controls still live: a form may be destroyed while it is shown.
+  void TakeDown();
 
  private:
+  class Showing;
+
+  void StateChanged();
+
   std::string name_;
   Toolkit& toolkit_;
   Text caption_;
@@ -88,6 +100,7 @@ class Form {
   bool resizable_ = false;
   bool loaded_ = false;
   bool unloading_ = false;
+  Showing* showing_ = nullptr;
   std::vector<Control*> controls_;
   Layout layout_;
   CommandButton* default_button_ = nullptr;
