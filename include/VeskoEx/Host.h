@@ -1,0 +1,280 @@
+#pragma once
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "VeskoEx/Automation.h"
+
+/// Everything that a program on Linux needs to use an automation component: it finds the class by
+/// its ProgID, loads the library that serves it, creates an object and calls it by name. Header
+/// only, C++17, no library but the C++ one. Failures are raised as Error. Objects belong to the
+/// thread that creates them, which is the one that shows the program's windows.
+///
+/// A registered class is announced by a small text file, since it must be readable for everybody
+/// while the registry hives, which hold passwords, are not:
+///
+///   CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}
+///   InprocServer32=/usr/lib/veskoex/libVeskoEx.so
+///
+/// Its name is the ProgID in lower case. The user's own folder is asked before the machine's.
+namespace vesko::host {
+
+/// An operation failed; what() has words for a person.
+class Error : public std::runtime_error {
+ public:
+  Error(HRESULT code, const std::string& words) : std::runtime_error(Describe(code, words)) {
+    code_ = code;
+  }
+
+  HRESULT Code() const { return code_; }
+
+ private:
+  static std::string Describe(HRESULT code, const std::string& words) {
+    char number[16];
+    std::snprintf(number, sizeof number, " (0x%08X)", static_cast<unsigned>(code));
+    return words + number;
+  }
+
+  HRESULT code_;
+};
+
+/// HRESULT of a component that has to show windows where none can be shown.
+inline constexpr HRESULT kNoDisplay = static_cast<HRESULT>(0x800705B3);
+
+/// An automation value, owned.
+class Value {
+ public:
+  Value() { VariantInit(&variant_); }
+  Value(bool value) : Value() {
+    variant_.vt = VT_BOOL;
+    variant_.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+  }
+  Value(int32_t value) : Value() {
+    variant_.vt = VT_I4;
+    variant_.lVal = value;
+  }
+  Value(double value) : Value() {
+    variant_.vt = VT_R8;
+    variant_.dblVal = value;
+  }
+  Value(std::u16string_view value) : Value() {
+    variant_.bstrVal = SysAllocStringLen(value.data(), static_cast<UINT>(value.size()));
+    if (variant_.bstrVal == nullptr) throw std::bad_alloc();
+    variant_.vt = VT_BSTR;
+  }
+  Value(const std::u16string& value) : Value(std::u16string_view(value)) {}
+  Value(const char16_t* value) : Value(std::u16string_view(value)) {}
+  Value(Value&& other) noexcept : variant_(other.variant_) { VariantInit(&other.variant_); }
+  Value& operator=(Value&& other) noexcept {
+    std::swap(variant_, other.variant_);
+    return *this;
+  }
+  ~Value() { VariantClear(&variant_); }
+
+  bool IsEmpty() const { return variant_.vt == VT_EMPTY; }
+
+  /// The value as the caller expects it; DISP_E_TYPEMISMATCH where it is something else.
+  bool ToBool() const {
+    Expect(variant_.vt == VT_BOOL);
+    return variant_.boolVal != VARIANT_FALSE;
+  }
+  int32_t ToInt() const {
+    Expect(variant_.vt == VT_I4 || variant_.vt == VT_INT || variant_.vt == VT_I2);
+    return variant_.vt == VT_I2 ? variant_.iVal : variant_.lVal;
+  }
+  std::u16string ToText() const {
+    Expect(variant_.vt == VT_BSTR);
+    if (variant_.bstrVal == nullptr) return {};
+    return {variant_.bstrVal, SysStringLen(variant_.bstrVal)};
+  }
+
+  VARIANT& Raw() { return variant_; }
+
+ private:
+  static void Expect(bool type_fits) {
+    if (!type_fits) throw Error(DISP_E_TYPEMISMATCH, "the component returned another type");
+  }
+
+  VARIANT variant_;
+};
+
+/// A reference to an object that is called by name.
+class Object {
+ public:
+  /// Takes over the caller's reference.
+  explicit Object(IDispatch* dispatch) : dispatch_(dispatch) {}
+  Object(Object&& other) noexcept : dispatch_(std::exchange(other.dispatch_, nullptr)) {}
+  Object& operator=(Object&& other) noexcept {
+    std::swap(dispatch_, other.dispatch_);
+    return *this;
+  }
+  ~Object() {
+    if (dispatch_ != nullptr) dispatch_->Release();
+  }
+
+  IDispatch* Raw() const { return dispatch_; }
+
+  /// Reads a property.
+  Value Get(std::u16string_view name) { return Invoke(name, DISPATCH_PROPERTYGET, nullptr, 0); }
+
+  /// Calls a method; the arguments are bool, int, double or UTF-16 text.
+  template <typename... Arguments>
+  Value Call(std::u16string_view name, Arguments&&... arguments) {
+    std::vector<Value> values;
+    values.reserve(sizeof...(arguments));
+    (values.emplace_back(std::forward<Arguments>(arguments)), ...);
+    std::vector<VARIANT> reversed;
+    for (auto value = values.rbegin(); value != values.rend(); ++value) {
+      reversed.push_back(value->Raw());
+    }
+    return Invoke(name, DISPATCH_METHOD, reversed.data(), static_cast<UINT>(reversed.size()));
+  }
+
+ private:
+  Value Invoke(std::u16string_view name, WORD flags, VARIANT* reversed_arguments, UINT count) {
+    std::u16string member(name);
+    LPOLESTR names[] = {member.data()};
+    DISPID id = DISPID_UNKNOWN;
+    Check(dispatch_->GetIDsOfNames(IID_NULL, names, 1, 0, &id), name, nullptr);
+    DISPPARAMS parameters = {reversed_arguments, nullptr, count, 0};
+    Value result;
+    EXCEPINFO exception = {};
+    const HRESULT outcome =
+        dispatch_->Invoke(id, IID_NULL, 0, flags, &parameters, &result.Raw(), &exception, nullptr);
+    Check(outcome, name, &exception);
+    return result;
+  }
+
+  static void Check(HRESULT outcome, std::u16string_view name, EXCEPINFO* exception) {
+    if (SUCCEEDED(outcome)) return;
+    std::string words = "the call of " + Narrow(name) + " failed";
+    if (exception != nullptr) {
+      if (exception->bstrDescription != nullptr) {
+        words +=
+            ": " + Narrow({exception->bstrDescription, SysStringLen(exception->bstrDescription)});
+      }
+      SysFreeString(exception->bstrSource);
+      SysFreeString(exception->bstrDescription);
+      SysFreeString(exception->bstrHelpFile);
+    }
+    throw Error(outcome, words);
+  }
+
+  static std::string Narrow(std::u16string_view text) {
+    std::string narrow;
+    for (char16_t c : text) narrow += c < 128 ? static_cast<char>(c) : '?';
+    return narrow;
+  }
+
+  IDispatch* dispatch_;
+};
+
+/// Where a class is served.
+struct ClassEntry {
+  CLSID clsid = {};
+  std::string library;  // full path
+};
+
+/// Folder of the user's configuration files, or empty text when there is none.
+inline std::string UserConfigFolder() {
+  const char* configured = std::getenv("XDG_CONFIG_HOME");
+  if (configured != nullptr && configured[0] == '/') return configured;
+  const char* home = std::getenv("HOME");
+  return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" : std::string();
+}
+
+/// Folders with the files that announce classes, for the user and for the machine.
+inline std::string UserClassFolder() {
+  const std::string folder = UserConfigFolder();
+  return folder.empty() ? folder : folder + "/VeskoEx/classes";
+}
+inline std::string MachineClassFolder() { return "/etc/xdg/VeskoEx/classes"; }
+
+/// The file in `folder` that announces a class. Empty text for what cannot be a ProgID.
+inline std::string ClassFile(const std::string& folder, std::string_view prog_id) {
+  if (folder.empty() || prog_id.empty()) return {};
+  std::string path = folder + "/";
+  for (char c : prog_id) {
+    if (c == '/' || c == '\0') return {};
+    path += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return path;
+}
+
+/// Reads "{63A46929-8458-4AA5-8CB6-4BD1B0873CC2}".
+inline std::optional<GUID> ParseGuid(const std::string& text) {
+  GUID id = {};
+  uint8_t* d = id.Data4;
+  int length = 0;
+  const int fields = std::sscanf(
+      text.c_str(), "{%8x-%4hx-%4hx-%2hhx%2hhx-%2hhx%2hhx%2hhx%2hhx%2hhx%2hhx}%n", &id.Data1,
+      &id.Data2, &id.Data3, d, d + 1, d + 2, d + 3, d + 4, d + 5, d + 6, d + 7, &length);
+  if (fields != 11 || length != 38 || text.size() != 38) return std::nullopt;
+  return id;
+}
+
+/// What a class file says; nothing when there is none or it says too little.
+inline std::optional<ClassEntry> ReadClassFile(const std::string& path) {
+  std::ifstream file(path);
+  std::optional<GUID> clsid;
+  ClassEntry entry;
+  for (std::string line; std::getline(file, line);) {
+    const size_t equals = line.find('=');
+    if (equals == std::string::npos) continue;
+    const std::string name = line.substr(0, equals);
+    if (name == "CLSID") clsid = ParseGuid(line.substr(equals + 1));
+    if (name == "InprocServer32") entry.library = line.substr(equals + 1);
+  }
+  if (!clsid || entry.library.empty()) return std::nullopt;
+  entry.clsid = *clsid;
+  return entry;
+}
+
+/// The class that is registered under a ProgID (compared without case), for the user or else for
+/// the machine.
+inline std::optional<ClassEntry> FindClass(std::string_view prog_id) {
+  for (const std::string& folder : {UserClassFolder(), MachineClassFolder()}) {
+    const std::string path = ClassFile(folder, prog_id);
+    if (path.empty()) continue;
+    if (auto entry = ReadClassFile(path)) return entry;
+  }
+  return std::nullopt;
+}
+
+/// Creates an object of a class in its library. The library stays loaded until the process ends.
+inline Object CreateFrom(const ClassEntry& entry) {
+  using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+  void* library = dlopen(entry.library.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (library == nullptr) throw Error(CO_E_DLLNOTFOUND, dlerror());
+  auto get = reinterpret_cast<GetClassObject>(dlsym(library, "DllGetClassObject"));
+  if (get == nullptr) throw Error(CO_E_ERRORINDLL, entry.library + " serves no classes");
+
+  void* factory = nullptr;
+  HRESULT outcome = get(entry.clsid, IID_IClassFactory, &factory);
+  if (FAILED(outcome)) throw Error(outcome, entry.library + " does not serve the class");
+  auto* classes = static_cast<IClassFactory*>(factory);
+  void* object = nullptr;
+  outcome = classes->CreateInstance(nullptr, IID_IDispatch, &object);
+  classes->Release();
+  if (outcome == kNoDisplay) throw Error(outcome, "windows cannot be shown here: no display");
+  if (FAILED(outcome)) throw Error(outcome, "the object cannot be created");
+  return Object(static_cast<IDispatch*>(object));
+}
+
+/// Creates an object by its ProgID.
+inline Object Create(std::string_view prog_id) {
+  const auto entry = FindClass(prog_id);
+  if (!entry) throw Error(REGDB_E_CLASSNOTREG, std::string(prog_id) + " is not registered");
+  return CreateFrom(*entry);
+}
+
+}  // namespace vesko::host
