@@ -53,23 +53,32 @@ class Connection {
       : fd_(fd),
         faults_(faults),
         dialogue_(maildrops),
-        greeting_due_(SteadyClock::now() + faults.greeting_delay) {
+        due_(SteadyClock::now() + faults.greeting_delay) {
     int on = 1;
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    GreetWhenDue();
+    SpeakWhenDue();
   }
 
   int Fd() const { return fd_.Get(); }
   bool Over() const { return over_; }
-  bool Greeted() const { return greeted_ || faults_.never_answer; }
-  SteadyClock::time_point GreetingDue() const { return greeting_due_; }
+
+  /// When the next thing is to be said; nothing while there is nothing to say.
+  std::optional<SteadyClock::time_point> Due() const {
+    const bool has_something = !greeted_ || LineWaits();
+    return has_something && !faults_.never_answer ? std::optional(due_) : std::nullopt;
+  }
   short Wanted() const { return static_cast<short>(POLLIN | (out_.empty() ? 0 : POLLOUT)); }
 
-  void GreetWhenDue() {
-    if (Greeted() || SteadyClock::now() < greeting_due_) return;
-    greeted_ = true;
-    Send(faults_.garbage.value_or(Pop3Dialogue::Greeting()));
-    AnswerLines();
+  void SpeakWhenDue() {
+    while (Due() && *Due() <= SteadyClock::now()) {
+      if (greeted_) {
+        AnswerLine();
+      } else {
+        greeted_ = true;
+        Send(faults_.garbage.value_or(Pop3Dialogue::Greeting()));
+      }
+      if (LineWaits()) WaitForAnswer();
+    }
   }
 
   void Serve(short happened) {
@@ -87,19 +96,23 @@ class Connection {
       return;
     }
     if (faults_.never_answer) return;
+    const bool waited = LineWaits();
     in_.append(piece, static_cast<size_t>(size));
-    if (greeted_) AnswerLines();
+    if (in_.size() > kLongestLine && !LineWaits()) over_ = true;
+    if (greeted_ && !waited && LineWaits()) WaitForAnswer();
+    SpeakWhenDue();
   }
 
-  void AnswerLines() {
-    size_t start = 0;
-    for (size_t end; (end = in_.find('\n', start)) != std::string::npos; start = end + 1) {
-      std::string_view line = std::string_view(in_).substr(start, end - start);
-      if (line.ends_with('\r')) line.remove_suffix(1);
-      if (!dialogue_.Ended()) Send(dialogue_.Answer(line));
-    }
-    in_.erase(0, start);
-    if (in_.size() > kLongestLine) over_ = true;
+  bool LineWaits() const { return in_.find('\n') != std::string::npos; }
+
+  void WaitForAnswer() { due_ = std::max(due_, SteadyClock::now() + faults_.answer_delay); }
+
+  void AnswerLine() {
+    size_t end = in_.find('\n');
+    std::string_view line = std::string_view(in_).substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (!dialogue_.Ended()) Send(dialogue_.Answer(line));
+    in_.erase(0, end + 1);
   }
 
   void Send(std::string_view text) {
@@ -125,8 +138,8 @@ class Connection {
   Descriptor fd_;
   const Pop3Faults& faults_;
   Pop3Dialogue dialogue_;
-  SteadyClock::time_point greeting_due_;
-  std::string in_;   // the beginning of a line that is not complete
+  SteadyClock::time_point due_;
+  std::string in_;   // lines not answered yet, and the beginning of one
   std::string out_;  // answers on their way; empty when the client has taken all
   size_t sent_ = 0;  // how much of out_ the client has taken
   size_t accepted_ = 0;
@@ -188,7 +201,7 @@ class Pop3Server::Impl {
     for (;;) {
       polled = {{wake_.Get(), POLLIN, 0}, {listener_.Get(), POLLIN, 0}};
       for (const Connection& c : connections_) polled.push_back({c.Fd(), c.Wanted(), 0});
-      ::poll(polled.data(), polled.size(), MillisecondsToGreeting());
+      ::poll(polled.data(), polled.size(), MillisecondsToNextWord());
       if (polled[0].revents) return;
       std::lock_guard lock(mutex_);
       ServeAll(polled);
@@ -199,8 +212,8 @@ class Pop3Server::Impl {
   void ServeAll(const std::vector<pollfd>& polled) {
     size_t next = 2;
     for (Connection& connection : connections_) {
-      connection.GreetWhenDue();
       connection.Serve(polled[next++].revents);
+      connection.SpeakWhenDue();
     }
     connections_.remove_if([](const Connection& c) { return c.Over(); });
   }
@@ -212,13 +225,12 @@ class Pop3Server::Impl {
     if (connections_.back().Over()) connections_.pop_back();
   }
 
-  // -1, without end, when nobody waits for a greeting.
-  int MillisecondsToGreeting() const {
+  // -1, without end, when nobody waits for a word.
+  int MillisecondsToNextWord() const {
     int64_t shortest = -1;
     for (const Connection& c : connections_) {
-      if (c.Greeted()) continue;
-      auto left =
-          std::chrono::ceil<std::chrono::milliseconds>(c.GreetingDue() - SteadyClock::now());
+      if (!c.Due()) continue;
+      auto left = std::chrono::ceil<std::chrono::milliseconds>(*c.Due() - SteadyClock::now());
       int64_t wait = std::max<int64_t>(left.count(), 0);
       shortest = shortest < 0 ? wait : std::min(shortest, wait);
     }

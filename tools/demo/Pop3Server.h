@@ -19,6 +19,7 @@ struct Pop3Account {
 /// How a server misbehaves, for those who want to see what a client makes of it.
 struct Pop3Faults {
   std::chrono::milliseconds greeting_delay{0};
+  std::chrono::milliseconds answer_delay{0};  // before each answer to a command
   bool never_answer = false;           // accepts connections and stays silent
   std::optional<std::string> garbage;  // sent, as it is, in place of the greeting
   std::optional<size_t> close_after;   // closes after this many bytes sent on a connection
