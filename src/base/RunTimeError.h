@@ -13,6 +13,7 @@ inline constexpr int32_t kOverflow = 6;
 inline constexpr int32_t kSubscriptOutOfRange = 9;
 inline constexpr int32_t kTypeMismatch = 13;
 inline constexpr int32_t kInvalidProcedureCall = 5;
+inline constexpr int32_t kFileNotFound = 53;
 inline constexpr int32_t kKeyAlreadyPresent = 457;
 
 /// The one exception of this program: a run-time error as automation numbers them. It never leaves

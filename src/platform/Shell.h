@@ -27,7 +27,7 @@ class Shell {
   virtual std::optional<uint32_t> FileAttributes(const Text& path) = 0;
 
   /// Starts a program file with a normal window, without a shell in between and without waiting.
-  /// Raises run-time error 53 where it cannot be started.
+  /// Raises run-time error 53 (file not found) where it cannot be started.
   virtual void Start(const Text& program) = 0;
 
   /// Folder of the component's own file, without a separator at its end.
