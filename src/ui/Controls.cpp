@@ -177,6 +177,13 @@ void ListView::Sort(int column, bool descending, const Locale& locale) {
   RowsChanged();
 }
 
+void ListView::SetUnsorted() {
+  sort_key_ = 0;
+  sort_descending_ = false;
+  sorted_ = false;
+  Changed();
+}
+
 void ListView::ClickColumn(int column) {
   if (Enabled() && on_column_click) on_column_click(column);
 }

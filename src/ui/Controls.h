@@ -225,8 +225,8 @@ class ListView : public Control {
   /// Sorts the rows by one column's text in the locale's order, equal ones left as they stand.
   /// Selection and current row stay with their rows.
   void Sort(int column, bool descending, const Locale& locale);
-  /// Rows are added unsorted again; the direction stays.
-  void SetUnsorted() { sorted_ = false; }
+  /// The state of a fresh list: unsorted, the direction ascending. Rows stay as they stand.
+  void SetUnsorted();
 
   /// Counts every change of the rows' number or order; a native list resets its view by it.
   uint64_t Generation() const { return generation_; }

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "base/Text.h"
+#include "config/Configuration.h"
+#include "maillist/colMails.h"
+#include "platform/Clock.h"
+#include "platform/Locale.h"
+#include "platform/Socket.h"
+#include "pop3/CheckRun.h"
+#include "pop3/ProgressView.h"
+#include "ui/Controls.h"
+#include "ui/Form.h"
+
+namespace vesko {
+
+/// The progress window of a check. Prepare, ShowModal, then ask NewMail: the whole run happens
+/// while it is shown, and it closes itself at the end.
+class fCheckMail : public Form, private ProgressView {
+ public:
+  struct Needs {
+    Toolkit& toolkit;
+    const Locale& locale;
+    Configuration& configuration;
+    colMails& mails;
+    Socket& socket;
+    const Clock& clock;
+    const Text& font_name;
+  };
+
+  /// Everything in `needs` must outlive the window. Takes over the socket's events.
+  explicit fCheckMail(const Needs& needs);
+  ~fCheckMail() override;
+
+  /// The next showing runs a check.
+  void Prepare() { run_.Prepare(); }
+
+  /// The last run was stopped by the user.
+  bool Cancelled() const { return run_.Cancelled(); }
+
+  /// At least one fetched message is unread.
+  bool NewMail() const { return run_.NewMail(); }
+
+ private:
+  void OnLoad() override;
+  void OnActivate() override;
+  void OnUnload() override { run_.WindowUnloaded(); }
+
+  void ShowCaption(const Text& caption) override { SetCaption(caption); }
+  void ShowProgress(const Text& text) override { lblProgress.SetCaption(text); }
+  void ShowTime(const Text& text) override;
+  void ShowCommand(const Text& text) override { lblCmd.SetCaption(text); }
+  void SetProgressMaximum(int32_t maximum) override;
+  void SetProgressValue(int32_t value) override;
+  void EnableNext(bool enabled) override { cmdNext.SetEnabled(enabled); }
+  void ShowError(const Text& text, const Text& title) override;
+  int AskRetry(const Text& question, const Text& title) override;
+  bool AskCredentials(Credentials& credentials) override;
+  void UnloadWindow() override { Unload(); }
+
+  void SetUp();
+  void Arrange();
+
+  const Text& font_name_;
+
+  Label lblProgress{"lblProgress"};
+  Label lblTime{"lblTime"};
+  Label lblCmd{"lblCmd"};
+  ProgressBar prgBar1{"prgBar1"};
+  CommandButton cmdNext{"cmdNext"};
+  CommandButton cmdCancel{"cmdCancel"};
+
+  CheckRun run_;  // last: it speaks to the controls above
+};
+
+}  // namespace vesko

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "base/Text.h"
+#include "config/Configuration.h"
+#include "dialogs/fCheckMail.h"
+#include "dialogs/fConfig.h"
+#include "maillist/colMails.h"
+#include "platform/Locale.h"
+#include "platform/Shell.h"
+#include "ui/Controls.h"
+#include "ui/Form.h"
+
+namespace vesko {
+
+/// The window that lists the fetched messages. What the user marks is marked in the collection.
+class fListMail : public Form {
+ public:
+  struct Needs {
+    Toolkit& toolkit;
+    const Locale& locale;
+    const Configuration& configuration;
+    colMails& mails;
+    Shell& shell;
+    fConfig& config_window;
+    fCheckMail& check_window;
+    const Text& font_name;
+  };
+
+  /// Everything in `needs` must outlive the window.
+  explicit fListMail(const Needs& needs);
+  ~fListMail() override;
+
+ private:
+  void OnLoad() override;
+  void OnUnload() override;
+
+  void SetUp();
+  void SetUpMenu();
+  void Arrange();
+  void AddColumns();
+
+  void ApplySpamFilter();
+  void FillList();
+  void UpdateStatus();
+  void RefreshAll();
+  void SortByColumn(ListView& list, int column);
+
+  colMails::Message MessageOf(int row) const;
+  void ItemClicked(int row);
+  bool KeyDown(int key_code, int modifiers);
+  void MouseDown(int buttons, int row);
+
+  void RunMenuCommand(int index);
+  void MarkSelected(int index);
+
+  void ConfigSpam();
+  void DeleteSpam();
+  void OpenEmailClient();
+  bool EmailClientExists() const;
+
+  const Locale& locale_;
+  const Configuration& configuration_;
+  colMails& mails_;
+  Shell& shell_;
+  fConfig& config_window_;
+  fCheckMail& check_window_;
+  const Text& font_name_;
+
+  int current_row_ = -1;               // last hit by the mouse
+  colMails::Message current_message_;  // or none
+
+  ListView LV1{"LV1"};
+  TextBox txtBody{"txtBody"};
+  CommandButton cmdMail[4]{CommandButton{"cmdMail(0)"}, CommandButton{"cmdMail(1)"},
+                           CommandButton{"cmdMail(2)"}, CommandButton{"cmdMail(3)"}};
+  PopupMenu mnuMail;  // its items are mnuMailSub
+};
+
+}  // namespace vesko
