@@ -21,11 +21,19 @@ enum class SocketState : int32_t {
   kError = 9,
 };
 
+inline constexpr int32_t kSocketPermissionDenied = 10013;
+inline constexpr int32_t kSocketAddressInUse = 10048;
+inline constexpr int32_t kSocketAddressNotAvailable = 10049;  // or a port out of range
+inline constexpr int32_t kSocketNetworkDown = 10050;
+inline constexpr int32_t kSocketNetworkUnreachable = 10051;
+inline constexpr int32_t kSocketConnectionAborted = 10053;  // by us: no TLS, or a failed check
 inline constexpr int32_t kSocketConnectionReset = 10054;
 inline constexpr int32_t kSocketTimedOut = 10060;
 inline constexpr int32_t kSocketConnectionRefused = 10061;
+inline constexpr int32_t kSocketHostUnreachable = 10065;
 inline constexpr int32_t kSocketHostNotFound = 11001;
 inline constexpr int32_t kSocketTryAgain = 11002;
+inline constexpr int32_t kSocketFault = 11003;  // whatever has no number of its own
 
 inline constexpr int32_t kPop3Port = 110;
 inline constexpr int32_t kPop3sPort = 995;

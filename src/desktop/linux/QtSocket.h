@@ -1,15 +1,21 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/Locale.h"
 #include "platform/Socket.h"
 
 namespace vesko {
 
-/// A TCP client on Qt's event loop. `certificate_file` names a PEM file of certificate authorities
-/// trusted besides the system's, or is empty. The locale must outlive the socket.
-std::unique_ptr<Socket> MakeQtSocket(const Locale& locale, const std::string& certificate_file);
+/// A TCP client on the event loop of the calling thread's Qt application. `certificate_file` names
+/// a PEM file of certificate authorities trusted besides the system's; it is read when the first
+/// TLS connection is made, and without effect when it cannot be read. A connection to one of
+/// `tls_ports` is TLS (1.2 or later) from its first byte. The locale must outlive the socket; the
+/// socket must not be destroyed from within one of its events.
+std::unique_ptr<Socket> MakeQtSocket(const Locale& locale, const std::string& certificate_file,
+                                     std::vector<int32_t> tls_ports = {kPop3sPort});
 
 }  // namespace vesko

@@ -1,0 +1,125 @@
+#include "desktop/linux/TlsStream.h"
+
+#include <QSslCertificate>
+#include <QSslError>
+#include <utility>
+
+#include "desktop/linux/SocketErrors.h"
+#include "platform/Socket.h"
+
+namespace vesko {
+namespace {
+
+TextView Words(QSslError::SslError error) {
+  switch (error) {
+    case QSslError::CertificateExpired:
+      return u"It has expired.";
+    case QSslError::CertificateNotYetValid:
+      return u"It is not valid yet.";
+    case QSslError::HostNameMismatch:
+      return u"It belongs to a server of another name.";
+    case QSslError::SelfSignedCertificate:
+      return u"It is signed by nobody but the server itself.";
+    case QSslError::SelfSignedCertificateInChain:
+    case QSslError::UnableToGetIssuerCertificate:
+    case QSslError::UnableToGetLocalIssuerCertificate:
+    case QSslError::UnableToVerifyFirstCertificate:
+    case QSslError::CertificateUntrusted:
+      return u"It is signed by an authority that is not known here.";
+    case QSslError::CertificateRevoked:
+    case QSslError::CertificateBlacklisted:
+      return u"It has been withdrawn.";
+    case QSslError::InvalidPurpose:
+      return u"It is not meant for a server.";
+    default:
+      return u"It cannot be verified.";
+  }
+}
+
+// How the TLS library says that the server's first bytes are no TLS at all.
+bool IsAboutPlainText(const QString& reason) {
+  return reason.contains(u"wrong version number") || reason.contains(u"packet length too long") ||
+         reason.contains(u"http request");
+}
+
+}  // namespace
+
+QSslConfiguration TlsClientConfiguration(const QString& certificate_file) {
+  QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+  configuration.setProtocol(QSsl::TlsV1_2OrLater);
+  configuration.setPeerVerifyMode(QSslSocket::VerifyPeer);
+  QList<QSslCertificate> authorities = QSslConfiguration::systemCaCertificates();
+  if (!certificate_file.isEmpty()) authorities += QSslCertificate::fromPath(certificate_file);
+  configuration.setCaCertificates(authorities);
+  return configuration;
+}
+
+// The signals are queued: a listener may then destroy the stream, which a QSslSocket that is in the
+// middle of its own work would not survive, and Send never reports anything from within.
+template <typename Signal, typename Slot>
+void TlsStream::OnSignal(QObject& context, Signal signal, Slot slot) {
+  auto call = [slot, alive = std::weak_ptr(alive_)](auto&&... arguments) {
+    if (!alive.expired()) slot(arguments...);
+  };
+  QObject::connect(&socket_, signal, &context, std::move(call), Qt::QueuedConnection);
+}
+
+TlsStream::TlsStream(int fd, const QString& host, const QSslConfiguration& configuration,
+                     QObject& context, ByteStreamListener& listener)
+    : listener_(listener), host_(host) {
+  OnSignal(context, &QSslSocket::encrypted, [this] {
+    open_ = true;
+    listener_.Opened();
+  });
+  OnSignal(context, &QSslSocket::readyRead, [this] { Read(); });
+  OnSignal(context, &QSslSocket::disconnected, [this] { listener_.PeerClosed(); });
+  OnSignal(context, &QSslSocket::errorOccurred,
+           [this](QAbstractSocket::SocketError error) { SocketFailed(error); });
+  socket_.setSslConfiguration(configuration);
+  socket_.setSocketDescriptor(fd);
+  socket_.setPeerVerifyName(host);
+  socket_.startClientEncryption();
+}
+
+TlsStream::~TlsStream() {
+  alive_.reset();
+  socket_.abort();
+}
+
+void TlsStream::Send(std::string_view bytes) {
+  socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+}
+
+void TlsStream::Read() {
+  const QByteArray bytes = socket_.readAll();
+  if (bytes.isEmpty()) return;
+  listener_.BytesArrived({bytes.constData(), static_cast<size_t>(bytes.size())});
+}
+
+void TlsStream::SocketFailed(QAbstractSocket::SocketError error) {
+  if (!open_) return listener_.Failed(kSocketConnectionAborted, HandshakeWords(error));
+  if (error == QAbstractSocket::RemoteHostClosedError) return;  // and then it is disconnected
+  listener_.Failed(kSocketConnectionReset, SocketErrorText(kSocketConnectionReset));
+}
+
+Text TlsStream::HandshakeWords(QAbstractSocket::SocketError error) const {
+  if (!socket_.sslHandshakeErrors().isEmpty()) return CertificateWords();
+  if (error == QAbstractSocket::RemoteHostClosedError) {
+    return u"The server closed the connection while it was being encrypted.";
+  }
+  if (IsAboutPlainText(socket_.errorString())) {
+    return u"The server does not encrypt connections on this port.";
+  }
+  return u"The server and this computer found no common way to encrypt the connection.";
+}
+
+Text TlsStream::CertificateWords() const {
+  Text words = u"The certificate of '" + host_.toStdU16String() + u"' is not accepted.";
+  for (const QSslError& error : socket_.sslHandshakeErrors()) {
+    const TextView reason = Words(error.error());
+    if (!Contains(words, reason)) words.append(u" ").append(reason);
+  }
+  return words;
+}
+
+}  // namespace vesko
