@@ -32,15 +32,21 @@ inline constexpr int32_t kStatusAccessDenied = 5;
 inline constexpr int32_t kStatusInvalidHandle = 6;
 inline constexpr int32_t kStatusWriteFault = 29;
 inline constexpr int32_t kStatusInvalidParameter = 87;
+inline constexpr int32_t kStatusDiskFull = 112;
+inline constexpr int32_t kStatusBusy = 170;
 inline constexpr int32_t kStatusMoreData = 234;
 inline constexpr int32_t kStatusNoMoreItems = 259;
+inline constexpr int32_t kStatusRegistryCorrupt = 1015;
+inline constexpr int32_t kStatusKeyDeleted = 1018;
 
 /// An open key. Not owned: a handle that is never closed costs nothing but the system's own limit.
 using KeyHandle = uintptr_t;
 inline constexpr KeyHandle kNoKey = 0;
 
 /// While one lives, what is written to its hive is one unit: after the last one ends all of it is
-/// there, after a crash none. Where the system has no such thing, it does nothing.
+/// there, after a crash none, and what is read is the hive of one moment. Once a write fails for
+/// the sake of the store (disk full, no access, busy), every later one returns the same status and
+/// nothing of the unit stays. Where the system has no such thing, it does nothing.
 class RegistryTransaction {
  public:
   virtual ~RegistryTransaction() = default;

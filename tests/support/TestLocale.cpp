@@ -1,0 +1,11 @@
+#include "support/TestLocale.h"
+
+#include "desktop/linux/IcuLocale.h"
+
+namespace vesko {
+
+std::unique_ptr<Locale> MakeTestLocale(int code_page, const std::string& name) {
+  return MakeIcuLocale(code_page, name);
+}
+
+}  // namespace vesko
