@@ -35,7 +35,12 @@ class cVeskoEx {
   void ViewMail();
 
  private:
+  void OfferConfiguration();
+  void ReportResult();
+  void UnloadWindows();
+
   ComponentState& state_;
+  bool unloading_windows_ = false;  // a window's unloading may come back here
 };
 
 }  // namespace vesko
