@@ -12,8 +12,8 @@
 namespace vesko {
 
 /// An insertion-ordered collection with unique text keys, compared exactly. Positions count from 1.
-/// Adding, finding and removing by key, and removing the first item, take constant time; the first
-/// access by position after removals from the middle takes one pass.
+/// Adding, finding and removing by key, and removing the first item, take constant time on average;
+/// the first access by position after removals from the middle takes one pass.
 template <typename Value>
 class KeyedCollection {
  public:
@@ -27,12 +27,12 @@ class KeyedCollection {
     ++next_;
   }
 
-  /// The value under the key, or null. Valid until that value is removed or compacted by access
-  /// by position.
+  /// The value under the key, or null. Valid until the next removal or access by position.
   const Value* Find(const Text& key) const {
     auto found = positions_.find(key);
     return found == positions_.end() ? nullptr : &*slots_[found->second - first_].value;
   }
+  Value* Find(const Text& key) { return const_cast<Value*>(std::as_const(*this).Find(key)); }
 
   /// The value at a position from 1 to Count; run-time error 9 elsewhere.
   const Value& Item(size_t position) {
@@ -48,6 +48,8 @@ class KeyedCollection {
     slots_[found->second - first_].value.reset();
     positions_.erase(found);
     DropEmptyFront();
+    // Holes never outnumber values by much, however long the collection lives.
+    if (slots_.size() > 2 * positions_.size() + kSpareHoles) Compact();
     return true;
   }
 
@@ -73,6 +75,8 @@ class KeyedCollection {
     Text key;
     std::optional<Value> value;
   };
+
+  static constexpr size_t kSpareHoles = 64;
 
   void DropEmptyFront() {
     while (!slots_.empty() && !slots_.front().value) {

@@ -35,8 +35,13 @@ class colMails {
 
   size_t Count() const { return entries_.Count(); }
 
+  /// A session with a server begins: the numbers that it sees replace those of earlier sessions.
+  void BeginSession() { ++session_; }
+
   /// Adds a message that `user`'s account fetched. A key that is already there keeps its entry and
-  /// marks and takes over the new message's number; returns false then.
+  /// marks; returns false then. The entry takes over the new message's number when the same account
+  /// fetched it, for deleting by a stale number would hit another message; of several messages with
+  /// one key in a session (those without a MessageID) the first counts.
   bool Add(Message message, const Text& user);
 
   /// The message under a key, or null.
@@ -71,8 +76,10 @@ class colMails {
   struct Entry {
     Message message;
     Text user;
+    size_t session;  // in which the number was seen
   };
   KeyedCollection<Entry> entries_;
+  size_t session_ = 0;
 };
 
 /// Whether a keyword of `senders` occurs in From, or one of `subjects` in Subject, without regard

@@ -1,0 +1,114 @@
+#include "pop3/CheckRun.h"
+
+#include <utility>
+
+#include "message/cMessage.h"
+#include "pop3/AccountRun.h"
+#include "pop3/DeletionPass.h"
+#include "pop3/Pop3Session.h"
+
+namespace vesko {
+
+class CheckRun::Impl : public Pop3Session::Listener {
+ public:
+  explicit Impl(const Needs& needs)
+      : needs_(needs),
+        session_({needs.socket, needs.pump, needs.clock, needs.configuration, needs.view, *this}),
+        account_(needs_, session_) {
+    needs_.socket.on_data_arrival = [this] { session_.HandleArrival(); };
+    needs_.socket.on_error = [this](int32_t number, const Text& description) {
+      session_.HandleError(number, description);
+    };
+  }
+
+  ~Impl() override {
+    needs_.socket.Close();
+    needs_.socket.on_data_arrival = nullptr;
+    needs_.socket.on_error = nullptr;
+  }
+
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  void Prepare() { started_ = false; }
+
+  void Activate() {
+    if (std::exchange(started_, true)) return;
+    account_.Open();
+    DeletionPass(needs_, session_, account_).Run();
+    if (!account_.Over()) CheckAllAccounts();
+  }
+
+  void Next() { account_.Skip(); }
+
+  void Cancel() {
+    account_.Skip();
+    Unload();
+  }
+
+  void WindowUnloaded() { account_.End(); }
+
+  bool Cancelled() const { return session_.State() == SessionState::kStopped; }
+  bool NewMail() const { return needs_.mails.AnyUnread(); }
+
+  void RefreshStatus() override { account_.RefreshStatus(); }
+  void StoreHeader(TextView text, int32_t number) override;
+
+ private:
+  void Unload();
+  void CheckAllAccounts();
+  void CheckAccount(int32_t position);
+
+  Needs needs_;
+  Pop3Session session_;
+  AccountRun account_;
+  bool started_ = false;
+};
+
+void CheckRun::Impl::Unload() {
+  if (account_.Over()) return;
+  account_.End();
+  needs_.view.UnloadWindow();
+}
+
+void CheckRun::Impl::CheckAllAccounts() {
+  const int32_t accounts = needs_.configuration.Accounts.Count();
+  for (int32_t i = 1; i <= accounts && !account_.Over(); ++i) CheckAccount(i);
+  if (account_.Over()) return;
+  needs_.view.ShowProgress(Decimal(static_cast<int64_t>(needs_.mails.Count())) +
+                           u" are in the mail boxes !!!");
+  Unload();
+}
+
+void CheckRun::Impl::CheckAccount(int32_t position) {
+  account_.Start(position);
+  for (bool retry = false; account_.Prepare(retry); retry = true) {
+    const Text host = Quoted(session_.GetAccount().host);
+    needs_.view.ShowCaption(u"Checking mail box of " + host + u" ...");
+    needs_.view.ShowProgress(u"Connecting " + host + u" ...");
+    if (account_.RunSession()) return;
+    account_.Settle();
+  }
+}
+
+void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
+  auto message = std::make_shared<cMessage>(needs_.locale);
+  // A malformed date ends the parsing, but the message is there and is to be seen.
+  IgnoreErrors([&] { message->CreateFromText(text); });
+  message->Server = session_.GetAccount().host;
+  message->SetIndex(number);
+  needs_.mails.Add(std::move(message), session_.GetAccount().user);
+}
+
+CheckRun::CheckRun(const Needs& needs) : impl_(std::make_unique<Impl>(needs)) {}
+CheckRun::~CheckRun() = default;
+
+void CheckRun::Prepare() { impl_->Prepare(); }
+void CheckRun::Activate() { impl_->Activate(); }
+void CheckRun::Next() { impl_->Next(); }
+void CheckRun::Cancel() { impl_->Cancel(); }
+void CheckRun::WindowUnloaded() { impl_->WindowUnloaded(); }
+bool CheckRun::Cancelled() const { return impl_->Cancelled(); }
+bool CheckRun::NewMail() const { return impl_->NewMail(); }
+
+}  // namespace vesko

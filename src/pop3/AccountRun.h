@@ -1,0 +1,75 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+#include "base/Text.h"
+#include "pop3/CheckRun.h"
+#include "pop3/Pop3Session.h"
+
+namespace vesko {
+
+/// A value between apostrophes, as the window's texts show it.
+Text Quoted(const Text& value);
+
+/// What the check and the deletion pass do alike with one account: get its data ready, hold one
+/// session with its server and wait for the end of it, and give way to the user at any moment.
+class AccountRun {
+ public:
+  /// All must outlive this object.
+  AccountRun(const CheckRun::Needs& needs, Pop3Session& session)
+      : needs_(needs), session_(session) {}
+
+  /// The window was opened, or unloaded: afterwards nothing is asked, shown or connected to.
+  void Open() { over_ = false; }
+  void End();
+  bool Over() const { return over_; }
+
+  /// Turns to the account at a position, counted from 1.
+  void Start(int32_t position);
+
+  /// Gets the account's data ready for a session; false when there is to be none: the user said
+  /// no, or left the account or the window, or the socket cannot be had. `retry` is whether a
+  /// session of this account has failed before.
+  bool Prepare(bool retry);
+
+  /// Connects and waits until the session is over. True when it ended normally; the socket is
+  /// closed in every case.
+  bool RunSession();
+
+  /// Lets events run after a failed session; for a second where no question will come before the
+  /// next one, so that the user can leave a server that refuses.
+  void Settle();
+
+  /// The user's Next: leaves the account, logging out where there is a connection.
+  void Skip();
+
+  void RefreshStatus();
+
+ private:
+  bool Left() const { return over_ || skipped_; }
+  void RunPending() { needs_.pump.RunPending(std::chrono::milliseconds(0)); }
+
+  bool WouldAsk() const;
+  bool ConfirmRetry();
+  std::vector<Text> ReadRecord() const;
+  bool CompleteRecord(std::vector<Text>& fields);
+  void UseRecord(const std::vector<Text>& fields);
+  Text DecryptedOrEmpty(const Text& scrambled) const;
+
+  void Connect();
+  void Wait();
+  bool WaitOneTurn();
+  std::chrono::milliseconds UntilNextDuty() const;
+  void LogOut();
+
+  CheckRun::Needs needs_;
+  Pop3Session& session_;
+  bool over_ = false;
+  bool skipped_ = false;
+  int32_t position_ = 0;
+  int32_t last_shown_seconds_ = 0;
+};
+
+}  // namespace vesko

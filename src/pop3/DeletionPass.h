@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+#include "pop3/AccountRun.h"
+
+namespace vesko {
+
+/// Deletes the messages that are marked for it from their servers, one session per account that
+/// fetched such messages, and then from colMails.
+class DeletionPass {
+ public:
+  /// All must outlive the pass.
+  DeletionPass(const CheckRun::Needs& needs, Pop3Session& session, AccountRun& account)
+      : needs_(needs), session_(session), account_(account) {}
+
+  /// Does nothing unless a message is marked as spam. The session's deletion list is empty
+  /// afterwards, however the pass ends.
+  void Run();
+
+ private:
+  void DeleteMailOf(int32_t position);
+  bool DeleteOnServer();
+  void ListMarked();
+  void ForgetDeleted();
+
+  CheckRun::Needs needs_;
+  Pop3Session& session_;
+  AccountRun& account_;
+};
+
+}  // namespace vesko
