@@ -1,0 +1,74 @@
+#include "desktop/windows/WinShell.h"
+
+#include <windows.h>
+// After windows.h, whose types it uses.
+#include <shellapi.h>
+
+#include "base/RunTimeError.h"
+
+namespace vesko {
+
+namespace {
+
+constexpr int32_t kFileNotFound = 53;
+constexpr size_t kLongestPath = 32768;  // characters, NUL included
+
+const wchar_t* Wide(const Text& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
+
+/// Full path of the file that holds this code: the DLL, or the program it is linked into.
+Text OwnFile() {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(
+      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+      reinterpret_cast<LPCWSTR>(&OwnFile), &module);
+  Text path(kLongestPath, u'\0');
+  path.resize(GetModuleFileNameW(module, reinterpret_cast<wchar_t*>(path.data()), kLongestPath));
+  return path;
+}
+
+class WinShell final : public Shell {
+ public:
+  std::optional<uint32_t> FileAttributes(const Text& path) override {
+    const DWORD attributes = GetFileAttributesW(Wide(path));
+    if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    return attributes;
+  }
+
+  void Start(const Text& program) override {
+    std::wstring command = L"\"" + std::wstring(Wide(program)) + L"\"";
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.wShowWindow = SW_SHOWNORMAL;
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(Wide(program), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &process)) {
+      throw RunTimeError(kFileNotFound);
+    }
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+  }
+
+  Text OwnFolder() override {
+    const Text path = OwnFile();
+    return path.substr(0, path.rfind(u'\\'));
+  }
+
+  Text OwnName() override {
+    Text name = OwnFile();
+    name.erase(0, name.rfind(u'\\') + 1);
+    return name.substr(0, name.rfind(u'.'));
+  }
+
+  char16_t PathSeparator() const override { return u'\\'; }
+
+  // Both are the registry's to tell on this system.
+  Text DesktopMailClient() override { return {}; }
+  std::optional<ForeignAccount> DesktopMailAccount(int32_t) override { return std::nullopt; }
+};
+
+}  // namespace
+
+std::unique_ptr<Shell> MakeWinShell() { return std::make_unique<WinShell>(); }
+
+}  // namespace vesko
