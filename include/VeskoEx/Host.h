@@ -1,6 +1,8 @@
 #pragma once
 
 #include <dlfcn.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -189,6 +191,10 @@ inline std::string UserConfigFolder() {
   const char* configured = std::getenv("XDG_CONFIG_HOME");
   if (configured != nullptr && configured[0] == '/') return configured;
   const char* home = std::getenv("HOME");
+  if (home == nullptr || home[0] != '/') {
+    const passwd* user = getpwuid(getuid());
+    home = user != nullptr ? user->pw_dir : nullptr;
+  }
   return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" : std::string();
 }
 
