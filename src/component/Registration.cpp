@@ -1,0 +1,147 @@
+#include "component/Registration.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "VeskoEx/VeskoEx.h"
+#include "base/RunTimeError.h"
+
+namespace vesko {
+namespace {
+
+constexpr char kClasses[] = "SOFTWARE\\Classes";
+constexpr char kTypeLibraryName[] = "Vesko ActiveX Dll 1.0";
+
+std::string Folder(const std::string& library) {
+  const size_t separator = library.find_last_of("/\\");
+  return separator == std::string::npos ? std::string() : library.substr(0, separator);
+}
+
+/// One hive's part of a registration. The first failure ends it as a run-time error.
+class ClassKeys {
+ public:
+  ClassKeys(Registry& registry, int32_t root) : registry_(registry), root_(root) {}
+
+  void Write(const std::string& library) {
+    Set(ProgIdKey(), "", kProgId);
+    Set(ProgIdKey() + "\\CLSID", "", GuidText(CLSID_cVeskoEx));
+    Set(ClassKey(), "", kProgId);
+    Set(ClassKey() + "\\InprocServer32", "", library);
+    Set(ClassKey() + "\\InprocServer32", "ThreadingModel", "Apartment");
+    Set(ClassKey() + "\\ProgID", "", kProgId);
+    Set(ClassKey() + "\\Programmable", "", "");
+    Set(ClassKey() + "\\TypeLib", "", GuidText(LIBID_VeskoEx));
+    Set(ClassKey() + "\\VERSION", "", "1.0");
+    Set(TypeLibraryKey() + "\\1.0", "", kTypeLibraryName);
+    Set(TypeLibraryKey() + "\\1.0\\FLAGS", "", "0");
+    Set(TypeLibraryKey() + "\\1.0\\HELPDIR", "", Folder(library));
+  }
+
+  void Remove() {
+    RemoveTree(ProgIdKey());
+    RemoveTree(ClassKey());
+    RemoveTree(TypeLibraryKey());
+    for (const std::string& above :
+         {Under("CLSID"), Under("TypeLib"), std::string(kClasses), std::string("SOFTWARE")}) {
+      if (IsEmptyKey(above)) registry_.DeleteKey(root_, above);
+    }
+  }
+
+  /// Path of the library that serves the class; empty text when none does. Raises an error where
+  /// the hive does not say.
+  std::string Library() {
+    const KeyHandle key = Open(ClassKey() + "\\InprocServer32", kKeyQueryValue);
+    if (key == kNoKey) return {};
+    uint32_t type = 0;
+    std::string data;
+    registry_.QueryValue(key, "", type, data);
+    registry_.CloseKey(key);
+    return data.substr(0, data.find('\0'));
+  }
+
+ private:
+  static std::string Under(const std::string& name) { return std::string(kClasses) + "\\" + name; }
+  static std::string ProgIdKey() { return Under(kProgId); }
+  static std::string ClassKey() { return Under("CLSID\\" + GuidText(CLSID_cVeskoEx)); }
+  static std::string TypeLibraryKey() { return Under("TypeLib\\" + GuidText(LIBID_VeskoEx)); }
+
+  static void Require(int32_t status) {
+    if (status != kStatusSuccess) throw RunTimeError(SELFREG_E_CLASS);
+  }
+
+  /// kNoKey where there is no such key.
+  KeyHandle Open(const std::string& path, uint32_t access) {
+    KeyHandle key = kNoKey;
+    const int32_t status = registry_.OpenKey(root_, path, access, key);
+    if (status == kStatusFileNotFound) return kNoKey;
+    Require(status);
+    return key;
+  }
+
+  void Set(const std::string& path, const std::string& name, const std::string& text) {
+    KeyHandle key = kNoKey;
+    Require(registry_.CreateKey(root_, path, key));
+    const int32_t status =
+        registry_.SetValue(key, name, kRegSz, std::string_view(text.c_str(), text.size() + 1));
+    registry_.CloseKey(key);
+    Require(status);
+  }
+
+  void RemoveTree(const std::string& path) {
+    const KeyHandle key = Open(path, kKeyEnumerateSubKeys);
+    if (key == kNoKey) return;
+    std::vector<std::string> names;
+    for (std::string name;
+         registry_.EnumKey(key, static_cast<uint32_t>(names.size()), name) == kStatusSuccess;) {
+      names.push_back(name);
+    }
+    registry_.CloseKey(key);
+    for (const std::string& name : names) RemoveTree(path + "\\" + name);
+    Require(registry_.DeleteKey(root_, path));
+  }
+
+  bool IsEmptyKey(const std::string& path) {
+    const KeyHandle key = Open(path, kKeyQueryValue | kKeyEnumerateSubKeys);
+    if (key == kNoKey) return false;
+    std::string name;
+    const bool empty = registry_.EnumKey(key, 0, name) == kStatusNoMoreItems &&
+                       registry_.EnumValue(key, 0, name) == kStatusNoMoreItems;
+    registry_.CloseKey(key);
+    return empty;
+  }
+
+  Registry& registry_;
+  int32_t root_;
+};
+
+}  // namespace
+
+std::string GuidText(REFGUID id) {
+  char text[39];
+  const auto& d = id.Data4;
+  std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
+                static_cast<unsigned>(id.Data1), id.Data2, id.Data3, d[0], d[1], d[2], d[3], d[4],
+                d[5], d[6], d[7]);
+  return text;
+}
+
+HRESULT RegisterServer(Registry& registry, int32_t root, const std::string& library) {
+  const auto transaction = registry.BeginTransaction(root);
+  ClassKeys keys(registry, root);
+  if (IgnoreErrors([&] { keys.Write(library); })) return S_OK;
+  IgnoreErrors([&] { keys.Remove(); });
+  return SELFREG_E_CLASS;
+}
+
+HRESULT UnregisterServer(Registry& registry, int32_t root, const std::string& library) {
+  const auto transaction = registry.BeginTransaction(root);
+  ClassKeys keys(registry, root);
+  const bool done = IgnoreErrors([&] {
+    const std::string registered = keys.Library();
+    if (registered.empty() || registered == library) keys.Remove();
+  });
+  return done ? S_OK : SELFREG_E_CLASS;
+}
+
+}  // namespace vesko

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+
+#include "component/ComponentState.h"
+#include "component/Desktop.h"
+#include "platform/Automation.h"
+
+namespace vesko {
+
+/// The component as a library: hands out class factories, knows what of it is alive, and keeps the
+/// state that all objects share from the first one's creation to the last one's end.
+class Server {
+ public:
+  /// Raises a run-time error where the machine cannot show windows.
+  using NewDesktop = std::function<std::unique_ptr<Desktop>()>;
+
+  explicit Server(NewDesktop new_desktop) : new_desktop_(std::move(new_desktop)) {}
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  /// The factory of the one class. `factory` is null after a failure.
+  HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** factory) noexcept;
+
+  /// True when no object, no factory and no lock is alive.
+  bool CanUnload() const noexcept { return alive_ == 0; }
+
+  /// While one is held the library is needed.
+  void Lock() noexcept { ++alive_; }
+  void Unlock() noexcept { --alive_; }
+
+  /// The objects' state, with the desktop under it; both go with the last holder. To be called on
+  /// the user-interface thread. Raises what NewDesktop raises.
+  std::shared_ptr<ComponentState> ShareState();
+
+ private:
+  struct Shared {
+    explicit Shared(std::unique_ptr<Desktop> made) : desktop(std::move(made)), state(*desktop) {}
+    std::unique_ptr<Desktop> desktop;
+    ComponentState state;
+  };
+
+  NewDesktop new_desktop_;
+  std::atomic<long> alive_{0};
+  std::weak_ptr<Shared> shared_;
+};
+
+/// A lock on the server as a member of what keeps it alive.
+class ServerLock {
+ public:
+  explicit ServerLock(Server& server) : server_(server) { server_.Lock(); }
+  ~ServerLock() { server_.Unlock(); }
+  ServerLock(const ServerLock&) = delete;
+  ServerLock& operator=(const ServerLock&) = delete;
+
+ private:
+  Server& server_;
+};
+
+}  // namespace vesko
