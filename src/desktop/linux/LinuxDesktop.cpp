@@ -1,0 +1,121 @@
+#include "desktop/linux/LinuxDesktop.h"
+
+#include <QApplication>
+#include <QThread>
+#include <charconv>
+#include <chrono>
+
+#include "VeskoEx/Host.h"
+#include "base/RunTimeError.h"
+#include "desktop/linux/DisplayProbe.h"
+#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxFolders.h"
+#include "desktop/linux/LinuxShell.h"
+#include "desktop/linux/QtSocket.h"
+#include "desktop/linux/QtSound.h"
+#include "desktop/linux/QtToolkit.h"
+#include "desktop/linux/SqliteRegistry.h"
+
+namespace vesko {
+namespace {
+
+constexpr char kCodePageKey[] = "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage";
+
+class MonotonicClock : public Clock {
+ public:
+  double Seconds() const override {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+  }
+};
+
+/// The process's QApplication, which the first caller makes and nobody ends: Qt takes a second one
+/// in a process badly, and what a host still holds may need it to the last. For the same reason
+/// the library stays mapped once it was loaded.
+void MakeApplication() {
+  if (!CanShowWindows()) {
+    throw RunTimeError(host::kNoDisplay, u"VeskoEx", u"Windows cannot be shown: no display.");
+  }
+  static int count = 1;
+  static char name[] = "VeskoEx";
+  static char* arguments[] = {name, nullptr};
+  static auto* application = new QApplication(count, arguments);
+  // The host's end is the host's affair; Qt would end its loops with our last window.
+  application->setQuitOnLastWindowClosed(false);
+}
+
+void RequireApplication() {
+  const QCoreApplication* present = QCoreApplication::instance();
+  if (present == nullptr) return MakeApplication();
+  if (qobject_cast<const QApplication*>(present) == nullptr) {
+    throw RunTimeError(host::kNoDisplay, u"VeskoEx", u"The host's Qt application has no widgets.");
+  }
+  if (present->thread() != QThread::currentThread()) {
+    throw RunTimeError(RPC_E_WRONG_THREAD, u"VeskoEx", u"This is not the user-interface thread.");
+  }
+}
+
+/// The code page that the registry names, or 0.
+int RegistryCodePage(Registry& registry) {
+  KeyHandle key = kNoKey;
+  if (registry.OpenKey(kLocalMachine, kCodePageKey, kKeyQueryValue, key) != kStatusSuccess)
+    return 0;
+  uint32_t type = 0;
+  std::string digits;
+  const int32_t status = registry.QueryValue(key, "ACP", type, digits);
+  registry.CloseKey(key);
+  int code_page = 0;
+  if (status == kStatusSuccess && type == kRegSz) {
+    std::from_chars(digits.data(), digits.data() + digits.size(), code_page);
+  }
+  return code_page;
+}
+
+int ChooseCodePage(int asked, Registry& registry) {
+  if (asked != 0) return asked;
+  const int named = RegistryCodePage(registry);
+  return named != 0 ? named : HostCodePage();
+}
+
+std::string Or(const std::string& text, const std::string& fallback) {
+  return text.empty() ? fallback : text;
+}
+
+class LinuxDesktop : public Desktop {
+ public:
+  explicit LinuxDesktop(const LinuxDesktopOptions& options)
+      : certificate_file_(options.certificate_file),
+        registry_(
+            MakeSqliteRegistry(Or(options.user_hive_folder, DefaultFolders().user_hive),
+                               Or(options.machine_hive_folder, DefaultFolders().machine_hive))),
+        locale_(MakeIcuLocale(ChooseCodePage(options.code_page, *registry_), options.locale_name)),
+        sound_(MakeQtSound()),
+        shell_(MakeLinuxShell()),
+        toolkit_(MakeQtToolkit()) {}
+
+  const Locale& GetLocale() override { return *locale_; }
+  Registry& GetRegistry() override { return *registry_; }
+  std::unique_ptr<Socket> NewSocket() override { return MakeQtSocket(*locale_, certificate_file_); }
+  Sound& GetSound() override { return *sound_; }
+  Shell& GetShell() override { return *shell_; }
+  const Clock& GetClock() override { return clock_; }
+  Toolkit& GetToolkit() override { return *toolkit_; }
+
+ private:
+  std::string certificate_file_;
+  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Locale> locale_;
+  std::unique_ptr<Sound> sound_;
+  std::unique_ptr<Shell> shell_;
+  std::unique_ptr<Toolkit> toolkit_;
+  MonotonicClock clock_;
+};
+
+}  // namespace
+
+std::unique_ptr<Desktop> MakeLinuxDesktop(const LinuxDesktopOptions& options) {
+  RequireApplication();
+  return std::make_unique<LinuxDesktop>(options);
+}
+
+}  // namespace vesko

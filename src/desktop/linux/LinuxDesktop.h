@@ -17,8 +17,10 @@ struct LinuxDesktopOptions {
 };
 
 /// The Linux desktop: Qt for widgets, events, sockets and sound, SQLite for the hives, ICU for text
-/// and dates. Creates the process's QApplication where the host has none. To be made and used on
-/// the user-interface thread.
+/// and dates. Creates the process's QApplication where the host has none, which lives until the
+/// process ends. To be made and used on the user-interface thread. Raises a run-time error with an
+/// HRESULT as its number: host::kNoDisplay where no window can be shown, RPC_E_WRONG_THREAD beside
+/// the host's user-interface thread.
 std::unique_ptr<Desktop> MakeLinuxDesktop(const LinuxDesktopOptions& options = {});
 
 }  // namespace vesko
