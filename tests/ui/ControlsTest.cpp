@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "base/RunTimeError.h"
+#include "support/TestLocale.h"
+#include "ui/Controls.h"
+
+namespace vesko {
+namespace {
+
+TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
+  int events = 0;
+  const auto count = [&] { ++events; };
+  CommandButton button("cmd");
+  button.on_click = count;
+  CheckBox check("chk");
+  check.on_click = count;
+  TextBox box("txt");
+  box.on_change = count;
+  ListBox list("lst");
+  list.AddItem(u"a");
+  list.on_click = count;
+  for (Control* control : std::initializer_list<Control*>{&button, &check, &box, &list}) {
+    control->SetEnabled(false);
+  }
+  button.Click();
+  check.Click();
+  box.Type(u"x");
+  list.Click(0);
+  EXPECT_EQ(events, 0);
+  button.SetEnabled(true);
+  button.SetVisible(false);
+  button.Click();
+  box.SetEnabled(true);
+  box.SetReadOnly(true);
+  box.Type(u"x");
+  EXPECT_EQ(events, 0);
+  EXPECT_EQ(box.GetText(), u"");
+}
+
+TEST(ControlsTest, OnlyAChangeRaisesAnEvent) {
+  int events = 0;
+  CheckBox check("chk");
+  check.on_click = [&] { ++events; };
+  check.SetValue(1);
+  check.SetValue(1);
+  check.Click();
+  EXPECT_EQ(events, 2);
+  EXPECT_EQ(check.Value(), 0);
+  TextBox box("txt");
+  box.on_change = [&] { ++events; };
+  box.SetText({});
+  box.SetText(u"a");
+  box.Type(u"a");
+  EXPECT_EQ(events, 3);
+}
+
+TEST(ProgressBarTest, KeepsItsRange) {
+  ProgressBar bar("prg");
+  EXPECT_THROW(bar.SetValue(101), RunTimeError);
+  EXPECT_THROW(bar.SetValue(-1), RunTimeError);
+  EXPECT_THROW(bar.SetMaximum(0), RunTimeError);
+  bar.SetValue(100);
+  bar.SetMaximum(7);
+  EXPECT_EQ(bar.Value(), 7);
+}
+
+TEST(ListBoxTest, SelectionFollowsItsLine) {
+  struct Case {
+    int selected, removed, expected;
+  };
+  for (const Case& c : {Case{1, 0, 0}, {1, 1, -1}, {1, 2, 1}, {-1, 0, -1}}) {
+    ListBox list("lst");
+    for (const char16_t* item : {u"a", u"b", u"c"}) list.AddItem(item);
+    list.SetListIndex(c.selected);
+    list.RemoveItem(c.removed);
+    EXPECT_EQ(list.ListIndex(), c.expected) << c.selected << " " << c.removed;
+    EXPECT_EQ(list.Count(), 2);
+  }
+  ListBox empty("lst");
+  EXPECT_THROW(empty.SetListIndex(0), RunTimeError);
+  EXPECT_THROW(empty.RemoveItem(0), RunTimeError);
+}
+
+class ListViewTest : public testing::Test {
+ protected:
+  void Add(std::vector<Text> cells) { list.AddRow({cells[0], cells, "Mail", false}); }
+
+  Text Keys() const {
+    Text keys;
+    for (int row = 0; row < list.Count(); ++row) keys += list.RowAt(row).key;
+    return keys;
+  }
+
+  std::unique_ptr<Locale> locale = MakeTestLocale();
+  ListView list{"LV1"};
+};
+
+TEST_F(ListViewTest, SortsStablyAndKeepsSelectionWithItsRows) {
+  Add({u"c", u"same"});
+  Add({u"B", u"same"});
+  Add({u"a", u"other"});
+  list.SetSelected(1, true);
+  list.SetCurrentRow(1);
+  list.Sort(0, false, *locale);
+  EXPECT_EQ(Keys(), u"aBc");
+  list.Sort(0, true, *locale);
+  EXPECT_EQ(Keys(), u"cBa");
+  list.Sort(1, true, *locale);
+  EXPECT_EQ(Keys(), u"cBa") << "equal rows stay as they stand";
+  list.Sort(1, false, *locale);
+  EXPECT_EQ(Keys(), u"acB");
+  list.Sort(6, true, *locale);
+  EXPECT_EQ(Keys(), u"acB") << "no row has such a cell";
+  EXPECT_TRUE(list.Selected(2));
+  EXPECT_EQ(list.CurrentRow(), 2);
+  list.SetUnsorted();
+  EXPECT_FALSE(list.Sorted() || list.SortDescending());
+}
+
+TEST_F(ListViewTest, SortsTheLongestListUnderASecond) {
+  constexpr int kRows = 32767;
+  for (int i = 0; i < kRows; ++i) {
+    const Text name = u"sender" + Text(1, static_cast<char16_t>(u'a' + i % 26));
+    Add({name + Text(1, static_cast<char16_t>(0xAC00 + i * 7919 % 11000)) + u"@mail.example"});
+  }
+  const std::clock_t start = std::clock();  // processor time: other programs do not count
+  list.Sort(0, false, *locale);
+  EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
+}
+
+TEST_F(ListViewTest, SelectsAsTheUserDoes) {
+  for (const char16_t* key : {u"a", u"b", u"c", u"d"}) Add({key});
+  int clicked = -1;
+  list.on_item_click = [&](int row) { clicked = row; };
+  list.SelectAll();
+  list.ClickRow(1);
+  list.InvertSelection();
+  EXPECT_TRUE(list.Selected(0) && !list.Selected(1) && list.Selected(2) && list.Selected(3));
+  EXPECT_EQ(clicked, 1);
+  EXPECT_EQ(list.CurrentRow(), 1);
+
+  const uint64_t generation = list.SelectionGeneration();
+  list.TakeSelection({{0, 1}, {3, 9}}, 7);
+  EXPECT_TRUE(list.Selected(0) && list.Selected(1) && !list.Selected(2) && list.Selected(3));
+  EXPECT_EQ(list.CurrentRow(), -1) << "such a row does not exist";
+  EXPECT_EQ(list.SelectionGeneration(), generation) << "the native side knows it already";
+  list.ClearRows();
+  EXPECT_NE(list.SelectionGeneration(), generation);
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,162 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "base/RunTimeError.h"
+#include "support/ScriptedToolkit.h"
+#include "ui/Form.h"
+#include "ui/mVeskoMain.h"
+#include "ui/mmWinDefs.h"
+
+namespace vesko {
+namespace {
+
+/// A window that notes its life and does in each step what the test wants.
+class LifeForm : public Form {
+ public:
+  explicit LifeForm(ScriptedToolkit& toolkit) : Form("Life", toolkit), calls_(toolkit.calls) {
+    Add(button);
+    SetLayout(Item(button));
+  }
+  ~LifeForm() override { TakeDown(); }
+
+  std::function<void()> on_load, on_activate, on_close;
+  CommandButton button{"cmdOne"};
+
+ private:
+  void OnLoad() override { Note("load", on_load); }
+  void OnActivate() override { Note("activate", on_activate); }
+  void OnUnload() override { Note("unload", {}); }
+  void OnClose() override { on_close ? on_close() : Form::OnClose(); }
+
+  void Note(const std::string& step, const std::function<void()>& action) {
+    calls_.push_back(step);
+    if (action) action();
+  }
+
+  std::vector<std::string>& calls_;
+};
+
+using Calls = std::vector<std::string>;
+
+TEST(FormTest, LivesFromLoadToUnload) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  toolkit.On("Life", [](Form& shown) {
+    EXPECT_TRUE(shown.IsLoaded());
+    shown.ShowModal();  // is shown already
+    shown.Unload();
+    shown.Unload();
+    EXPECT_FALSE(shown.IsLoaded());
+    shown.ShowModal();  // not taken down yet
+  });
+  form.ShowModal();
+  EXPECT_EQ(toolkit.calls, (Calls{"fit Life", "load", "fit Life", "show Life", "activate", "unload",
+                                  "hide Life", "destroy Life"}));
+  EXPECT_EQ(form.button.Peer(), nullptr);
+}
+
+TEST(FormTest, CanBeShownAgain) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  for (int i = 0; i < 2; ++i) toolkit.On("Life", [](Form& shown) { shown.Close(); });
+  form.ShowModal();
+  form.ShowModal();
+  EXPECT_EQ(toolkit.shown, (Calls{"Life", "Life"}));
+}
+
+TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  form.on_load = [&] { form.Unload(); };
+  form.ShowModal();
+  EXPECT_TRUE(toolkit.shown.empty());
+  form.on_load = {};
+  form.on_activate = [&] { form.Unload(); };
+  form.ShowModal();
+  EXPECT_EQ(toolkit.shown, Calls{"Life"});
+  EXPECT_EQ(toolkit.calls.back(), "destroy Life");
+}
+
+TEST(FormTest, ClosingByTheFrameAsksTheWindow) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  int closings = 0;
+  form.on_close = [&] {
+    if (++closings == 2) form.Unload();
+  };
+  form.Close();
+  EXPECT_EQ(closings, 0) << "not shown yet";
+  toolkit.On("Life", [](Form& shown) {
+    shown.Close();
+    EXPECT_TRUE(shown.IsLoaded());
+    shown.Close();
+  });
+  form.ShowModal();
+  EXPECT_EQ(closings, 2);
+}
+
+TEST(FormTest, MayBeDestroyedWhileItIsShown) {
+  ScriptedToolkit toolkit;
+  auto form = std::make_unique<LifeForm>(toolkit);
+  toolkit.On("Life", [&](Form&) { form.reset(); });
+  form->ShowModal();
+  EXPECT_EQ(toolkit.calls.back(), "destroy Life");
+}
+
+TEST(FormTest, AnErrorWhileLoadingLeavesTheWindowUsable) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  form.on_load = [] { throw RunTimeError(kTypeMismatch); };
+  EXPECT_THROW(form.ShowModal(), RunTimeError);
+  EXPECT_FALSE(form.IsLoaded());
+  form.on_load = {};
+  toolkit.On("Life", [](Form& shown) { shown.Close(); });
+  form.ShowModal();
+  EXPECT_EQ(toolkit.shown, Calls{"Life"});
+}
+
+TEST(CentreFormTest, PlacesInTheMiddleOfScreenOrOwner) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit), owner(toolkit);
+  form.Resize(400, 300);
+  toolkit.screen = {100, 50, 1000, 700};
+  CentreForm(form, toolkit);
+  EXPECT_EQ(form.Left(), 400);
+  EXPECT_EQ(form.Top(), 250);
+  owner.TakeBounds({10, 20, 200, 100});
+  CentreForm(form, toolkit, &owner);
+  EXPECT_EQ(form.Left(), -90);
+  EXPECT_EQ(form.Top(), -80);
+  EXPECT_EQ(form.Width(), 400);
+}
+
+TEST(ApplyFontTest, GivesTheFaceToControlsThatHaveAFont) {
+  struct Case {
+    const char16_t* font;
+    double size;
+    const char16_t* expected;
+  };
+  for (const Case& c :
+       {Case{u"Gulim", 9, u"Gulim"}, {u"Gulim", 0, u"Tahoma"}, {u"", 9, u"Tahoma"}}) {
+    ScriptedToolkit toolkit;
+    LifeForm form(toolkit);
+    form.button.SetFont({u"Tahoma", c.size});
+    ApplyFont(form, toolkit, c.font);
+    EXPECT_EQ(form.button.GetFont().name, c.expected);
+    EXPECT_EQ(form.button.GetFont().size, c.size);
+    const bool applied = c.expected == Text(u"Gulim");
+    EXPECT_EQ(toolkit.calls, applied ? Calls{"invalidate cmdOne"} : Calls{});
+  }
+}
+
+TEST(ApplyFontTest, GoesOnAfterAnError) {
+  ScriptedToolkit toolkit;
+  LifeForm form(toolkit);
+  form.button.SetFont({u"Tahoma", 9});
+  toolkit.on_run_pending = [] { throw RunTimeError(kTypeMismatch); };
+  EXPECT_NO_THROW(ApplyFont(form, toolkit, u"Gulim"));
+}
+
+}  // namespace
+}  // namespace vesko
