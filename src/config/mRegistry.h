@@ -14,8 +14,9 @@ class mRegistry {
   /// All must outlive the store.
   mRegistry(Registry& registry, const Locale& locale, Shell& shell);
 
-  /// Replaces the whole configuration. The first time for a user it seeds the registry with
-  /// defaults and the accounts of the machine's mail program.
+  /// Replaces the whole configuration: by the user's hive, or by the machine's where the user's
+  /// has none. The first time for a user it seeds the user's hive with defaults and the accounts
+  /// of the machine's mail program. A number that is stored as no number keeps its last value.
   void Load(Configuration& configuration);
 
   /// Writes the configuration to both hives, each in one transaction. A password is written only
@@ -23,6 +24,9 @@ class mRegistry {
   void Save(const Configuration& configuration);
 
  private:
+  void Seed();
+  Text DefaultSound() const;
+
   Registry& registry_;
   const Locale& locale_;
   Shell& shell_;
