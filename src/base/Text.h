@@ -28,6 +28,9 @@ TextView TrimNull(TextView text);
 size_t Find(TextView text, TextView needle, size_t from = 0);
 size_t Find(TextView text, char16_t needle, size_t from = 0);
 
+/// Position of the last `needle` that starts at or before `from`, or Text::npos.
+size_t FindLast(TextView text, TextView needle, size_t from);
+
 inline bool Contains(TextView text, TextView needle) { return Find(text, needle) != Text::npos; }
 
 /// Pieces between separators, empty ones kept. Empty text gives no piece at all. The views live as

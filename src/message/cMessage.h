@@ -64,8 +64,6 @@ class cMessage : public Object {
   void SetIndex(int32_t index) { index_ = Decimal(index); }
 
  private:
-  void StoreField(TextView field, TextView value);
-
   const Locale* locale_;
   int32_t size_ = 0;
   Text index_;

@@ -83,7 +83,6 @@ Text IcuDateFormat::FormatByIcu(const DateTime& date) const {
 
 Text IcuDateFormat::FormatByPieces(const DateTime& date) const {
   Text text;
-  text.reserve(16);
   for (const Piece& piece : pieces_) Append(piece, date, text);
   return text;
 }
