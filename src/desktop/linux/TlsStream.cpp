@@ -72,7 +72,7 @@ TlsStream::TlsStream(int fd, const QString& host, const QSslConfiguration& confi
     listener_.Opened();
   });
   OnSignal(context, &QSslSocket::readyRead, [this] { Read(); });
-  OnSignal(context, &QSslSocket::disconnected, [this] { listener_.PeerClosed(); });
+  OnSignal(context, &QSslSocket::disconnected, [this] { Disconnected(); });
   OnSignal(context, &QSslSocket::errorOccurred,
            [this](QAbstractSocket::SocketError error) { SocketFailed(error); });
   socket_.setSslConfiguration(configuration);
@@ -96,9 +96,15 @@ void TlsStream::Read() {
   listener_.BytesArrived({bytes.constData(), static_cast<size_t>(bytes.size())});
 }
 
+void TlsStream::Disconnected() {
+  if (std::exchange(over_, true)) return;
+  listener_.PeerClosed();
+}
+
 void TlsStream::SocketFailed(QAbstractSocket::SocketError error) {
+  if (open_ && error == QAbstractSocket::RemoteHostClosedError) return;  // Disconnected follows
+  if (std::exchange(over_, true)) return;
   if (!open_) return listener_.Failed(kSocketConnectionAborted, HandshakeWords(error));
-  if (error == QAbstractSocket::RemoteHostClosedError) return;  // and then it is disconnected
   listener_.Failed(kSocketConnectionReset, SocketErrorText(kSocketConnectionReset));
 }
 

@@ -31,6 +31,7 @@ class TlsStream final : public ByteStream {
   template <typename Signal, typename Slot>
   void OnSignal(QObject& context, Signal signal, Slot slot);
   void Read();
+  void Disconnected();
   void SocketFailed(QAbstractSocket::SocketError error);
   Text HandshakeWords(QAbstractSocket::SocketError error) const;
   Text CertificateWords() const;
@@ -38,6 +39,7 @@ class TlsStream final : public ByteStream {
   ByteStreamListener& listener_;
   QString host_;
   bool open_ = false;
+  bool over_ = false;                                       // its end is reported
   std::shared_ptr<char> alive_ = std::make_shared<char>();  // dies with the stream
   QSslSocket socket_;
 };
