@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace vesko {
+
+/// A new, empty folder of one test, removed with all that is in it.
+class TempFolder {
+ public:
+  TempFolder() {
+    std::string path = (std::filesystem::temp_directory_path() / "vesko-XXXXXX").string();
+    path_ = mkdtemp(path.data());
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::string& Path() const { return path_; }
+  std::string operator/(std::string_view name) const { return path_ + "/" + std::string(name); }
+
+  /// Writes a file, with the folders above it.
+  void Write(std::string_view name, std::string_view content) const {
+    std::filesystem::path path = *this / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+  }
+
+  std::string Read(std::string_view name) const {
+    std::ifstream file(*this / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace vesko
