@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/RunTimeError.h"
+#include "message/mmFile.h"
 #include "ui/mVeskoMain.h"
 #include "ui/mmWinDefs.h"
 
@@ -266,8 +267,7 @@ void fListMail::OpenEmailClient() {
 }
 
 bool fListMail::EmailClientExists() const {
-  const auto attributes = shell_.FileAttributes(configuration_.DefaultEmailClient);
-  return attributes && !(*attributes & kAttributeDirectory);
+  return FileExists(shell_, configuration_.DefaultEmailClient);
 }
 
 }  // namespace vesko

@@ -1,0 +1,319 @@
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "dialogs/fConfig.h"
+#include "support/FakeMachine.h"
+
+namespace vesko {
+namespace {
+
+class fConfigTest : public testing::Test {
+ protected:
+  fConfigTest() { machine.configuration.SpamSenders = {u"one@spam.example", u"", u"@two.example"}; }
+
+  void Accounts(const std::vector<Text>& names) {
+    for (const Text& name : names) machine.AddAccount(machine.Record(name));
+    machine.store.Save(machine.configuration);
+  }
+
+  /// Shows the window; a driver that does not leave it presses OK at its end.
+  void Show(const ScriptedToolkit::Driver& driver) {
+    machine.toolkit.On("fConfig", [driver](Form& form) {
+      driver(form);
+      if (form.IsLoaded()) Press(form, "cmdOK");
+    });
+    window.ShowModal();
+    EXPECT_FALSE(window.IsLoaded());
+  }
+
+  /// The settings as another start of the component finds them.
+  Configuration Stored() {
+    Configuration stored;
+    machine.store.Load(stored);
+    return stored;
+  }
+
+  FakeMachine machine;
+  std::vector<Text> played;
+  fConfig window{{machine.toolkit, *machine.locale, machine.configuration, machine.store,
+                  [this](const Text& path) { played.push_back(path); }, machine.font_name}};
+};
+
+ListBox& AccountList(Form& form) { return Find<ListBox>(form, "lstPop3Account"); }
+
+std::vector<Text> Lines(Form& form, const std::string& name) {
+  std::vector<Text> lines;
+  const ListBox& list = Find<ListBox>(form, name);
+  for (int i = 0; i < list.Count(); ++i) lines.push_back(list.Item(i));
+  return lines;
+}
+
+TEST_F(fConfigTest, ShowsSettingsAndSavesThemOnOk) {
+  machine.configuration.ManualChecking = 1;
+  Show([](Form& form) {
+    EXPECT_EQ(form.Caption(), u"POP3 Mail Configurarion");
+    EXPECT_EQ(Read(form, "txtPOP3DownLines"), u"20");
+    EXPECT_EQ(Read(form, "txtPOP3CheckTime"), u"30");
+    EXPECT_EQ(Lines(form, "lstSpamSender"),
+              (std::vector<Text>{u"one@spam.example", u"@two.example"}));
+    EXPECT_EQ(Find<ListBox>(form, "lstSpamSubject").ListIndex(), 0);
+    EXPECT_FALSE(Find<TextBox>(form, "txtPOP3CheckTime").Enabled());
+    Find<CheckBox>(form, "chkPop3ManualCheck").Click();
+    Type(form, "txtPOP3CheckTime", u" 5 ");
+    Type(form, "txtPOP3DownLines", u"0");
+    Type(form, "txtPOP3WaitTime", u"-1");
+    Type(form, "txtPOP3SoundFile", u"ding.wav");
+    Type(form, "txtDefEmailClient", u"mail.exe");
+  });
+  EXPECT_EQ(machine.configuration.DefaultEmailClient, u"mail.exe");
+  EXPECT_FALSE(window.Canceled());
+  const Configuration stored = Stored();
+  EXPECT_EQ(stored.DownLines, 0);
+  EXPECT_EQ(stored.CheckInterval, 5);
+  EXPECT_EQ(stored.WaitTime, -1);
+  EXPECT_EQ(stored.ManualChecking, 0);
+  EXPECT_EQ(stored.SoundFile, u"ding.wav");
+  EXPECT_EQ(stored.SpamSenders, (std::vector<Text>{u"one@spam.example", u"@two.example"}));
+}
+
+TEST_F(fConfigTest, ANumberThatIsNoneKeepsTheWindowAndEverything) {
+  struct Case {
+    const char* box;
+    const char16_t* label;
+    const char16_t* text;
+  };
+  const Case cases[] = {
+      {"txtPOP3DownLines", u"Lines to download", u"many"},
+      {"txtPOP3CheckTime", u"Time interval for checking mail box (min)", u""},
+      {"txtPOP3WaitTime", u"Waiting time for POP3 command response (sec)", u"99999999999"}};
+  for (const Case& c : cases) {
+    machine.toolkit.messages.clear();
+    Show([&](Form& form) {
+      Find<TextBox>(form, c.box).SetText(c.text);
+      Type(form, "txtPOP3SoundFile", u"half.wav");
+      Press(form, "cmdOK");
+      EXPECT_TRUE(form.IsLoaded()) << c.box;
+      EXPECT_EQ(machine.toolkit.focus, c.box);
+      EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kOptionPage);
+      EXPECT_EQ(Read(form, "txtPOP3SoundFile"), u"half.wav");
+      EXPECT_NE(machine.configuration.SoundFile, u"half.wav");
+      form.Close();
+    });
+    ASSERT_EQ(machine.toolkit.messages.size(), 1u);
+    EXPECT_EQ(machine.toolkit.messages[0].text, u"Please type a number.");
+    EXPECT_EQ(machine.toolkit.messages[0].title, c.label);
+  }
+}
+
+TEST_F(fConfigTest, EditedAccountsAreStoredWhenAnotherIsShown) {
+  Accounts({u"a", u"b"});
+  Show([&](Form& form) {
+    EXPECT_EQ(Read(form, "txtPop3Account(3)"), u"secret");
+    EXPECT_TRUE(Find<TextBox>(form, "txtPop3Account(3)").Password());
+    Type(form, "txtPop3Account(0)", u"  alpha ");
+    Type(form, "txtPop3Account(3)", u"new word");
+    AccountList(form).Click(1);
+    EXPECT_EQ(Lines(form, "lstPop3Account"), (std::vector<Text>{u"alpha", u"b"}));
+    EXPECT_EQ(Read(form, "txtPop3Account(1)"), u"b.example");
+    Type(form, "txtPop3Account(1)", u"pop.b.example");
+  });
+  EXPECT_EQ(machine.AccountNames(), u"alpha,b");
+  EXPECT_EQ(Decrypt(machine.Account(1)[kAccountPassword], *machine.locale), u"new word");
+  EXPECT_EQ(machine.Account(2)[kAccountServer], u"pop.b.example");
+  EXPECT_EQ(Stored().Accounts.Count(), 2);
+}
+
+TEST_F(fConfigTest, PortsAreNumbers) {
+  Accounts({u"a"});
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
+      {u"", u"110"}, {u"pop3", u"110"}, {u" 995 ", u"995"}};
+  for (const auto& [typed, stored] : cases) {
+    Show([&](Form& form) { Type(form, "txtPop3Account(4)", typed); });
+    EXPECT_EQ(machine.Account(1)[kAccountPort], stored);
+  }
+}
+
+TEST_F(fConfigTest, AnAccountWithoutNameIsNotStored) {
+  Accounts({u"a"});
+  Show([&](Form& form) {
+    Type(form, "txtPop3Account(0)", u"");
+    Type(form, "txtPop3Account(1)", u"lost.example");
+  });
+  EXPECT_EQ(machine.Account(1)[kAccountServer], u"a.example");
+}
+
+TEST_F(fConfigTest, SavePasswordFollowsTheRecordWhereItIsANumber) {
+  for (const char16_t* flag : {u"1", u"", u"x", u"0", u"", u"7"}) {
+    machine.AddAccount(machine.Record(flag, u"p", u"110", flag));
+  }
+  Show([](Form& form) {
+    const int expected[] = {1, 1, 1, 0, 0, 1};
+    for (int i = 0; i < 6; ++i) {
+      AccountList(form).Click(i);
+      EXPECT_EQ(Find<CheckBox>(form, "chkSavePassword").Value(), expected[i]) << i;
+    }
+  });
+}
+
+TEST_F(fConfigTest, AnUnreadablePasswordNeverShowsAnotherOne) {
+  machine.AddAccount(machine.Record(u"a"));
+  machine.AddAccount(Join({u"b", u"b.example", u"user", Text(40000, u'='), u"110", u"1"}, kCrLf));
+  Show([](Form& form) {
+    AccountList(form).Click(1);
+    EXPECT_NE(Read(form, "txtPop3Account(3)"), u"secret");
+  });
+}
+
+TEST_F(fConfigTest, NewBeginsAnAccountAndSelectsIt) {
+  Show([&](Form& form) {
+    EXPECT_FALSE(Find<TextBox>(form, "txtPop3Account(0)").Enabled());
+    EXPECT_FALSE(Find<CheckBox>(form, "chkSavePassword").Enabled());
+    Press(form, "cmdPOP3(0)");
+    EXPECT_TRUE(Find<TextBox>(form, "txtPop3Account(0)").Enabled());
+    EXPECT_EQ(Read(form, "txtPop3Account(0)"), u"New1");
+    EXPECT_EQ(Read(form, "txtPop3Account(3)"), u"");
+    EXPECT_EQ(Read(form, "txtPop3Account(4)"), u"110");
+    EXPECT_EQ(ToText(machine.configuration.Accounts.Item(1)), u"New1\r\n\r\n\r\n\r\n\r\n\r\n0");
+    Type(form, "txtPop3Account(0)", u"first");
+    Press(form, "cmdPOP3(0)");
+    EXPECT_EQ(AccountList(form).ListIndex(), 1);
+  });
+  EXPECT_EQ(machine.AccountNames(), u"first,New2");
+}
+
+TEST_F(fConfigTest, DeleteSelectsTheNeighbourAndSparesIt) {
+  struct Case {
+    int deleted;
+    const char16_t* left;
+    int selected;
+  };
+  for (const Case& c : {Case{0, u"b,c", 0}, {1, u"a,c", 1}, {2, u"a,b", 1}}) {
+    machine.configuration.Accounts.Clear();
+    Accounts({u"a", u"b", u"c"});
+    Show([&](Form& form) {
+      AccountList(form).Click(c.deleted);
+      Press(form, "cmdPOP3(1)");
+      EXPECT_EQ(AccountList(form).ListIndex(), c.selected);
+    });
+    EXPECT_EQ(machine.AccountNames(), c.left);
+    EXPECT_EQ(Stored().Accounts.Count(), 2);
+  }
+}
+
+TEST_F(fConfigTest, DeletingTheLastAccountDisablesTheBoxes) {
+  Accounts({u"a"});
+  Show([](Form& form) {
+    Press(form, "cmdPOP3(1)");
+    Press(form, "cmdPOP3(1)");
+    EXPECT_EQ(AccountList(form).Count(), 0);
+    EXPECT_EQ(Read(form, "txtPop3Account(3)"), u"");
+    EXPECT_FALSE(Find<TextBox>(form, "txtPop3Account(3)").Enabled());
+  });
+  EXPECT_EQ(machine.configuration.Accounts.Count(), 0);
+}
+
+TEST_F(fConfigTest, CancelAndClosingDiscardEveryEdit) {
+  Accounts({u"a", u"b"});
+  for (const bool by_frame : {false, true}) {
+    Show([&](Form& form) {
+      Type(form, "txtPop3Account(0)", u"changed");
+      Press(form, "cmdPOP3(0)");
+      AccountList(form).Click(1);
+      Press(form, "cmdPOP3(1)");
+      Find<ListBox>(form, "lstSpamSubject").Click(0);
+      Press(form, "cmdSpamSubject(2)");
+      by_frame ? form.Close() : Press(form, "cmdCancel");
+    });
+    EXPECT_EQ(machine.AccountNames(), u"a,b");
+    EXPECT_EQ(machine.configuration.SpamSubjects, (std::vector<Text>{u"ILOVEYOU", u"MELISSA"}));
+    EXPECT_TRUE(window.Canceled());
+  }
+  Show([](Form&) {});
+  EXPECT_TRUE(window.Canceled()) << "nothing sets it back";
+}
+
+TEST_F(fConfigTest, KeywordsAreAddedRenamedAndDeleted) {
+  machine.toolkit.Input(u"@three.example");
+  machine.toolkit.CancelInput();
+  machine.toolkit.On("InputBox", [](Form& box) {
+    EXPECT_EQ(box.Caption(), u"Rename Spam Mail");
+    EXPECT_EQ(Read(box, "txtAnswer"), u"@two.example");
+    Type(box, "txtAnswer", u"@2.example");
+    Press(box, "cmdOK");
+  });
+  machine.toolkit.Input(u"");
+  Show([](Form& form) {
+    ListBox& list = Find<ListBox>(form, "lstSpamSender");
+    Press(form, "cmdSpamSender(0)");
+    Press(form, "cmdSpamSender(0)");
+    EXPECT_EQ(list.Count(), 3);
+    list.Click(1);
+    Press(form, "cmdSpamSender(1)");
+    Press(form, "cmdSpamSender(1)");
+    EXPECT_EQ(list.Item(1), u"@2.example") << "no text keeps the old one";
+    list.Click(2);
+    Press(form, "cmdSpamSender(2)");
+    EXPECT_EQ(list.ListIndex(), 1) << "the last one";
+    list.Click(0);
+    Press(form, "cmdSpamSender(2)");
+    EXPECT_EQ(list.ListIndex(), 0) << "the same place";
+  });
+  EXPECT_EQ(Stored().SpamSenders, std::vector<Text>{u"@2.example"});
+}
+
+TEST_F(fConfigTest, AnEmptyKeywordListIsAnEmptyArray) {
+  machine.toolkit.On("InputBox", [](Form& box) {
+    EXPECT_EQ(box.Caption(), u"New Spam Mail");
+    EXPECT_EQ(Find<Label>(box, "lblPrompt").Caption(),
+              u"Type new spam mail subject keyword\r\nsuch as \"ILOVEYOU\" or \"MELISSA\":");
+    box.Close();
+  });
+  Show([](Form& form) {
+    for (int i = 0; i < 3; ++i) Press(form, "cmdSpamSubject(2)");
+    Press(form, "cmdSpamSubject(1)");
+    Press(form, "cmdSpamSubject(0)");
+  });
+  EXPECT_TRUE(machine.configuration.SpamSubjects.empty());
+  EXPECT_TRUE(Stored().SpamSubjects.empty());
+}
+
+TEST_F(fConfigTest, PicksFilesAndPlaysTheSound) {
+  machine.toolkit.files = {u"new.wav", u"", u"client.exe", u""};
+  Show([&](Form& form) {
+    for (const char* button : {"cmdPop3Sound(1)", "cmdDefEmailClient"}) {
+      Press(form, button);
+      Press(form, button);  // picks none this time
+    }
+    Press(form, "cmdPop3Sound(0)");
+    Press(form, "cmdHelp");
+  });
+  EXPECT_EQ(played, std::vector<Text>{u"new.wav"});
+  EXPECT_EQ(machine.configuration.DefaultEmailClient, u"client.exe");
+  const ScriptedToolkit::FileQuestion sound{
+      u"Select Wave File", u"All Files (*.*)|*.*|Wave Files (*.wav)|*.wav", u"wav"};
+  const ScriptedToolkit::FileQuestion client{
+      u"Select Default Email Client", u"All Files (*.*)|*.*|Wave Files (*.exe)|*.exe", u"exe"};
+  ASSERT_EQ(machine.toolkit.file_questions.size(), 4u);
+  EXPECT_EQ(machine.toolkit.file_questions[0], sound);
+  EXPECT_EQ(machine.toolkit.file_questions[2], client);
+  EXPECT_EQ(machine.toolkit.messages.back().text,
+            u"\r\n1. All passwords are stored as encrypted text for the password protection.\r\n"
+            u"2. All POP3 email account details are stored in Registry.");
+}
+
+TEST_F(fConfigTest, OpensAndSavesManyEntriesAtOnce) {
+  for (int i = 0; i < 200; ++i) machine.AddAccount(machine.Record(u"account" + Decimal(i)));
+  machine.configuration.SpamSenders.clear();
+  for (int i = 0; i < 2000; ++i) {
+    machine.configuration.SpamSenders.push_back(u"@spam" + Decimal(i) + u".example");
+  }
+  const std::clock_t start = std::clock();
+  Show([](Form& form) { AccountList(form).Click(199); });
+  EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 2);
+  EXPECT_EQ(machine.configuration.SpamSenders.size(), 2000u);
+  EXPECT_EQ(Stored().Accounts.Count(), 200);
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include "dialogs/fPop3Site.h"
+#include "support/ScriptedToolkit.h"
+
+namespace vesko {
+namespace {
+
+class fPop3SiteTest : public testing::Test {
+ protected:
+  fPop3SiteTest() {
+    site.Server = u"pop.example";
+    site.User = u"user";
+    site.Password = u"secret";
+  }
+
+  void Show(const ScriptedToolkit::Driver& driver) {
+    toolkit.On("fPop3Site", driver);
+    site.ShowModal();
+  }
+
+  ScriptedToolkit toolkit;
+  Text font_name = u"Gulim";
+  fPop3Site site{toolkit, font_name};
+};
+
+void EditAll(Form& form) {
+  Type(form, "txtPop3Account(0)", u"other.example");
+  Type(form, "txtPop3Account(1)", u" me ");
+  Type(form, "txtPop3Account(2)", u"word");
+  Find<CheckBox>(form, "chkSavePassword").Click();
+}
+
+TEST_F(fPop3SiteTest, OkHandsOverWhatWasTyped) {
+  Show([&](Form& form) {
+    EXPECT_EQ(form.Caption(), u"POP3 Server Connection");
+    EXPECT_EQ(Read(form, "txtPop3Account(0)"), u"pop.example");
+    EXPECT_EQ(Read(form, "txtPop3Account(2)"), u"secret");
+    EXPECT_TRUE(Find<TextBox>(form, "txtPop3Account(2)").Password());
+    EXPECT_EQ(Find<TextBox>(form, "txtPop3Account(0)").GetFont().name, u"Gulim");
+    EXPECT_EQ(toolkit.focus, "txtPop3Account(1)");
+    EditAll(form);
+    Press(form, "cmdOK");
+  });
+  EXPECT_FALSE(site.Canceled());
+  EXPECT_EQ(site.Server, u"other.example");
+  EXPECT_EQ(site.User, u" me ");
+  EXPECT_EQ(site.Password, u"word");
+  EXPECT_TRUE(site.SavePassword);
+}
+
+TEST_F(fPop3SiteTest, CancelAndClosingKeepWhatWasGiven) {
+  const std::vector<ScriptedToolkit::Driver> ways = {[](Form& form) { Press(form, "cmdCancel"); },
+                                                     [](Form& form) { form.Close(); }};
+  for (const auto& leave : ways) {
+    fPop3Site asked(toolkit, font_name);
+    asked.Server = u"pop.example";
+    toolkit.On("fPop3Site", [&](Form& form) {
+      EditAll(form);
+      leave(form);
+    });
+    asked.ShowModal();
+    EXPECT_TRUE(asked.Canceled());
+    EXPECT_EQ(asked.Server, u"pop.example");
+    EXPECT_EQ(asked.User + asked.Password, u"");
+    EXPECT_FALSE(asked.SavePassword);
+  }
+}
+
+TEST_F(fPop3SiteTest, OkAndEnterNeedAllThreeTexts) {
+  for (const char* box : {"txtPop3Account(0)", "txtPop3Account(1)", "txtPop3Account(2)"}) {
+    Show([&](Form& form) {
+      TextBox& edited = Find<TextBox>(form, box);
+      edited.Type({});
+      EXPECT_FALSE(Find<CommandButton>(form, "cmdOK").Enabled()) << box;
+      edited.PressKey(kKeyReturn);
+      Press(form, "cmdOK");
+      EXPECT_TRUE(form.IsLoaded());
+      edited.Type(u" ");
+      EXPECT_FALSE(edited.PressKey('A'));
+      edited.PressKey(kKeyReturn);
+    });
+    EXPECT_FALSE(site.Canceled());
+  }
+}
+
+TEST_F(fPop3SiteTest, BeginsDisabledForANewAccount) {
+  fPop3Site fresh(toolkit, font_name);
+  toolkit.On("fPop3Site", [](Form& form) {
+    EXPECT_FALSE(Find<CommandButton>(form, "cmdOK").Enabled());
+    Press(form, "cmdHelp");
+    form.Close();
+  });
+  fresh.ShowModal();
+  ASSERT_EQ(toolkit.messages.size(), 1u);
+  EXPECT_EQ(toolkit.messages[0].text,
+            u"\r\nIf all of them are correct but do not work, TRY IT LATER since POP3 server is so "
+            u"busy.");
+  EXPECT_EQ(toolkit.messages[0].icon, MessageIcon::kInformation);
+}
+
+}  // namespace
+}  // namespace vesko

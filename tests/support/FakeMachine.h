@@ -1,0 +1,92 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config/Configuration.h"
+#include "config/mRegistry.h"
+#include "config/mmEncrypt.h"
+#include "maillist/colMails.h"
+#include "support/FakeClock.h"
+#include "support/FakePump.h"
+#include "support/FakeShell.h"
+#include "support/MemoryRegistry.h"
+#include "support/ScriptedSocket.h"
+#include "support/ScriptedToolkit.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+
+/// Everything around a window, and what the component's parts share. At its end it fails the test
+/// where a server's script was not followed to its end.
+struct FakeMachine {
+  FakeMachine() { store.Load(configuration); }
+  ~FakeMachine() {
+    EXPECT_EQ(socket.faults, std::vector<std::string>{});
+    EXPECT_EQ(socket.Unused(), 0u);
+  }
+
+  Text Record(const Text& name, const Text& password = u"secret", const Text& port = u"110",
+              const Text& save = u"1") const {
+    return Join({name, name + u".example", u"user", Encrypt(password, *locale), port, save, u""},
+                kCrLf);
+  }
+  void AddAccount(const Text& record) {
+    Variant value = record;
+    configuration.Accounts.Add(value);
+  }
+  std::vector<Text> Account(int32_t n) const {
+    return SplitAccount(ToText(configuration.Accounts.Item(n)));
+  }
+  /// Names of all accounts, joined with commas.
+  Text AccountNames() const {
+    std::vector<Text> names;
+    for (int32_t n = 1; n <= configuration.Accounts.Count(); ++n) names.push_back(Account(n)[0]);
+    return Join(names, u",");
+  }
+
+  cMessage& AddMail(const Text& from, const Text& subject = u"hello") {
+    auto message = std::make_shared<cMessage>(*locale);
+    message->From = from;
+    message->Subject = subject;
+    message->Server = u"one.example";
+    message->MessageID = u"<" + Decimal(static_cast<int64_t>(mails.Count())) + u"@mail.example>";
+    message->MessageBody = u"body from " + from;
+    message->SetIndex(static_cast<int32_t>(mails.Count() + 1));
+    mails.Add(message, u"user");
+    return *message;
+  }
+
+  FakeClock clock;
+  ScriptedSocket socket{clock};
+  FakePump pump{clock, socket};
+  ScriptedToolkit toolkit{&pump};
+  MemoryRegistry registry;
+  FakeShell shell;
+  std::unique_ptr<Locale> locale = MakeTestLocale();
+  mRegistry store{registry, *locale, shell};
+  Configuration configuration;
+  colMails mails;
+  Text font_name;
+};
+
+/// A login of the account that FakeMachine::Record makes.
+inline Script Login() {
+  return Server(u"+OK\r\n") + Client(u"USER user") + Server(u"+OK\r\n") + Client(u"PASS secret") +
+         Server(u"+OK\r\n") + Client(u"STAT");
+}
+inline Script Quit() { return Client(u"QUIT") + Server(u"+OK\r\n"); }
+inline Script EmptyMailbox() { return Login() + Server(u"+OK 0 0\r\n") + Quit(); }
+
+/// A mailbox of one message with this sender, checked with the default settings.
+inline Script OneMessage(const Text& from) {
+  return Login() + Server(u"+OK 1 100\r\n") + Client(u"TOP 1 20") +
+         Server(u"+OK\r\nFrom: " + from +
+                u"\r\nMessage-ID: <new@mail.example>\r\n\r\nHi\r\n.\r\n") +
+         Quit();
+}
+
+}  // namespace vesko
