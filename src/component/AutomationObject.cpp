@@ -147,7 +147,7 @@ class AutomationObject final : public _cVeskoEx {
     return iid == IID_IUnknown || iid == IID_IDispatch || iid == IID__cVeskoEx;
   }
 
-  explicit AutomationObject(Server& server)
+  explicit AutomationObject(AutomationServer& server)
       : lock_(server), state_(server.ShareState()), component_(*state_) {}
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
@@ -308,7 +308,7 @@ class AutomationObject final : public _cVeskoEx {
 
 }  // namespace
 
-HRESULT CreateAutomationObject(Server& server, REFIID iid, void** object) {
+HRESULT CreateAutomationObject(AutomationServer& server, REFIID iid, void** object) {
   // Creating one changes the user's registry, so not just to find that nobody wants it.
   if (!AutomationObject::Offers(iid)) return E_NOINTERFACE;
   auto* made = new AutomationObject(server);

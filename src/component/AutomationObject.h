@@ -1,14 +1,14 @@
 #pragma once
 
 #include "base/Variant.h"
-#include "component/Server.h"
+#include "component/AutomationServer.h"
 #include "platform/Automation.h"
 
 namespace vesko {
 
 /// Creates a cVeskoEx behind its automation interfaces: IUnknown, IDispatch and the dual interface.
 /// Raises what creating it raises; E_NOINTERFACE for another interface.
-HRESULT CreateAutomationObject(Server& server, REFIID iid, void** object);
+HRESULT CreateAutomationObject(AutomationServer& server, REFIID iid, void** object);
 
 /// The value that a client passed, references followed. Raises run-time error 13 (type mismatch)
 /// for kinds that no member takes, and DISP_E_PARAMNOTOPTIONAL for an argument left out.

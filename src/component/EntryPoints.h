@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/Server.h"
+#include "component/AutomationServer.h"
 #include "platform/Automation.h"
 
 namespace vesko {
@@ -9,7 +9,7 @@ namespace vesko {
 
 /// The one server. It is never destroyed: a host may still hold an object when the process ends,
 /// and by then what the object would be taken down with is gone.
-Server& TheServer();
+AutomationServer& TheServer();
 
 /// Writes or removes the keys by which hosts of this user find the library.
 HRESULT RegisterLibrary();

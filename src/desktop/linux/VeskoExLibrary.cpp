@@ -26,8 +26,8 @@ HRESULT ChangeRegistration(Step&& step) {
 
 }  // namespace
 
-Server& TheServer() {
-  static auto* server = new Server([] { return MakeLinuxDesktop(); });
+AutomationServer& TheServer() {
+  static auto* server = new AutomationServer([] { return MakeLinuxDesktop(); });
   return *server;
 }
 

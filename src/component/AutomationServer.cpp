@@ -1,4 +1,4 @@
-#include "component/Server.h"
+#include "component/AutomationServer.h"
 
 #include "VeskoEx/VeskoEx.h"
 #include "component/AutomationObject.h"
@@ -9,7 +9,7 @@ namespace {
 
 class ClassFactory final : public IClassFactory {
  public:
-  explicit ClassFactory(Server& server) : server_(server), lock_(server) {}
+  explicit ClassFactory(AutomationServer& server) : server_(server), lock_(server) {}
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -43,14 +43,14 @@ class ClassFactory final : public IClassFactory {
  private:
   ~ClassFactory() = default;
 
-  Server& server_;
+  AutomationServer& server_;
   ServerLock lock_;
   std::atomic<ULONG> references_{1};
 };
 
 }  // namespace
 
-HRESULT Server::GetClassObject(REFCLSID clsid, REFIID iid, void** factory) noexcept {
+HRESULT AutomationServer::GetClassObject(REFCLSID clsid, REFIID iid, void** factory) noexcept {
   if (factory == nullptr) return E_POINTER;
   *factory = nullptr;
   if (clsid != CLSID_cVeskoEx) return CLASS_E_CLASSNOTAVAILABLE;
@@ -62,7 +62,7 @@ HRESULT Server::GetClassObject(REFCLSID clsid, REFIID iid, void** factory) noexc
   });
 }
 
-std::shared_ptr<ComponentState> Server::ShareState() {
+std::shared_ptr<ComponentState> AutomationServer::ShareState() {
   auto shared = shared_.lock();
   if (!shared) {
     shared = std::make_shared<Shared>(new_desktop_());

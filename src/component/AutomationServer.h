@@ -12,14 +12,14 @@ namespace vesko {
 
 /// The component as a library: hands out class factories, knows what of it is alive, and keeps the
 /// state that all objects share from the first one's creation to the last one's end.
-class Server {
+class AutomationServer {
  public:
   /// Raises a run-time error where the machine cannot show windows.
   using NewDesktop = std::function<std::unique_ptr<Desktop>()>;
 
-  explicit Server(NewDesktop new_desktop) : new_desktop_(std::move(new_desktop)) {}
-  Server(const Server&) = delete;
-  Server& operator=(const Server&) = delete;
+  explicit AutomationServer(NewDesktop new_desktop) : new_desktop_(std::move(new_desktop)) {}
+  AutomationServer(const AutomationServer&) = delete;
+  AutomationServer& operator=(const AutomationServer&) = delete;
 
   /// The factory of the one class. `factory` is null after a failure.
   HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void** factory) noexcept;
@@ -50,13 +50,13 @@ class Server {
 /// A lock on the server as a member of what keeps it alive.
 class ServerLock {
  public:
-  explicit ServerLock(Server& server) : server_(server) { server_.Lock(); }
+  explicit ServerLock(AutomationServer& server) : server_(server) { server_.Lock(); }
   ~ServerLock() { server_.Unlock(); }
   ServerLock(const ServerLock&) = delete;
   ServerLock& operator=(const ServerLock&) = delete;
 
  private:
-  Server& server_;
+  AutomationServer& server_;
 };
 
 }  // namespace vesko

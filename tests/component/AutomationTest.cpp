@@ -1,0 +1,418 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <new>
+#include <stdexcept>
+
+#include "VeskoEx/VeskoEx.h"
+#include "base/RunTimeError.h"
+#include "component/AutomationObject.h"
+#include "component/AutomationServer.h"
+#include "dialogs/fConfig.h"
+#include "support/FakeDesktop.h"
+
+namespace vesko {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr WORD kLateBound = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+
+class AutomationTest : public testing::Test {
+ protected:
+  AutomationTest()
+      : server_([this]() -> std::unique_ptr<Desktop> {
+          auto made = std::make_unique<FakeDesktop>();
+          made->on_end = [this] { desktop_ = nullptr; };
+          desktop_ = made.get();
+          return made;
+        }) {}
+
+  ~AutomationTest() override {
+    EXPECT_EQ(desktop_, nullptr) << "the shared state outlived the objects";
+    EXPECT_TRUE(server_.CanUnload());
+  }
+
+  IClassFactory* Factory() {
+    void* factory = nullptr;
+    EXPECT_EQ(server_.GetClassObject(CLSID_cVeskoEx, IID_IClassFactory, &factory), S_OK);
+    return static_cast<IClassFactory*>(factory);
+  }
+
+  template <typename Interface = IDispatch>
+  Interface* NewObject(REFIID iid = IID_IDispatch) {
+    IClassFactory* factory = Factory();
+    void* object = nullptr;
+    EXPECT_EQ(factory->CreateInstance(nullptr, iid, &object), S_OK);
+    factory->Release();
+    return static_cast<Interface*>(object);
+  }
+
+  FakeDesktop* desktop_ = nullptr;
+  AutomationServer server_;
+};
+
+VARIANT Make(VARTYPE type) {
+  VARIANT value;
+  VariantInit(&value);
+  value.vt = type;
+  return value;
+}
+VARIANT Int32(LONG number) {
+  VARIANT value = Make(VT_I4);
+  value.lVal = number;
+  return value;
+}
+VARIANT Double(double number) {
+  VARIANT value = Make(VT_R8);
+  value.dblVal = number;
+  return value;
+}
+VARIANT Word(VARTYPE type, int16_t number) {
+  VARIANT value = Make(type);
+  value.iVal = number;
+  return value;
+}
+VARIANT Wide(int64_t number) {
+  VARIANT value = Make(VT_I8);
+  value.llVal = number;
+  return value;
+}
+VARIANT Unsigned(ULONG number) {
+  VARIANT value = Make(VT_UI4);
+  value.ulVal = number;
+  return value;
+}
+VARIANT Omitted() {
+  VARIANT value = Make(VT_ERROR);
+  value.scode = DISP_E_PARAMNOTFOUND;
+  return value;
+}
+template <typename Pointed>
+VARIANT ByReference(VARTYPE type, Pointed* pointed) {
+  VARIANT value = Make(static_cast<VARTYPE>(VT_BYREF | type));
+  value.byref = pointed;
+  return value;
+}
+
+DISPID IdOf(IDispatch* object, std::u16string name) {
+  LPOLESTR names[] = {name.data()};
+  DISPID id = 0;
+  object->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
+  return id;
+}
+
+TEST_F(AutomationTest, NamesAreFoundWithoutRegardToCase) {
+  IDispatch* object = NewObject();
+  const struct {
+    const char16_t* name;
+    DISPID id;
+  } rows[] = {
+      {u"IsBusy", 1},    {u"ISBUSY", 1},
+      {u"setfont", 2},   {u"Configure", 3},
+      {u"CHECKtime", 4}, {u"CheckMail", 5},
+      {u"viewmail", 6},  {u"", DISPID_UNKNOWN},
+      {u"CheckMai", -1}, {u"CheckMail ", DISPID_UNKNOWN},
+      {u"Check", -1},    {u"İsBusy", DISPID_UNKNOWN},
+  };
+  for (const auto& row : rows) {
+    std::u16string name = row.name;
+    LPOLESTR names[] = {name.data()};
+    DISPID id = 99;
+    const HRESULT outcome = object->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
+    EXPECT_EQ(id, row.id) << testing::PrintToString(name);
+    EXPECT_EQ(outcome, row.id == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK);
+  }
+  char16_t method[] = u"SetFont";
+  char16_t argument[] = u"hFont";
+  LPOLESTR names[] = {method, argument};
+  DISPID ids[] = {99, 99};
+  EXPECT_EQ(object->GetIDsOfNames(IID_NULL, names, 2, 0, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids[0], 2);
+  EXPECT_EQ(ids[1], DISPID_UNKNOWN);
+  EXPECT_EQ(object->GetIDsOfNames(IID_IUnknown, names, 1, 0, ids), DISP_E_UNKNOWNINTERFACE);
+  object->Release();
+}
+
+TEST_F(AutomationTest, CallsThatDoNotFitGetTheStandardCodes) {
+  IDispatch* object = NewObject();
+  const struct {
+    const char* name;
+    DISPID id;
+    WORD flags;
+    UINT arguments;
+    UINT named;
+    HRESULT outcome;
+  } rows[] = {
+      {"property", 1, DISPATCH_PROPERTYGET, 0, 0, S_OK},
+      {"property, late bound", 1, kLateBound, 0, 0, S_OK},
+      {"method", 4, DISPATCH_METHOD, 0, 0, S_OK},
+      {"method, late bound", 4, kLateBound, 0, 0, S_OK},
+      {"property called", 1, DISPATCH_METHOD, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"method read", 4, DISPATCH_PROPERTYGET, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"read-only property set", 1, DISPATCH_PROPERTYPUT, 1, 1, DISP_E_MEMBERNOTFOUND},
+      {"default member", DISPID_VALUE, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"unknown member", DISPID_UNKNOWN, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"behind the last member", 7, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"one argument too many", 4, kLateBound, 1, 0, DISP_E_BADPARAMCOUNT},
+      {"one argument missing", 2, kLateBound, 1, 0, DISP_E_BADPARAMCOUNT},
+      {"three for two", 2, kLateBound, 3, 0, DISP_E_BADPARAMCOUNT},
+      {"named argument", 2, kLateBound, 2, 1, DISP_E_NONAMEDARGS},
+  };
+  for (const auto& row : rows) {
+    VARIANT arguments[] = {Int32(1), Int32(2), Int32(3)};
+    DISPID named[] = {0};
+    DISPPARAMS parameters = {arguments, named, row.arguments, row.named};
+    const HRESULT outcome =
+        object->Invoke(row.id, IID_NULL, 0, row.flags, &parameters, nullptr, nullptr, nullptr);
+    EXPECT_EQ(outcome, row.outcome) << row.name;
+  }
+  DISPPARAMS none = {};
+  EXPECT_EQ(object->Invoke(1, IID_IDispatch, 0, kLateBound, &none, nullptr, nullptr, nullptr),
+            DISP_E_UNKNOWNINTERFACE);
+  EXPECT_EQ(object->Invoke(1, IID_NULL, 0, kLateBound, nullptr, nullptr, nullptr, nullptr),
+            E_INVALIDARG);
+  object->Release();
+}
+
+TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
+  IDispatch* object = NewObject();
+  const auto state = server_.ShareState();
+  Text inner_nul = u"A\0B"s;
+  BSTR gulim = SysAllocString(u"Gulim");
+  BSTR with_nul = SysAllocStringLen(u"A\0B", 3);
+  BSTR digits = SysAllocString(u" 17 ");
+  VARIANT text = Make(VT_BSTR);
+  text.bstrVal = gulim;
+  VARIANT nul_text = text;
+  nul_text.bstrVal = with_nul;
+  VARIANT digit_text = text;
+  digit_text.bstrVal = digits;
+  VARIANT null_text = Make(VT_BSTR);
+  LONG number = 8;
+  VARIANT text_reference = ByReference(VT_BSTR, &gulim);
+  VARIANT loop = Make(VT_BYREF | VT_VARIANT);
+  loop.pvarVal = &loop;
+  constexpr HRESULT kMismatch = DISP_E_TYPEMISMATCH;
+  constexpr UINT kFontArgument = 0;  // the last argument stands first
+  constexpr UINT kNameArgument = 1;
+  const struct {
+    const char* name;
+    VARIANT font_name;
+    VARIANT font;
+    HRESULT outcome;
+    Text expected_name;
+    int32_t expected_font;  // after a failure: index of the bad argument
+  } rows[] = {
+      {"as declared", text, Int32(7), S_OK, u"Gulim", 7},
+      {"text with a NUL within", nul_text, Int32(7), S_OK, inner_nul, 7},
+      {"null text", null_text, Int32(7), S_OK, u"", 7},
+      {"short integer", text, Word(VT_I2, -7), S_OK, u"Gulim", -7},
+      {"boolean", text, Word(VT_BOOL, VARIANT_TRUE), S_OK, u"Gulim", -1},
+      {"half to even", text, Double(2.5), S_OK, u"Gulim", 2},
+      {"64-bit handle", text, Wide(0x7FFFFFFF), S_OK, u"Gulim", 0x7FFFFFFF},
+      {"digits", text, digit_text, S_OK, u"Gulim", 17},
+      {"empty", Make(VT_EMPTY), Make(VT_EMPTY), S_OK, u"", 0},
+      {"number for text", Int32(12), Int32(7), S_OK, u"12", 7},
+      {"references", text_reference, ByReference(VT_I4, &number), S_OK, u"Gulim", 8},
+      {"reference to a variant", ByReference(VT_VARIANT, &text_reference),
+       ByReference(VT_VARIANT, &digit_text), S_OK, u"Gulim", 17},
+      {"text for a number", text, text, kMismatch, u"", kFontArgument},
+      {"null value", text, Make(VT_NULL), kMismatch, u"", kFontArgument},
+      {"object for text", Make(VT_DISPATCH), Int32(7), kMismatch, u"", kNameArgument},
+      {"array", Make(VT_ARRAY | VT_UI1), Int32(7), kMismatch, u"", kNameArgument},
+      {"reference to nothing", ByReference(VT_BSTR, static_cast<BSTR*>(nullptr)), Int32(7),
+       kMismatch, u"", kNameArgument},
+      {"reference to an array", ByReference(VT_ARRAY, &number), Int32(7), kMismatch, u"",
+       kNameArgument},
+      {"reference to itself", loop, Int32(7), kMismatch, u"", kNameArgument},
+      {"left out", text, Omitted(), DISP_E_PARAMNOTOPTIONAL, u"", kFontArgument},
+      {"too large", text, Double(2147483648.0), DISP_E_OVERFLOW, u"", kFontArgument},
+      {"too large, unsigned", text, Unsigned(0x80000000), DISP_E_OVERFLOW, u"", kFontArgument},
+      {"no number", text, Double(std::nan("")), DISP_E_OVERFLOW, u"", kFontArgument},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    state->font_name.clear();
+    state->font_handle = 0;
+    VARIANT reversed[] = {row.font, row.font_name};
+    DISPPARAMS parameters = {reversed, nullptr, 2, 0};
+    VARIANT result = Int32(5);
+    UINT bad = 99;
+    EXPECT_EQ(object->Invoke(2, IID_NULL, 0, kLateBound, &parameters, &result, nullptr, &bad),
+              row.outcome);
+    EXPECT_EQ(result.vt, VT_EMPTY);
+    EXPECT_EQ(state->font_name, row.expected_name);
+    const UINT number_or_index = SUCCEEDED(row.outcome) ? state->font_handle : bad;
+    EXPECT_EQ(number_or_index, static_cast<UINT>(row.expected_font));
+  }
+  for (BSTR owned : {gulim, with_nul, digits}) SysFreeString(owned);
+  object->Release();
+}
+
+TEST_F(AutomationTest, LateAndEarlyBoundCallsAnswerAlike) {
+  auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
+  const auto state = server_.ShareState();
+  state->configuration.ManualChecking = 0;
+  state->configuration.CheckInterval = 25;
+  state->busy = true;
+
+  DISPPARAMS none = {};
+  VARIANT result;
+  EXPECT_EQ(object->Invoke(1, IID_NULL, 0, kLateBound, &none, &result, nullptr, nullptr), S_OK);
+  EXPECT_EQ(result.vt, VT_BOOL);
+  EXPECT_EQ(result.boolVal, VARIANT_TRUE);
+  EXPECT_EQ(object->Invoke(4, IID_NULL, 0, kLateBound, &none, &result, nullptr, nullptr), S_OK);
+  EXPECT_EQ(result.vt, VT_I4);
+  EXPECT_EQ(result.lVal, 25);
+
+  // Through the bare vtable, as a compiled client calls: three of IUnknown, four of IDispatch.
+  using Getter = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
+  void** vtable = *reinterpret_cast<void***>(object);
+  VARIANT_BOOL busy = VARIANT_FALSE;
+  LONG minutes = 0;
+  EXPECT_EQ(reinterpret_cast<Getter>(vtable[7])(object, &busy), S_OK);
+  EXPECT_EQ(busy, VARIANT_TRUE);
+  EXPECT_EQ(reinterpret_cast<Getter>(vtable[10])(object, &minutes), S_OK);
+  EXPECT_EQ(minutes, 25);
+
+  BSTR name = SysAllocString(u"Gulim");
+  result = Int32(5);
+  EXPECT_EQ(object->SetFont(name, 3, &result), S_OK);
+  EXPECT_EQ(object->SetFont(name, 4, nullptr), S_OK);
+  EXPECT_EQ(result.vt, VT_EMPTY);
+  EXPECT_EQ(state->font_name, u"Gulim");
+  EXPECT_EQ(state->font_handle, 4);
+  EXPECT_EQ(object->get_IsBusy(nullptr), E_POINTER);
+  EXPECT_EQ(object->CheckTime(nullptr), E_POINTER);
+  SysFreeString(name);
+  state->busy = false;
+  object->Release();
+}
+
+TEST_F(AutomationTest, EveryInterfaceIsTheSameObject) {
+  auto* object = NewObject<IUnknown>(IID_IUnknown);
+  for (const IID& iid : {IID_IUnknown, IID_IDispatch, IID__cVeskoEx}) {
+    void* other = nullptr;
+    ASSERT_EQ(object->QueryInterface(iid, &other), S_OK);
+    EXPECT_EQ(other, object);
+    EXPECT_EQ(object->Release(), 1u);
+  }
+  void* other = &other;
+  EXPECT_EQ(object->QueryInterface(IID_IClassFactory, &other), E_NOINTERFACE);
+  EXPECT_EQ(other, nullptr);
+  EXPECT_EQ(object->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+  EXPECT_EQ(object->Release(), 0u);
+}
+
+TEST_F(AutomationTest, TheFactoryRefusesWhatItCannotMake) {
+  void* made = &made;
+  EXPECT_EQ(server_.GetClassObject(LIBID_VeskoEx, IID_IClassFactory, &made),
+            CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(made, nullptr);
+  EXPECT_EQ(server_.GetClassObject(CLSID_cVeskoEx, IID_IDispatch, &made), E_NOINTERFACE);
+  EXPECT_EQ(server_.GetClassObject(CLSID_cVeskoEx, IID_IClassFactory, nullptr), E_POINTER);
+
+  IClassFactory* factory = Factory();
+  EXPECT_EQ(factory->CreateInstance(factory, IID_IUnknown, &made), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IClassFactory, &made), E_NOINTERFACE);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+  EXPECT_EQ(desktop_, nullptr) << "a desktop was made for nothing";
+  factory->Release();
+}
+
+TEST_F(AutomationTest, TheLibraryIsNeededWhileAnythingIsAlive) {
+  EXPECT_TRUE(server_.CanUnload());
+  IClassFactory* factory = Factory();
+  EXPECT_FALSE(server_.CanUnload());
+  factory->LockServer(TRUE);
+  factory->Release();
+  EXPECT_FALSE(server_.CanUnload());
+  IDispatch* object = NewObject();
+  server_.Unlock();
+  EXPECT_FALSE(server_.CanUnload());
+  object->Release();
+  EXPECT_TRUE(server_.CanUnload());
+}
+
+TEST_F(AutomationTest, ObjectsShareTheStateUntilTheLastIsGone) {
+  IDispatch* first = NewObject();
+  const FakeDesktop* made = desktop_;
+  IDispatch* second = NewObject();
+  EXPECT_EQ(desktop_, made);
+  server_.ShareState()->font_name = u"Gulim";
+  first->Release();
+  EXPECT_EQ(server_.ShareState()->font_name, u"Gulim");
+  second->Release();
+  EXPECT_EQ(desktop_, nullptr);
+
+  IDispatch* third = NewObject();
+  EXPECT_EQ(server_.ShareState()->font_name, u"");
+  third->Release();
+}
+
+TEST_F(AutomationTest, TheLastReferenceMayGoWhileAWindowIsOpen) {
+  IDispatch* object = NewObject();
+  desktop_->toolkit.On("fConfig", [&](Form& window) {
+    object->Release();
+    EXPECT_TRUE(window.IsLoaded());
+    EXPECT_FALSE(server_.CanUnload());
+    window.Unload();
+  });
+  DISPPARAMS none = {};
+  EXPECT_EQ(object->Invoke(IdOf(object, u"Configure"), IID_NULL, 0, kLateBound, &none, nullptr,
+                           nullptr, nullptr),
+            S_OK);
+}
+
+TEST_F(AutomationTest, NoExceptionReachesTheClient) {
+  auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
+  DISPPARAMS none = {};
+  EXCEPINFO exception = {};
+  const auto invoke = [&](auto thrown) {
+    desktop_->toolkit.On("fConfig", [=](Form& window) {
+      window.Unload();
+      throw thrown;
+    });
+    return object->Invoke(3, IID_NULL, 0, kLateBound, &none, nullptr, &exception, nullptr);
+  };
+  EXPECT_EQ(invoke(RunTimeError(5, u"VeskoEx.fConfig", u"Wrong")), DISP_E_EXCEPTION);
+  EXPECT_EQ(exception.scode, static_cast<SCODE>(0x800A0005));
+  EXPECT_EQ(Text(exception.bstrSource), u"VeskoEx.fConfig");
+  EXPECT_EQ(Text(exception.bstrDescription), u"Wrong");
+  SysFreeString(exception.bstrSource);
+  SysFreeString(exception.bstrDescription);
+  EXPECT_EQ(invoke(std::bad_alloc()), E_OUTOFMEMORY);
+  EXPECT_EQ(invoke(std::runtime_error("fault")), E_UNEXPECTED);
+  object->Release();
+}
+
+TEST(CreationTest, AFailedDesktopIsACodeAndLeavesNothingAlive) {
+  const struct {
+    std::function<void()> fail;
+    HRESULT outcome;
+  } rows[] = {
+      {[] { throw RunTimeError(static_cast<int32_t>(0x800705B3)); },
+       static_cast<HRESULT>(0x800705B3)},
+      {[] { throw RunTimeError(53); }, static_cast<HRESULT>(0x800A0035)},
+      {[] { throw std::bad_alloc(); }, E_OUTOFMEMORY},
+      {[] { throw 1; }, E_UNEXPECTED},
+  };
+  for (const auto& row : rows) {
+    AutomationServer server([&]() -> std::unique_ptr<Desktop> {
+      row.fail();
+      return nullptr;
+    });
+    void* factory = nullptr;
+    ASSERT_EQ(server.GetClassObject(CLSID_cVeskoEx, IID_IClassFactory, &factory), S_OK);
+    void* object = &object;
+    auto* classes = static_cast<IClassFactory*>(factory);
+    EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, &object), row.outcome);
+    EXPECT_EQ(object, nullptr);
+    classes->Release();
+    EXPECT_TRUE(server.CanUnload());
+  }
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "VeskoEx/Host.h"
+#include "VeskoEx/VeskoEx.h"
+#include "component/Registration.h"
+#include "desktop/linux/LinuxRegistration.h"
+#include "support/MemoryRegistry.h"
+
+namespace vesko {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kLibrary[] = "/opt/mail/libVeskoEx.so";
+constexpr char kClass[] = "SOFTWARE\\Classes\\CLSID\\{63A46929-8458-4AA5-8CB6-4BD1B0873CC2}";
+constexpr char kTypeLibrary[] =
+    "SOFTWARE\\Classes\\TypeLib\\{247CCFDB-4E5B-4023-9A6D-E871C6D2BA4B}";
+
+TEST(RegistrationTest, WritesTheKeysThatHostsLookFor) {
+  MemoryRegistry registry;
+  for (int times = 0; times < 2; ++times) {
+    ASSERT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), S_OK);
+    const struct {
+      std::string path;
+      const char* name;
+      std::string text;
+    } rows[] = {
+        {"SOFTWARE\\Classes\\VeskoEx.cVeskoEx\\CLSID", "", std::string(kClass).substr(23)},
+        {kClass, "", "VeskoEx.cVeskoEx"},
+        {std::string(kClass) + "\\ProgID", "", "VeskoEx.cVeskoEx"},
+        {std::string(kClass) + "\\InprocServer32", "", kLibrary},
+        {std::string(kClass) + "\\InprocServer32", "ThreadingModel", "Apartment"},
+        {std::string(kClass) + "\\TypeLib", "", std::string(kTypeLibrary).substr(25)},
+        {std::string(kTypeLibrary) + "\\1.0", "", "Vesko ActiveX Dll 1.0"},
+    };
+    for (const auto& row : rows) {
+      EXPECT_EQ(registry.Show(kCurrentUser, row.path, row.name), row.text) << row.path;
+      EXPECT_FALSE(registry.HasKey(kLocalMachine, row.path));
+    }
+  }
+  EXPECT_EQ(registry.WritesOutsideTransactions(), 0);
+}
+
+TEST(RegistrationTest, RemovesEverythingAndNothingElse) {
+  MemoryRegistry registry;
+  ASSERT_EQ(RegisterServer(registry, kLocalMachine, kLibrary), S_OK);
+  registry.PutText(kLocalMachine, std::string(kClass) + "\\Extra\\Deep", "x", "left by a tool");
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(UnregisterServer(registry, kLocalMachine, kLibrary), S_OK);
+    EXPECT_FALSE(registry.HasKey(kLocalMachine, "SOFTWARE"));
+  }
+
+  registry.PutText(kLocalMachine, "SOFTWARE\\Classes\\CLSID\\{Other}", "", "another class");
+  registry.PutText(kLocalMachine, "SOFTWARE\\Classes\\TypeLib", "", "a value of its own");
+  ASSERT_EQ(RegisterServer(registry, kLocalMachine, kLibrary), S_OK);
+  EXPECT_EQ(UnregisterServer(registry, kLocalMachine, kLibrary), S_OK);
+  EXPECT_FALSE(registry.HasKey(kLocalMachine, kClass));
+  EXPECT_TRUE(registry.HasKey(kLocalMachine, "SOFTWARE\\Classes\\CLSID\\{Other}"));
+  EXPECT_TRUE(registry.HasKey(kLocalMachine, "SOFTWARE\\Classes\\TypeLib"));
+}
+
+TEST(RegistrationTest, AnotherCopysRegistrationIsTakenOverButNotRemoved) {
+  MemoryRegistry registry;
+  ASSERT_EQ(RegisterServer(registry, kCurrentUser, "/old/libVeskoEx.so"), S_OK);
+  ASSERT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), S_OK);
+  EXPECT_EQ(UnregisterServer(registry, kCurrentUser, "/old/libVeskoEx.so"), S_OK);
+  EXPECT_EQ(registry.Show(kCurrentUser, std::string(kClass) + "\\InprocServer32", ""), kLibrary);
+  EXPECT_TRUE(registry.HasKey(kCurrentUser, "SOFTWARE\\Classes\\VeskoEx.cVeskoEx"));
+}
+
+TEST(RegistrationTest, AHiveThatFailsIsToldAndLeftClean) {
+  for (int n = 1; n <= 12; ++n) {
+    for (RegistryCall call : {RegistryCall::kCreateKey, RegistryCall::kSetValue}) {
+      MemoryRegistry registry;
+      registry.Fail(call, kStatusWriteFault, n);
+      EXPECT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), SELFREG_E_CLASS);
+      EXPECT_FALSE(registry.HasKey(kCurrentUser, "SOFTWARE\\Classes\\CLSID")) << n;
+    }
+  }
+  MemoryRegistry registry;
+  ASSERT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), S_OK);
+  for (RegistryCall call : {RegistryCall::kOpenKey, RegistryCall::kDeleteKey}) {
+    registry.Fail(call, kStatusAccessDenied);
+    EXPECT_EQ(UnregisterServer(registry, kCurrentUser, kLibrary), SELFREG_E_CLASS);
+    registry.HealAll();
+  }
+  EXPECT_EQ(UnregisterServer(registry, kCurrentUser, kLibrary), S_OK);
+}
+
+class ClassFileTest : public testing::Test {
+ protected:
+  ClassFileTest() {
+    char name[] = "/tmp/vesko-classes-XXXXXX";
+    folder_ = mkdtemp(name);
+    folders_.user_classes = folder_ / "user";
+    folders_.machine_classes = folder_ / "etc" / "machine";
+    file_ = folder_ / "user" / "veskoex.cveskoex";
+  }
+  ~ClassFileTest() override { fs::remove_all(folder_); }
+
+  std::string Library(const std::string& folder, const char* prog_id) {
+    const auto entry = host::ReadClassFile(host::ClassFile(folder, prog_id));
+    return entry ? entry->library : "(none)";
+  }
+
+  fs::path folder_;
+  fs::path file_;
+  LinuxFolders folders_;
+  MemoryRegistry registry_;
+};
+
+TEST_F(ClassFileTest, AnnouncesTheClassBesideTheKeys) {
+  constexpr auto kMachine = RegistrationScope::kMachine;
+  for (int times = 0; times < 2; ++times) {
+    ASSERT_EQ(RegisterOnLinux(registry_, kMachine, folders_, kLibrary), S_OK);
+    EXPECT_EQ(Library(folders_.machine_classes, "veskoEX.CveskoEx"), kLibrary);
+  }
+  EXPECT_TRUE(registry_.HasKey(kLocalMachine, kClass));
+  EXPECT_EQ(Library(folders_.user_classes, kProgId), "(none)");
+
+  EXPECT_EQ(UnregisterOnLinux(registry_, kMachine, folders_, "/old/libVeskoEx.so"), S_OK);
+  EXPECT_EQ(Library(folders_.machine_classes, kProgId), kLibrary);
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(UnregisterOnLinux(registry_, kMachine, folders_, kLibrary), S_OK);
+    EXPECT_FALSE(fs::exists(folders_.machine_classes));
+    EXPECT_FALSE(registry_.HasKey(kLocalMachine, "SOFTWARE"));
+  }
+}
+
+TEST_F(ClassFileTest, WhatCannotBeAnnouncedIsNotRegistered) {
+  EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, "/a\nb.so"),
+            SELFREG_E_CLASS);
+  std::ofstream(folders_.user_classes) << "in the folder's place";
+  EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, kLibrary),
+            SELFREG_E_CLASS);
+  EXPECT_FALSE(registry_.HasKey(kCurrentUser, "SOFTWARE"));
+}
+
+TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
+  const std::string id = "CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}";
+  const struct {
+    std::string content;
+    const char* library;
+  } rows[] = {
+      {"# note\nfuture=1\n" + id + "\nInprocServer32=/x=y.so", "/x=y.so"},
+      {"CLSID={63a46929-8458-4aa5-8cb6-4bd1b0873cc2}\nInprocServer32=/x.so", "/x.so"},
+      {"", "(none)"},
+      {id + "\nInprocServer32=\n", "(none)"},
+      {"InprocServer32=/x.so\n", "(none)"},
+      {"CLSID=63A46929-8458-4AA5-8CB6-4BD1B0873CC2\nInprocServer32=/x.so", "(none)"},
+      {id.substr(0, 40) + "\nInprocServer32=/x.so", "(none)"},
+      {id + "}\nInprocServer32=/x.so", "(none)"},
+  };
+  fs::create_directories(folders_.user_classes);
+  for (const auto& row : rows) {
+    std::ofstream(file_) << row.content;
+    EXPECT_EQ(Library(folders_.user_classes, kProgId), row.library) << row.content;
+  }
+  EXPECT_EQ(host::ClassFile("/c", "../evil"), "");
+  EXPECT_EQ(host::ClassFile("/c", ""), "");
+  EXPECT_EQ(host::ClassFile("", kProgId), "");
+}
+
+}  // namespace
+}  // namespace vesko
