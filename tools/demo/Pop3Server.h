@@ -20,9 +20,9 @@ struct Pop3Account {
 struct Pop3Faults {
   std::chrono::milliseconds greeting_delay{0};
   std::chrono::milliseconds answer_delay{0};  // before each answer to a command
-  bool never_answer = false;           // accepts connections and stays silent
-  std::optional<std::string> garbage;  // sent, as it is, in place of the greeting
-  std::optional<size_t> close_after;   // closes after this many bytes sent on a connection
+  bool never_answer = false;                  // accepts connections and stays silent
+  std::optional<std::string> garbage;         // sent, as it is, in place of the greeting
+  std::optional<size_t> close_after;          // closes after this many bytes sent on a connection
 };
 
 /// A POP3 server (RFC 1939) that keeps its mail in memory, for any number of clients at once. It

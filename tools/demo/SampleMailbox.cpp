@@ -1,28 +1,16 @@
 #include "demo/SampleMailbox.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
+#include <QDir>
+#include <QFile>
 
 namespace vesko::demo {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr size_t kLargeHeaderSize = 2 * 1024 * 1024;
 
-std::string ReadFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw std::system_error(errno, std::generic_category(), path.string());
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string WithMailLineEnds(const std::string& text) {
+std::string WithMailLineEnds(const QByteArray& text) {
   std::string result;
-  result.reserve(text.size() + text.size() / 32);
+  result.reserve(static_cast<size_t>(text.size() + text.size() / 32));
   for (char c : text) {
     if (c == '\n') result += '\r';
     result += c;
@@ -47,13 +35,12 @@ std::string LargeHeaderMessage() {
 }  // namespace
 
 std::vector<std::string> SampleMessages(const std::string& user) {
-  std::vector<fs::path> paths;
-  for (const auto& entry : fs::directory_iterator(fs::path(VESKO_DEMO_MAILBOX) / user)) {
-    if (entry.path().extension() == ".eml") paths.push_back(entry.path());
-  }
-  std::sort(paths.begin(), paths.end());
+  const QDir folder(":/mailbox/" + QString::fromStdString(user));
   std::vector<std::string> messages;
-  for (const fs::path& path : paths) messages.push_back(WithMailLineEnds(ReadFile(path)));
+  for (const QString& name : folder.entryList({"*.eml"}, QDir::Files, QDir::Name)) {
+    QFile file(folder.filePath(name));
+    if (file.open(QIODevice::ReadOnly)) messages.push_back(WithMailLineEnds(file.readAll()));
+  }
   if (user == kSampleUsers[0]) messages.push_back(LargeHeaderMessage());
   return messages;
 }

@@ -10,8 +10,7 @@ namespace vesko::demo {
 inline constexpr const char* kSampleUsers[] = {"minji", "office"};
 
 /// The sample messages of an account, raw (RFC 5322) with lines ended by CR LF, ready for a POP3
-/// server. The first account has one with a header of 2 MB too. Throws std::system_error when the
-/// samples cannot be read.
+/// server. The first account has one with a header of 2 MB too.
 std::vector<std::string> SampleMessages(const std::string& user);
 
 }  // namespace vesko::demo

@@ -1,5 +1,6 @@
 #include "demo/ThrowAwayFolder.h"
 
+#include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -12,11 +13,11 @@
 namespace vesko::demo {
 namespace {
 
-sigset_t EndingSignals() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
-  return signals;
+int ending_pipe[2];
+
+void PassOn(int signal) {
+  const char number = static_cast<char>(signal);
+  if (write(ending_pipe[1], &number, 1) != 1) _exit(128 + signal);
 }
 
 void Remove(const std::string& path) {
@@ -30,21 +31,28 @@ std::string NewFolder() {
   return path;
 }
 
+// A handler may hardly do anything, so it wakes a thread that may remove files.
+void RemoveOnSignal(const std::string& path) {
+  if (pipe2(ending_pipe, O_CLOEXEC) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  std::thread([path] {
+    char number = 0;
+    while (read(ending_pipe[0], &number, 1) != 1) continue;
+    Remove(path);
+    _exit(128 + number);
+  }).detach();
+  for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action {};
+    action.sa_handler = PassOn;
+    action.sa_flags = SA_RESTART;
+    sigaction(signal, &action, nullptr);
+  }
+}
+
 }  // namespace
 
-ThrowAwayFolder::ThrowAwayFolder() {
-  // Blocked for all threads that come later; one of them takes the signals in peace, where files
-  // may be removed as in any code.
-  const sigset_t signals = EndingSignals();
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  path_ = NewFolder();
-  std::thread([signals, path = path_] {
-    int signal = 0;
-    sigwait(&signals, &signal);
-    Remove(path);
-    _exit(128 + signal);
-  }).detach();
-}
+ThrowAwayFolder::ThrowAwayFolder() : path_(NewFolder()) { RemoveOnSignal(path_); }
 
 ThrowAwayFolder::~ThrowAwayFolder() { Remove(path_); }
 

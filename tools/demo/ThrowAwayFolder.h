@@ -6,8 +6,7 @@ namespace vesko::demo {
 
 /// A new folder that only this user can enter, with all that comes into it, for the life of the
 /// object. An end by Ctrl+C, a closed terminal or a polite kill removes it too: the process then
-/// ends at once, with 128 and the number of the signal, as a shell would say it. One at a time, on
-/// a thread that runs Qt's event loop.
+/// ends at once with 128 and the number of the signal. One in a process.
 class ThrowAwayFolder {
  public:
   /// Throws std::system_error when there is no room for it.

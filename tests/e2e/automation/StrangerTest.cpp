@@ -1,0 +1,163 @@
+#include <VeskoEx/Host.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+// What a program knows that is not of this project: the headers, the library's file and the ProgID.
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace host = vesko::host;
+
+constexpr char kProgId[] = "VeskoEx.cVeskoEx";
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+/// Runs a command line in the shell, errors among its output.
+Outcome Run(const std::string& command) {
+  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  std::string output;
+  char piece[4096];
+  for (size_t n; (n = fread(piece, 1, sizeof piece, pipe)) > 0;) output.append(piece, n);
+  const int status = pclose(pipe);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+std::string Contents(const fs::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// A user with an empty home.
+class StrangerTest : public testing::Test {
+ protected:
+  StrangerTest() {
+    char name[] = "/tmp/vesko-stranger-XXXXXX";
+    home_ = mkdtemp(name);
+    setenv("XDG_CONFIG_HOME", home_.c_str(), 1);
+  }
+  ~StrangerTest() override { fs::remove_all(home_); }
+
+  template <typename Function>
+  static Function EntryPoint(const char* name) {
+    void* library = dlopen(VESKO_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    EXPECT_NE(library, nullptr) << dlerror();
+    return reinterpret_cast<Function>(dlsym(library, name));
+  }
+  static HRESULT Call(const char* name) { return EntryPoint<HRESULT (*)()>(name)(); }
+
+  template <typename Step>
+  static HRESULT ErrorOf(Step&& step) {
+    try {
+      step();
+      return S_OK;
+    } catch (const host::Error& error) {
+      return error.Code();
+    }
+  }
+
+  fs::path home_;
+};
+
+TEST_F(StrangerTest, TheLibraryShowsItsEntryPointsAndNothingElse) {
+  const Outcome symbols = Run("nm -D --defined-only --format=just-symbols " VESKO_LIBRARY);
+  EXPECT_EQ(symbols.output,
+            "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
+}
+
+TEST_F(StrangerTest, FindsCreatesAndCallsByNameAlone) {
+  EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), REGDB_E_CLASSNOTREG);
+  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  EXPECT_EQ(Call("DllCanUnloadNow"), S_OK);
+  {
+    host::Object mail = host::Create("veskoex.CVESKOEX");
+    EXPECT_EQ(Call("DllCanUnloadNow"), S_FALSE);
+    EXPECT_TRUE(mail.Call(u"SetFont", u"Sans", 0).IsEmpty());
+    EXPECT_FALSE(mail.Get(u"isbusy").ToBool());
+    EXPECT_EQ(mail.Call(u"CheckTime").ToInt(), -1) << "a new user checks by hand";
+    EXPECT_EQ(ErrorOf([&] { mail.Call(u"SendMail"); }), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(ErrorOf([&] { mail.Call(u"SetFont", u"Sans"); }), DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(ErrorOf([&] { mail.Call(u"SetFont", u"Sans", u"x"); }), DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(ErrorOf([&] { mail.Call(u"CheckTime").ToText(); }), DISP_E_TYPEMISMATCH);
+  }
+  EXPECT_EQ(Call("DllCanUnloadNow"), S_OK);
+  EXPECT_EQ(host::Create(kProgId).Call(u"CheckTime").ToInt(), -1) << "a second life";
+
+  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_FALSE(host::FindClass(kProgId));
+}
+
+TEST_F(StrangerTest, WhatARegistrationNamesIsChecked) {
+  const fs::path file = host::ClassFile(host::UserClassFolder(), kProgId);
+  fs::create_directories(file.parent_path());
+  const std::string id = "CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}\nInprocServer32=";
+  std::ofstream(file) << id << home_.string() << "/gone.so\n";
+  EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CO_E_DLLNOTFOUND);
+  std::ofstream(file) << id << "libm.so.6\n";
+  EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CO_E_ERRORINDLL);
+  std::ofstream(file) << "CLSID={00000000-8458-4AA5-8CB6-4BD1B0873CC2}\nInprocServer32="
+                      << VESKO_LIBRARY << "\n";
+  EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CLASS_E_CLASSNOTAVAILABLE);
+}
+
+TEST_F(StrangerTest, AHiveThatCannotBeWrittenIsAnError) {
+  std::ofstream(home_ / "VeskoEx") << "in the folder's place";
+  EXPECT_EQ(Call("DllRegisterServer"), SELFREG_E_CLASS);
+  EXPECT_EQ(Run(VESKO_REGISTER " " VESKO_LIBRARY).status, 1);
+  EXPECT_FALSE(host::FindClass(kProgId));
+}
+
+TEST_F(StrangerTest, TheExampleRuns) {
+  EXPECT_EQ(Run(VESKO_EXAMPLE).output, "VeskoEx.cVeskoEx is not registered (0x80040154)\n");
+  ASSERT_EQ(Run(VESKO_REGISTER " " VESKO_LIBRARY).status, 0);
+  Outcome run = Run(VESKO_EXAMPLE);
+  EXPECT_EQ(run.output, "minutes between checks: -1\n");
+  EXPECT_EQ(run.status, 0);
+
+  const char* const kNoDisplays[] = {
+      "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ",
+      "env -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM DISPLAY=:9999 ",
+      "env -u DISPLAY -u QT_QPA_PLATFORM WAYLAND_DISPLAY=/nowhere ",
+      "env QT_QPA_PLATFORM=nonsense ",
+  };
+  for (const char* environment : kNoDisplays) {
+    run = Run(environment + std::string(VESKO_EXAMPLE));
+    EXPECT_EQ(run.output, "windows cannot be shown here: no display (0x800705B3)\n") << environment;
+    EXPECT_EQ(run.status, 1);
+  }
+  EXPECT_EQ(Run("env QT_QPA_PLATFORM='nonsense;offscreen' " VESKO_EXAMPLE).status, 0);
+
+  EXPECT_EQ(Run(VESKO_REGISTER " --unregister " VESKO_LIBRARY).status, 0);
+  EXPECT_EQ(Run(VESKO_EXAMPLE).status, 1);
+}
+
+TEST_F(StrangerTest, TheRegisteringProgramRefusesWhatItDoesNotUnderstand) {
+  const struct {
+    const char* arguments;
+    int status;
+  } rows[] = {
+      {" --all", 2}, {" a.so b.so", 2}, {" ''", 2}, {" /nowhere/libVeskoEx.so", 1}, {" /", 1}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(Run(VESKO_REGISTER + std::string(row.arguments)).status, row.status) << row.arguments;
+  }
+  EXPECT_TRUE(fs::is_empty(home_));
+}
+
+TEST_F(StrangerTest, TheDocumentedExampleIsTheOneThatRuns) {
+  const std::string example = Contents(VESKO_SOURCE "/examples/host.cpp");
+  ASSERT_FALSE(example.empty());
+  EXPECT_NE(Contents(VESKO_SOURCE "/docs/hosts.md").find(example), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,40 @@
+# Installs to a folder, moves it, and builds and runs a host by the CMake package and by pkg-config.
+function(run)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE output
+                                  RESULT_VARIABLE result)
+  if(result)
+    message(FATAL_ERROR "${ARGN}: ${result}\n${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+if(sanitize)
+  set(flags -fsanitize=address)
+endif()
+file(REMOVE_RECURSE ${work}/installed ${work}/moved ${work}/stranger ${work}/home)
+run(${CMAKE_COMMAND} --install ${build} --prefix ${work}/installed)
+file(RENAME ${work}/installed ${work}/moved)
+
+run(${CMAKE_COMMAND} -S ${consumer} -B ${work}/stranger -D CMAKE_PREFIX_PATH=${work}/moved
+    -D example=${example} -D CMAKE_CXX_COMPILER=${compiler} -D CMAKE_CXX_FLAGS=${flags})
+run(${CMAKE_COMMAND} --build ${work}/stranger)
+
+set(ENV{PKG_CONFIG_PATH} ${work}/moved/${libdir}/pkgconfig)
+run(pkg-config --cflags --libs veskoex)
+separate_arguments(package UNIX_COMMAND "${output}")
+run(${compiler} -std=c++17 ${flags} ${example} ${package} -o ${work}/stranger/by-pkg-config)
+
+set(ENV{XDG_CONFIG_HOME} ${work}/home)
+run(${work}/moved/bin/vesko-register)
+foreach(program stranger by-pkg-config)
+  run(${work}/stranger/${program})
+  if(NOT output STREQUAL "minutes between checks: -1\n")
+    message(FATAL_ERROR "${program}: ${output}")
+  endif()
+endforeach()
+run(pkg-config --variable=library veskoex)
+string(STRIP "${output}" library)
+run(${work}/moved/bin/vesko-register --unregister ${library})
+if(EXISTS ${work}/home/VeskoEx/classes)
+  message(FATAL_ERROR "The registration was left behind.")
+endif()
