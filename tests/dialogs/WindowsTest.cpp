@@ -1,0 +1,97 @@
+// What holds for every window alike.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "dialogs/fCheckMail.h"
+#include "dialogs/fConfig.h"
+#include "dialogs/fListMail.h"
+#include "dialogs/fPop3Site.h"
+#include "support/FakeMachine.h"
+
+namespace vesko {
+namespace {
+
+struct Windows {
+  FakeMachine machine;
+  ScriptedToolkit toolkit;  // its pump may be asked any number of times
+  Text font_name = u"Gulim";
+  fConfig config{{toolkit, *machine.locale, machine.configuration, machine.store,
+                  [](const Text&) {}, font_name}};
+  fCheckMail check{{toolkit, *machine.locale, machine.configuration, machine.mails, machine.socket,
+                    machine.clock, font_name}};
+  fListMail list{{toolkit, *machine.locale, machine.configuration, machine.mails, machine.shell,
+                  config, check, font_name}};
+  fPop3Site site{toolkit, font_name};
+
+  std::vector<Form*> All() { return {&config, &check, &list, &site}; }
+};
+
+bool HasCaption(const Control& control) {
+  return dynamic_cast<const CommandButton*>(&control) || dynamic_cast<const CheckBox*>(&control) ||
+         dynamic_cast<const Label*>(&control) || dynamic_cast<const Frame*>(&control) ||
+         dynamic_cast<const TabControl*>(&control);
+}
+
+TEST(WindowsTest, EveryControlIsLaidOutOnceAndHasAName) {
+  Windows windows;
+  for (Form* form : windows.All()) {
+    std::vector<Control*> laid_out = LaidOut(form->GetLayout());
+    std::vector<Control*> added = form->Controls();
+    std::set<std::string> names;
+    for (Control* control : added) {
+      EXPECT_TRUE(names.insert(control->Name()).second) << control->Name();
+      EXPECT_TRUE(HasCaption(*control) || !control->AccessibleName().empty()) << control->Name();
+    }
+    std::sort(laid_out.begin(), laid_out.end());
+    std::sort(added.begin(), added.end());
+    EXPECT_EQ(laid_out, added) << form->Name();
+    EXPECT_NE(form->CancelButton(), nullptr) << form->Name();
+  }
+}
+
+TEST(WindowsTest, PasswordsAreMaskedAndNothingElse) {
+  Windows windows;
+  for (Form* form : windows.All()) {
+    for (Control* control : form->Controls()) {
+      const auto* box = dynamic_cast<TextBox*>(control);
+      if (!box) continue;
+      EXPECT_EQ(box->Password(), box->AccessibleName() == u"Password") << box->Name();
+    }
+  }
+}
+
+TEST(WindowsTest, OpenInTheMiddleWithTheHostsFont) {
+  Windows windows;
+  for (Form* form : windows.All()) {
+    if (form != &windows.check) {  // which closes itself
+      windows.toolkit.On(form->Name(), [](Form& shown) { shown.Close(); });
+    }
+    form->ShowModal();
+    EXPECT_EQ(form->Left(), (1920 - form->Width()) / 2) << form->Name();
+    EXPECT_EQ(form->Top(), (1080 - form->Height()) / 2) << form->Name();
+    for (Control* control : form->Controls()) {
+      if (control->GetFont().size > 0) {
+        EXPECT_EQ(control->GetFont().name, u"Gulim");
+      }
+    }
+  }
+}
+
+TEST(WindowsTest, MayGoWhileTheyAreShown) {
+  auto windows = std::make_unique<Windows>();
+  FakeMachine machine;
+  ScriptedToolkit toolkit;
+  auto list = std::make_unique<fListMail>(
+      fListMail::Needs{toolkit, *machine.locale, machine.configuration, machine.mails,
+                       machine.shell, windows->config, windows->check, machine.font_name});
+  machine.AddMail(u"a").Delete = true;
+  toolkit.On("fListMail", [&](Form&) { list.reset(); });
+  list->ShowModal();
+  EXPECT_TRUE(machine.mails.MarkedForDeletion(u"one.example", u"user").empty());
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,253 @@
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "dialogs/fListMail.h"
+#include "support/FakeMachine.h"
+
+namespace vesko {
+namespace {
+
+class fListMailTest : public testing::Test {
+ protected:
+  fListMailTest() { machine.configuration.SpamSenders = {u"@SPAM.example"}; }
+
+  /// Shows the window; a driver that does not leave it presses Exit at its end.
+  void Show(const std::function<void(Form&, ListView&)>& driver) {
+    machine.toolkit.On("fListMail", [driver](Form& form) {
+      driver(form, Find<ListView>(form, "LV1"));
+      if (form.IsLoaded()) Press(form, "cmdMail(3)");
+    });
+    window.ShowModal();
+    EXPECT_FALSE(window.IsLoaded());
+  }
+
+  FakeMachine machine;
+  fConfig config_window{{machine.toolkit, *machine.locale, machine.configuration, machine.store,
+                         [](const Text&) {}, machine.font_name}};
+  fCheckMail check_window{{machine.toolkit, *machine.locale, machine.configuration, machine.mails,
+                           machine.socket, machine.clock, machine.font_name}};
+  fListMail window{{machine.toolkit, *machine.locale, machine.configuration, machine.mails,
+                    machine.shell, config_window, check_window, machine.font_name}};
+};
+
+Text RowTexts(const ListView& list) {
+  std::vector<Text> texts;
+  for (int row = 0; row < list.Count(); ++row) texts.push_back(list.RowAt(row).cells[0]);
+  return Join(texts, u" ");
+}
+
+TEST_F(fListMailTest, OpensEmpty) {
+  Show([](Form& form, ListView& list) {
+    EXPECT_EQ(form.Caption(), u"0 MAILS (0 NEW MAILS, 0 SPAM MAILS)");
+    EXPECT_EQ(list.Count(), 0);
+    EXPECT_EQ(Read(form, "txtBody"), u"");
+    EXPECT_FALSE(Find<CommandButton>(form, "cmdMail(1)").Enabled());
+    list.PressMouse(kRightButton, -1);
+    list.PressKey('A', kControl);
+  });
+}
+
+TEST_F(fListMailTest, OpensWithTheFirstMessageRead) {
+  cMessage& first = machine.AddMail(u"a@mail.example", u"subject");
+  first.SendDate = u"01/02/2003";
+  first.MessageTo = u"to";
+  first.CC = u"cc";
+  first.BCC = u"bcc";
+  machine.AddMail(u"b@spam.example");
+  Show([&](Form& form, ListView& list) {
+    EXPECT_EQ(form.Caption(), u"2 MAILS (1 NEW MAILS, 1 SPAM MAILS)");
+    const std::vector<Text> cells = {
+        u"a@mail.example", u"subject", u"01/02/2003", u"one.example", u"to", u"cc", u"bcc"};
+    EXPECT_EQ(list.RowAt(0).cells, cells);
+    EXPECT_EQ(list.RowAt(0).key, u"one.example<0@mail.example>");
+    EXPECT_EQ(list.Columns().size(), cells.size());
+    EXPECT_EQ(list.RowAt(0).image, "MailRead");
+    EXPECT_EQ(list.RowAt(1).image, "Spam");
+    EXPECT_TRUE(list.Selected(0) && first.Read);
+    EXPECT_EQ(Read(form, "txtBody"), u"body from a@mail.example");
+    EXPECT_EQ(form.FirstInTabOrder()->Name(), "cmdMail(0)");
+    list.ClickRow(1);
+    EXPECT_EQ(list.RowAt(1).image, "SpamRead");
+    EXPECT_EQ(Read(form, "txtBody"), u"body from b@spam.example");
+    EXPECT_EQ(form.Caption(), u"2 MAILS (0 NEW MAILS, 1 SPAM MAILS)");
+  });
+}
+
+TEST_F(fListMailTest, MarksChangeFlagsAndImages) {
+  struct Case {
+    int key;
+    const char* images[4];  // after the key, of "Mail", "MailRead", "Spam", "SpamRead"
+  };
+  const Case cases[] = {{'S', {"Spam", "SpamRead", "Spam", "SpamRead"}},
+                        {'O', {"Mail", "MailRead", "Mail", "MailRead"}},
+                        {'R', {"MailRead", "MailRead", "SpamRead", "SpamRead"}},
+                        {'N', {"Mail", "Mail", "Spam", "Spam"}}};
+  for (int i = 0; i < 5; ++i) machine.AddMail(i < 3 ? u"a@mail.example" : u"b@spam.example");
+  for (const Case& c : cases) {
+    int n = 0;
+    machine.mails.ForEach([&](cMessage& message) {
+      message.Read = n == 0 || n % 2 == 0;
+      return ++n, true;
+    });
+    Show([&](Form&, ListView& list) {
+      list.SelectAll();
+      list.SetSelected(0, false);  // read by the opening; rows 1 to 4 have the four states
+      EXPECT_TRUE(list.PressKey(c.key, kControl));
+      for (int row = 1; row <= 4; ++row) {
+        const ListView::Row& shown = list.RowAt(row);
+        EXPECT_EQ(shown.image, c.images[row - 1]) << static_cast<char>(c.key);
+        EXPECT_EQ(StateName(*machine.mails.Find(shown.key)), shown.image);
+      }
+      EXPECT_EQ(list.RowAt(0).image, "MailRead") << "not selected";
+    });
+  }
+}
+
+TEST_F(fListMailTest, KeysNeedControl) {
+  for (int i = 0; i < 3; ++i) machine.AddMail(u"a");
+  Show([](Form& form, ListView& list) {
+    EXPECT_FALSE(list.PressKey('A', 0));
+    EXPECT_FALSE(list.PressKey('A', kShift | kAlt));
+    EXPECT_FALSE(list.PressKey('X', kControl));
+    EXPECT_FALSE(list.Selected(2));
+    EXPECT_TRUE(list.PressKey('A', kControl | kShift));
+    EXPECT_TRUE(list.Selected(0) && list.Selected(1) && list.Selected(2));
+    list.PressKey('R', kControl);
+    EXPECT_EQ(form.Caption(), u"3 MAILS (0 NEW MAILS, 0 SPAM MAILS)");
+    list.PressKey('I', kControl);
+    EXPECT_FALSE(list.Selected(0) || list.Selected(1) || list.Selected(2));
+  });
+}
+
+TEST_F(fListMailTest, TheRightButtonPopsTheMenuUp) {
+  for (int i = 0; i < 3; ++i) machine.AddMail(u"a");
+  int popups = 0;
+  machine.toolkit.on_popup = [&](PopupMenu& menu) {
+    ++popups;
+    EXPECT_EQ(menu.items[7].caption, u"&Invert Selection");
+    EXPECT_EQ(menu.items[7].shortcut, u"Ctrl+I");
+    menu.on_click(0);  // Set SPAM
+  };
+  Show([&](Form&, ListView& list) {
+    list.PressMouse(kLeftButton, 1);
+    list.PressMouse(kRightButton, -1);
+    EXPECT_EQ(popups, 0);
+    list.SetSelected(1, true);
+    list.PressMouse(kRightButton, 1);
+    EXPECT_EQ(list.RowAt(0).image + list.RowAt(1).image, "SpamReadSpam") << "selection kept";
+    list.PressMouse(kRightButton | kLeftButton, 2);
+    EXPECT_TRUE(!list.Selected(0) && !list.Selected(1) && list.Selected(2));
+    EXPECT_EQ(popups, 2);
+  });
+}
+
+TEST_F(fListMailTest, EveryColumnClickTurnsTheOrder) {
+  for (const char16_t* from : {u"b", u"c", u"a"}) machine.AddMail(from, Text(from) + u"!");
+  Show([](Form&, ListView& list) {
+    const std::pair<int, const char16_t*> clicks[] = {
+        {1, u"c b a"}, {1, u"a b c"}, {2, u"c b a"}, {1, u"a b c"}};
+    for (const auto& [column, expected] : clicks) {
+      list.ClickColumn(column);
+      EXPECT_EQ(RowTexts(list), expected);
+    }
+    EXPECT_TRUE(list.Visible());
+    EXPECT_EQ(list.CurrentRow(), 1) << "still on the row that was first";
+  });
+  Show([](Form&, ListView& list) { EXPECT_EQ(RowTexts(list), u"b c a") << "a fresh list"; });
+}
+
+TEST_F(fListMailTest, ConfigSpamFiltersAgainUnlessCancelled) {
+  for (const char16_t* from : {u"b@new.example", u"a@new.example"}) machine.AddMail(from);
+  const auto add_keyword = [](Form& form) {
+    EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kSpamPage);
+    Press(form, "cmdSpamSender(0)");
+    Press(form, "cmdOK");
+  };
+  machine.toolkit.Input(u"@new.EXAMPLE");
+  machine.toolkit.On("fConfig", add_keyword);
+  machine.toolkit.On("fConfig", [](Form& form) { Press(form, "cmdCancel"); });
+  Show([](Form& form, ListView& list) {
+    list.ClickColumn(1);
+    list.ClickColumn(1);
+    list.ClickRow(1);
+    Press(form, "cmdMail(0)");
+    EXPECT_EQ(RowTexts(list), u"a@new.example b@new.example") << "sorted as before";
+    EXPECT_EQ(list.RowAt(1).image, "SpamRead");
+    EXPECT_EQ(list.CurrentRow(), 0);
+    list.PressKey('O', kControl);
+    Press(form, "cmdMail(0)");
+    EXPECT_EQ(list.RowAt(0).image, "MailRead") << "cancelled: nothing more";
+  });
+}
+
+TEST_F(fListMailTest, DeleteSpamDeletesOnTheServerAndChecksAgain) {
+  machine.AddAccount(machine.Record(u"one"));
+  machine.AddMail(u"a@mail.example");
+  machine.AddMail(u"b@spam.example");
+  machine.socket.conversations = {
+      Login() + Server(u"+OK 2 200\r\n") + Client(u"DELE 2") + Server(u"+OK\r\n") + Quit(),
+      OneMessage(u"c@spam.example")};
+  Show([&](Form& form, ListView& list) {
+    Press(form, "cmdMail(1)");
+    EXPECT_EQ(RowTexts(list), u"a@mail.example c@spam.example");
+    EXPECT_EQ(form.Caption(), u"2 MAILS (1 NEW MAILS, 1 SPAM MAILS)");
+  });
+}
+
+TEST_F(fListMailTest, DeletingTheOnlyMessageEmptiesTheWindow) {
+  machine.AddAccount(machine.Record(u"one"));
+  machine.AddMail(u"b@spam.example");
+  machine.socket.conversations = {
+      Login() + Server(u"+OK 1 100\r\n") + Client(u"DELE 1") + Server(u"+OK\r\n") + Quit(),
+      EmptyMailbox()};
+  Show([](Form& form, ListView& list) {
+    Press(form, "cmdMail(1)");
+    EXPECT_EQ(list.Count(), 0);
+    EXPECT_EQ(Read(form, "txtBody"), u"");
+    EXPECT_FALSE(Find<CommandButton>(form, "cmdMail(1)").Enabled());
+  });
+}
+
+TEST_F(fListMailTest, StartsTheEmailProgramWhereItExists) {
+  machine.configuration.DefaultEmailClient = u"C:\\mail.exe";
+  Show([](Form& form, ListView&) {
+    EXPECT_FALSE(Find<CommandButton>(form, "cmdMail(2)").Enabled());
+  });
+  machine.shell.files = {u"C:\\mail.exe"};
+  Show([&](Form& form, ListView&) {
+    Press(form, "cmdMail(2)");
+    machine.shell.unstartable = {u"C:\\mail.exe"};
+    Press(form, "cmdMail(2)");
+    machine.shell.files.clear();
+    Press(form, "cmdMail(2)");
+  });
+  EXPECT_EQ(machine.shell.started, std::vector<Text>{u"C:\\mail.exe"});
+  EXPECT_TRUE(machine.toolkit.messages.empty());
+}
+
+TEST_F(fListMailTest, LeavingForgetsDeletionMarksAndManualSpamMarks) {
+  cMessage& mail = machine.AddMail(u"a@mail.example");
+  Show([&](Form& form, ListView& list) {
+    list.PressKey('S', kControl);
+    mail.Delete = true;
+    form.Close();
+    EXPECT_EQ(list.Count(), 0);
+  });
+  EXPECT_FALSE(mail.Delete);
+  EXPECT_TRUE(mail.Read && mail.Spam);
+  Show([&](Form&, ListView& list) { EXPECT_EQ(list.RowAt(0).image, "MailRead"); });
+}
+
+TEST_F(fListMailTest, TheLongestMailboxIsMarkedAtOnce) {
+  for (int i = 0; i < 32767; ++i) machine.AddMail(u"a@mail.example");
+  const std::clock_t start = std::clock();
+  Show([](Form& form, ListView& list) {
+    for (int key : {'A', 'R', 'S', 'I', 'I', 'N'}) list.PressKey(key, kControl);
+    EXPECT_EQ(form.Caption(), u"32767 MAILS (32767 NEW MAILS, 32767 SPAM MAILS)");
+  });
+  EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,251 @@
+#include <gtest/gtest.h>
+
+#include "base/RunTimeError.h"
+#include "component/cVeskoEx.h"
+#include "dialogs/fCheckMail.h"
+#include "dialogs/fConfig.h"
+#include "support/FakeMachine.h"
+
+namespace vesko {
+namespace {
+
+class NotingSound : public Sound {
+ public:
+  int OutputDevices() override { return devices; }
+  void Play(const Text& path) override {
+    played.push_back(path);
+    if (fails) throw RunTimeError(kInvalidProcedureCall);
+  }
+
+  int devices = 1;
+  bool fails = false;
+  std::vector<Text> played;
+};
+
+/// Passes on to the machine's socket, which outlives it.
+class SocketHandle : public Socket {
+ public:
+  explicit SocketHandle(Socket& socket) : socket_(socket) {
+    socket_.on_data_arrival = [this] { on_data_arrival(); };
+    socket_.on_error = [this](int32_t number, const Text& words) { on_error(number, words); };
+  }
+  SocketState State() const override { return socket_.State(); }
+  void SetLocalPort(int32_t port) override { socket_.SetLocalPort(port); }
+  void Connect(const Text& host, int32_t port) override { socket_.Connect(host, port); }
+  void SendData(TextView text) override { socket_.SendData(text); }
+  Text GetData() override { return socket_.GetData(); }
+  void Close() override { socket_.Close(); }
+
+ private:
+  Socket& socket_;
+};
+
+class MachineDesktop : public Desktop {
+ public:
+  explicit MachineDesktop(FakeMachine& machine) : machine_(machine) {}
+
+  const Locale& GetLocale() override { return *machine_.locale; }
+  Registry& GetRegistry() override { return machine_.registry; }
+  std::unique_ptr<Socket> NewSocket() override {
+    return std::make_unique<SocketHandle>(machine_.socket);
+  }
+  Sound& GetSound() override { return sound; }
+  Shell& GetShell() override { return machine_.shell; }
+  const Clock& GetClock() override { return machine_.clock; }
+  Toolkit& GetToolkit() override { return machine_.toolkit; }
+
+  NotingSound sound;
+
+ private:
+  FakeMachine& machine_;
+};
+
+constexpr char16_t kConfigQuestion[] =
+    u"You have no POP3 mail account. Config POP3 mail account now ?";
+constexpr char16_t kCheckQuestion[] = u"You have no mails. Check POP3 mail server now ?";
+
+class cVeskoExTest : public testing::Test {
+ protected:
+  using Names = std::vector<std::string>;
+
+  /// What the registry holds before the object is made.
+  void StoreAccount(const Text& name) {
+    machine.AddAccount(machine.Record(name));
+    machine.store.Save(machine.configuration);
+  }
+
+  cVeskoEx& Object() {
+    if (!object) object = std::make_unique<cVeskoEx>(state);
+    return *object;
+  }
+
+  /// A driver for windows that are only to be seen, while the object is busy.
+  ScriptedToolkit::Driver Leave() {
+    return [this](Form& form) {
+      EXPECT_TRUE(Object().IsBusy());
+      form.Close();
+    };
+  }
+
+  void ExpectNoNewMail() {
+    const std::vector<ScriptedToolkit::Message> expected = {
+        {u"You have no mail not read.", u"", MessageIcon::kInformation}};
+    EXPECT_EQ(machine.toolkit.messages, expected);
+    EXPECT_TRUE(desktop.sound.played.empty());
+  }
+
+  FakeMachine machine;
+  MachineDesktop desktop{machine};
+  ComponentState state{desktop};
+  std::unique_ptr<cVeskoEx> object;
+};
+
+TEST_F(cVeskoExTest, CheckTimeIsForAutomaticChecksOnly) {
+  struct Case {
+    int32_t manual, interval, expected;
+  };
+  for (const Case& c : {Case{0, 30, 30}, {1, 30, -1}, {-1, 30, -1}, {0, 0, -1}, {0, -5, -5}}) {
+    Object();
+    state.configuration.ManualChecking = c.manual;
+    state.configuration.CheckInterval = c.interval;
+    EXPECT_EQ(Object().CheckTime(), c.expected) << c.manual << " " << c.interval;
+  }
+}
+
+TEST_F(cVeskoExTest, ConfigureOpensTheFirstPage) {
+  machine.toolkit.On("fConfig", Leave());
+  state.ConfigWindow().SelectPage(kOptionPage);
+  Object().Configure();
+  EXPECT_EQ(Find<TabControl>(state.ConfigWindow(), "SSTab1").Tab(), kAccountsPage);
+  EXPECT_FALSE(Object().IsBusy());
+}
+
+TEST_F(cVeskoExTest, WithoutAccountsOnlyYesLeadsToTheSettings) {
+  for (const char16_t* answer : {u"&No", u""}) {
+    machine.toolkit.Answer(answer, kConfigQuestion);
+    Object().CheckMail();
+    EXPECT_EQ(machine.toolkit.shown, Names{"QuestionBox"});
+    machine.toolkit.shown.clear();
+  }
+  machine.toolkit.Answer(u"&Yes", kConfigQuestion);
+  machine.toolkit.On("fConfig", Leave());
+  Object().CheckMail();
+  EXPECT_EQ(machine.toolkit.shown, (Names{"QuestionBox", "fConfig"}));
+  EXPECT_TRUE(machine.toolkit.messages.empty());
+  EXPECT_FALSE(Object().IsBusy());
+}
+
+TEST_F(cVeskoExTest, AnAccountAddedOnTheWayIsCheckedAtOnce) {
+  machine.toolkit.Answer(u"&Yes");
+  machine.toolkit.On("fConfig", [](Form& form) {
+    Press(form, "cmdPOP3(0)");
+    const Text texts[] = {u"mine", u"one.example", u"user", u"secret", u"110"};
+    for (int i = 0; i < 5; ++i) Type(form, "txtPop3Account(" + std::to_string(i) + ")", texts[i]);
+    Press(form, "cmdOK");
+  });
+  machine.socket.conversations = {EmptyMailbox()};
+  Object().CheckMail();
+  EXPECT_EQ(machine.toolkit.shown, (Names{"QuestionBox", "fConfig", "fCheckMail"}));
+  ExpectNoNewMail();
+}
+
+TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
+  StoreAccount(u"one");
+  machine.socket.conversations = {OneMessage(u"a@mail.example")};
+  machine.pump.on_turn = [&](int) { EXPECT_TRUE(Object().IsBusy()); };
+  machine.toolkit.On("fListMail", [&](Form& form) {
+    EXPECT_EQ(desktop.sound.played, std::vector<Text>{machine.configuration.SoundFile});
+    EXPECT_EQ(form.Caption(), u"1 MAILS (0 NEW MAILS, 0 SPAM MAILS)");
+    EXPECT_EQ(Read(form, "txtBody"), u"Hi\r\n");
+    form.Close();
+  });
+  Object().CheckMail();
+  EXPECT_EQ(machine.toolkit.shown, (Names{"fCheckMail", "fListMail"}));
+  EXPECT_FALSE(Object().IsBusy());
+
+  machine.socket.conversations = {OneMessage(u"a@mail.example")};
+  desktop.sound.played.clear();
+  Object().CheckMail();  // the message is known and read
+  ExpectNoNewMail();
+}
+
+TEST_F(cVeskoExTest, ASilentMachineStillShowsTheList) {
+  StoreAccount(u"one");
+  Object();
+  struct Case {
+    int devices;
+    bool fails;
+    size_t played;
+  };
+  for (const Case& c : {Case{0, false, 0}, {1, true, 1}}) {
+    desktop.sound.devices = c.devices;
+    desktop.sound.fails = c.fails;
+    machine.socket.conversations = {OneMessage(u"a@mail.example")};
+    while (state.mails.Count() > 0) state.mails.RemoveFirst();
+    machine.toolkit.On("fListMail", Leave());
+    Object().CheckMail();
+    EXPECT_EQ(desktop.sound.played.size(), c.played);
+  }
+}
+
+TEST_F(cVeskoExTest, ACancelledCheckStillReports) {
+  StoreAccount(u"one");
+  machine.socket.conversations = {Server(u"+OK\r\n") + Client(u"USER user")};
+  machine.pump.on_turn = [&](int) {
+    if (!machine.socket.sent.empty()) state.CheckWindow().Close();
+  };
+  Object().CheckMail();
+  ExpectNoNewMail();
+}
+
+TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
+  StoreAccount(u"one");
+  machine.toolkit.Answer(u"&No", kCheckQuestion);
+  machine.toolkit.Answer(u"", kCheckQuestion);
+  Object().ViewMail();
+  Object().ViewMail();
+  EXPECT_TRUE(machine.socket.connected.empty());
+  EXPECT_FALSE(Object().IsBusy());
+
+  machine.toolkit.Answer(u"&Yes", kCheckQuestion);
+  machine.toolkit.On("fListMail", Leave());
+  machine.socket.conversations = {OneMessage(u"a@mail.example")};
+  Object().ViewMail();
+  EXPECT_FALSE(Object().IsBusy());
+
+  machine.toolkit.On("fListMail", Leave());
+  machine.toolkit.shown.clear();
+  Object().ViewMail();
+  EXPECT_EQ(machine.toolkit.shown, Names{"fListMail"});
+  EXPECT_EQ(machine.socket.connected.size(), 1u) << "no traffic for what was fetched";
+  EXPECT_FALSE(Object().IsBusy());
+}
+
+TEST_F(cVeskoExTest, TheFontIsThatOfTheNextWindow) {
+  machine.toolkit.Answer(u"&No");
+  StoreAccount(u"one");
+  Object().SetFont(u"Gulim", 4711);
+  EXPECT_EQ(state.font_handle, 4711);
+  machine.socket.conversations = {EmptyMailbox()};
+  Object().CheckMail();
+  EXPECT_EQ(Find<Label>(state.CheckWindow(), "lblCmd").GetFont().name, u"Gulim");
+  machine.socket.conversations.clear();
+  Object().ViewMail();
+}
+
+TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
+  StoreAccount(u"one");
+  machine.toolkit.On("fConfig", [&](Form& form) {
+    state.mails.Add(std::make_shared<cMessage>(*machine.locale), u"user");
+    state.configuration.DownLines = 7;
+    object.reset();
+    EXPECT_FALSE(form.IsLoaded());
+  });
+  Object().Configure();
+  EXPECT_EQ(state.mails.Count(), 0u);
+  machine.store.Load(machine.configuration);
+  EXPECT_EQ(machine.configuration.DownLines, 7);
+}
+
+}  // namespace
+}  // namespace vesko
