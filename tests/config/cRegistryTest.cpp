@@ -1,0 +1,202 @@
+#include <gtest/gtest.h>
+
+#include "base/RunTimeError.h"
+#include "config/cRegistry.h"
+#include "support/FakeShell.h"
+#include "support/MemoryRegistry.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr char kPath[] = "Soft\\Key";
+
+class cRegistryTest : public testing::Test {
+ protected:
+  cRegistryTest() {
+    registry_.ClassKey = kCurrentUser;
+    registry_.SectionKey = u"Soft\\Key";
+    registry_.ValueKey = u"v";
+    registry_.Default = Text(u"default");
+  }
+
+  void Write(int32_t type, const Variant& value) {
+    registry_.ValueType = type;
+    registry_.Value(value);
+  }
+  std::string Data() const {
+    auto value = memory_.Get(kCurrentUser, kPath, "v");
+    return value ? std::to_string(value->first) + ":" + value->second : "(none)";
+  }
+
+  MemoryRegistry memory_;
+  FakeShell shell_;
+  std::unique_ptr<Locale> locale_ = MakeTestLocale();
+  cRegistry registry_{memory_, *locale_, shell_};
+};
+
+TEST_F(cRegistryTest, ReadsByStoredType) {
+  memory_.environment = {{"HOME", "/home/u"}};
+  struct Row {
+    uint32_t type;
+    std::string data;
+    Variant expected;
+  };
+  const Row rows[] = {
+      {kRegSz, "abc\0"s, Text(u"abc")},
+      {kRegSz, "a\0b\0\0"s, Text(u"a\0b\0", 4)},
+      {kRegSz, "abc", Text(u"ab")},  // the last byte is taken for the NUL
+      {kRegSz, "", Text()},
+      {kRegMultiSz, "a\0b\0\0"s, Text(u"a\0b\0", 4)},
+      {kRegExpandSz, "%HOME%/x\0\0\0"s, Text(u"/home/u/x")},
+      {kRegExpandSz, "", Text()},
+      {kRegDword, "\x01\x02\x00\x80"s, static_cast<int32_t>(0x80000201)},
+      {kRegDwordBigEndian, "\x01\x02\x00\x80"s, int32_t{0x01020080}},
+      {kRegDword, "\x05", int32_t{5}},
+      {kRegDword, "", int32_t{0}},
+      {kRegDword, "12345678", int32_t{0}},
+      {kRegBinary, "\xFF", ByteArray{0xFF}},
+      {11, "", ByteArray{}},
+  };
+  for (const Row& row : rows) {
+    memory_.Put(kCurrentUser, kPath, "v", row.type, row.data);
+    EXPECT_EQ(registry_.Value(), row.expected) << &row - rows;
+    EXPECT_EQ(registry_.ValueType, static_cast<int32_t>(row.type));
+  }
+}
+
+TEST_F(cRegistryTest, MissingValuesYieldTheDefaultAndLeaveTheType) {
+  registry_.ValueType = 4;
+  EXPECT_EQ(registry_.Value(), Variant(Text(u"default")));
+  memory_.PutText(kCurrentUser, kPath, "other", "x");
+  EXPECT_EQ(registry_.Value(), Variant(Text(u"default")));
+  memory_.PutText(kCurrentUser, kPath, "v", "x");
+  memory_.Fail(RegistryCall::kQueryValue, kStatusRegistryCorrupt);
+  EXPECT_EQ(registry_.Value(), Variant(Text(u"default")));
+  EXPECT_EQ(registry_.ValueType, 4);
+}
+
+TEST_F(cRegistryTest, WritesByValueType) {
+  const std::string nothing = "7:before";
+  struct Row {
+    int32_t type;
+    Variant value;
+    std::string stored;
+  };
+  const Row rows[] = {
+      {1, Text(u"ab"), "1:ab\0\0\0"s},
+      {2, Text(), "1:\0"s},
+      {1, Text(u"한글"), "1:\xED\x95\x9C\xEA\xB8\x80\0"s},
+      {1, Text(u"%A%"), "2:%A%\0\0\0\0"s},
+      {1, Text(u"C:\\%T%\\x"), "2:C:\\%T%\\x\0\0\0\0\0\0\0\0\0"s},
+      {2, Text(u"50%"), "1:50%\0\0\0\0"s},
+      {2, Text(u"%%"), "1:%%\0\0\0"s},
+      {2, Text(u"%%%"), "2:%%%\0\0\0\0"s},
+      {1, int32_t{12}, "1:12\0\0\0"s},
+      {3, ByteArray{0, 255}, "3:\0\xFF"s},
+      {3, Text(u"text"), nothing},
+      {4, int32_t{-2}, "4:\xFE\xFF\xFF\xFF"s},
+      {5, int16_t{258}, "4:\x02\x01\0\0"s},
+      {4, Text(u"20"), nothing},
+      {4, 20.0, nothing},
+      {4, true, nothing},
+      {7, Text(u"x"), nothing},
+      {0, Text(u"x"), nothing},
+  };
+  for (const Row& row : rows) {
+    memory_.Put(kCurrentUser, kPath, "v", kRegMultiSz, "before");
+    Write(row.type, row.value);
+    EXPECT_EQ(Data(), row.stored) << &row - rows;
+  }
+  EXPECT_THROW(Write(1, ByteArray{65}), RunTimeError);
+}
+
+TEST_F(cRegistryTest, EverythingButMinusOneCountsAsWritten) {
+  memory_.Fail(RegistryCall::kSetValue, kStatusAccessDenied);
+  Write(1, Text(u"first"));
+  memory_.Fail(RegistryCall::kSetValue, -1);
+  try {
+    Write(1, Text(u"second"));
+    FAIL();
+  } catch (const RunTimeError& error) {
+    EXPECT_EQ(error.Number(), static_cast<int32_t>(0x800469A9));
+    EXPECT_EQ(error.Description(),
+              u"Failed to set registry value Key: '-2147483647',Section: 'Soft\\Key',Key: 'v' to "
+              u"value: 'first'");
+  }
+}
+
+TEST_F(cRegistryTest, FailuresAreDescribed) {
+  using Call = void (*)(cRegistry&);
+  struct Row {
+    RegistryCall failing;
+    Call call;
+    Text description;
+  };
+  const Row rows[] = {
+      {RegistryCall::kCreateKey, [](cRegistry& r) { r.CreateKey(); },
+       u"Failed to create registry Key: 'Soft\\Key"},
+      {RegistryCall::kDeleteKey, [](cRegistry& r) { r.DeleteKey(); },
+       u"Failed to delete registry Key: '-2147483647',Section: 'Soft\\Key"},
+      {RegistryCall::kOpenKey, [](cRegistry& r) { r.DeleteValue(); },
+       u"Failed to open key '-2147483647',Section: 'Soft\\Key' for delete access"},
+      {RegistryCall::kDeleteValue, [](cRegistry& r) { r.DeleteValue(); },
+       u"Failed to delete registry Key: '-2147483647',Section: 'Soft\\Key',Key: 'v"},
+      {RegistryCall::kCreateKey, [](cRegistry& r) { r.Value(Text(u"x")); },
+       u"Failed to set registry value Key: '-2147483647',Section: 'Soft\\Key',Key: 'v' to value: "
+       u"''"},
+  };
+  memory_.PutText(kCurrentUser, kPath, "v", "x");
+  for (const Row& row : rows) {
+    memory_.Fail(row.failing, kStatusAccessDenied, 1);
+    try {
+      row.call(registry_);
+      ADD_FAILURE() << &row - rows;
+    } catch (const RunTimeError& error) {
+      EXPECT_EQ(error.Number(), 26001);
+      EXPECT_EQ(error.Source(), u"VeskoEx.cRegistry");
+      EXPECT_EQ(error.Description(), row.description);
+    }
+  }
+}
+
+TEST_F(cRegistryTest, KeysAndNames) {
+  std::vector<Text> names = {u"earlier"};
+  int32_t count = 7;
+  EXPECT_FALSE(registry_.KeyExists());
+  EXPECT_FALSE(registry_.EnumerateSections(names, count));
+  EXPECT_EQ(count, 7);
+  EXPECT_TRUE(registry_.CreateKey());
+  EXPECT_TRUE(registry_.KeyExists());
+  EXPECT_TRUE(registry_.EnumerateSections(names, count));
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(names, std::vector<Text>{u"earlier"});
+  EXPECT_TRUE(registry_.EnumerateValues(names, count));
+  EXPECT_TRUE(names.empty());
+
+  memory_.PutText(kCurrentUser, "Soft\\Key\\b", "x", "1");
+  memory_.PutText(kCurrentUser, "Soft\\Key\\a", "x", "1");
+  Write(1, Text(u"x"));
+  EXPECT_TRUE(registry_.EnumerateSections(names, count));
+  EXPECT_EQ(names, (std::vector<Text>{u"a", u"b"}));
+  EXPECT_TRUE(registry_.EnumerateValues(names, count));
+  EXPECT_EQ(names, std::vector<Text>{u"v"});
+  EXPECT_TRUE(registry_.DeleteValue());
+  EXPECT_EQ(Data(), "(none)");
+}
+
+TEST_F(cRegistryTest, TextReadAsTextIsTrimmedAndCut) {
+  const std::pair<std::string, Text> rows[] = {{"  a b  \0"s, u"a b"},
+                                               {"a \0\0\0"s, u"a "},  // trimmed before it is cut
+                                               {"\0 rest\0"s, u""}};
+  for (const auto& [data, expected] : rows) {
+    memory_.Put(kCurrentUser, kPath, "v", kRegSz, data);
+    EXPECT_EQ(ReadValue(registry_, kCurrentUser, u"Soft\\Key", u"v", kRegSz, Text()),
+              Variant(expected));
+  }
+}
+
+}  // namespace
+}  // namespace vesko

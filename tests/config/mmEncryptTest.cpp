@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include "base/RunTimeError.h"
+#include "config/mmEncrypt.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+constexpr TextView kKey = u"4820937-118265";
+
+/// "A" is escaped to "=41", which base64 turns into "PTQx"; the key's second character comes first.
+TEST(mmEncrypt, KnownPair) {
+  auto locale = MakeTestLocale(949);
+  const Text scrambled = {u'P' ^ u'8', u'T' ^ u'2', u'Q' ^ u'0', u'x' ^ u'9'};
+  EXPECT_EQ(Encrypt(u"A", *locale), scrambled);
+  EXPECT_EQ(Decrypt(scrambled, *locale), u"A");
+}
+
+TEST(mmEncrypt, SevenBitPasswordsComeBackInEveryCodePage) {
+  Text every;
+  for (char16_t c = 1; c < 128; ++c) every += c;
+  const Text passwords[] = {u"", u" ", u"a_b =?", u"  blanks  ", every, Text(8000, u'x')};
+  for (int code_page : {949, 1252, kCodePageUtf8}) {
+    auto locale = MakeTestLocale(code_page);
+    for (const Text& password : passwords) {
+      Text scrambled = Encrypt(password, *locale);
+      EXPECT_EQ(Decrypt(scrambled, *locale), password) << code_page;
+      EXPECT_FALSE(Contains(scrambled, Text(1, u'\0')));
+      EXPECT_TRUE(password.empty() || !Contains(scrambled, password));
+    }
+  }
+}
+
+TEST(mmEncrypt, WhereTheDecodingJoinsBytesOtherPasswordsComeBackToo) {
+  EXPECT_EQ(Decrypt(Encrypt(u"한글 pw", *MakeTestLocale(949)), *MakeTestLocale(949)), u"한글 pw");
+  EXPECT_EQ(Decrypt(Encrypt(u"한글 pw", *MakeTestLocale()), *MakeTestLocale()), u"한글 pw");
+}
+
+TEST(mmEncrypt, XorIsItsOwnInverseAndMakesNoNul) {
+  const Text texts[] = {u"",
+                        u"x",
+                        u"8",
+                        Text(kKey.substr(1)) + Text(kKey) + u"4",
+                        Text(40, u'8'),
+                        u"\u00FF\u0100한",
+                        Text(32767, u'a')};
+  for (const Text& text : texts) {
+    Text once = XorWithKey(text, kKey);
+    EXPECT_EQ(once.size(), text.size());
+    EXPECT_FALSE(Contains(once, Text(1, u'\0')));
+    EXPECT_EQ(XorWithKey(once, kKey), text);
+  }
+  EXPECT_EQ(XorWithKey(u"820937-1182654", kKey), u"820937-1182654");  // equal to its key
+  EXPECT_EQ(XorWithKey(u"aaa", u"0"), u"QQQ");
+}
+
+TEST(mmEncrypt, SixteenBitLengths) {
+  auto locale = MakeTestLocale();
+  EXPECT_THROW(XorWithKey(Text(32768, u'a'), kKey), RunTimeError);
+  EXPECT_THROW(Encrypt(Text(8192, u'a'), *locale), RunTimeError);
+  EXPECT_THROW(Decrypt(Text(32768, u'a'), *locale), RunTimeError);
+}
+
+TEST(mmEncrypt, ForeignTextNeverEscapesAsAnythingElse) {
+  auto locale = MakeTestLocale(949);
+  for (const Text& text : {Text(u"x"), Text(u"plain password"), Text(u"한글"), Text(50, u'='),
+                           Text(3, u'\u00FF'), XorWithKey(u"PUZG", kKey)}) {
+    IgnoreErrors([&] { Decrypt(text, *locale); });
+  }
+}
+
+}  // namespace
+}  // namespace vesko

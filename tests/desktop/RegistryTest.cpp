@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+
+#include "desktop/linux/SqliteRegistry.h"
+#include "platform/Registry.h"
+#include "support/MemoryRegistry.h"
+#include "support/TempFolder.h"
+
+namespace vesko {
+namespace {
+
+using namespace std::string_literals;
+
+/// A port of the registry: how to make an empty one, whose files (if any) go into a folder.
+struct Port {
+  const char* name;
+  std::function<std::unique_ptr<Registry>(const TempFolder&)> make;
+};
+
+const Port kPorts[] = {
+    {"Memory",
+     [](const TempFolder&) {
+       auto registry = std::make_unique<MemoryRegistry>();
+       registry->environment = {{"VESKO_A", "alpha"}, {"VESKO_EMPTY", ""}};
+       return registry;
+     }},
+    {"Sqlite",
+     [](const TempFolder& folder) {
+       setenv("VESKO_A", "alpha", 1);
+       setenv("VESKO_EMPTY", "", 1);
+       return MakeSqliteRegistry(folder / "user", folder / "machine");
+     }},
+};
+
+class RegistryTest : public testing::TestWithParam<Port> {
+ protected:
+  KeyHandle Create(std::string_view path, int32_t root = kCurrentUser) {
+    KeyHandle key = kNoKey;
+    EXPECT_EQ(registry_->CreateKey(root, path, key), kStatusSuccess) << path;
+    return key;
+  }
+  int32_t Open(std::string_view path, int32_t root = kCurrentUser) {
+    KeyHandle key = kNoKey;
+    return registry_->OpenKey(root, path, kKeyQueryValue, key);
+  }
+  std::string Get(KeyHandle key, std::string_view name) {
+    uint32_t type = 0;
+    std::string data;
+    int32_t status = registry_->QueryValue(key, name, type, data);
+    return status == kStatusSuccess ? data : "status " + std::to_string(status);
+  }
+  std::vector<std::string> Names(KeyHandle key,
+                                 int32_t (Registry::*next)(KeyHandle, uint32_t, std::string&)) {
+    std::vector<std::string> names;
+    std::string name;
+    int32_t status;
+    while ((status = (*registry_.*next)(key, static_cast<uint32_t>(names.size()), name)) == 0) {
+      names.push_back(name);
+    }
+    EXPECT_EQ(status, kStatusNoMoreItems);
+    return names;
+  }
+
+  TempFolder folder_;
+  std::unique_ptr<Registry> registry_ = GetParam().make(folder_);
+};
+
+TEST_P(RegistryTest, KeepsTypesAndBytes) {
+  const std::pair<uint32_t, std::string> rows[] = {
+      {kRegSz, "plain\0\0\0"s},    {kRegExpandSz, "%A%\0"s},           {kRegBinary, ""},
+      {kRegBinary, "\0\xFF\x80"s}, {kRegDword, "\1\0\0\0"s},           {77, "?"},
+      {kRegSz, "\xB0\xA1\xFE"},    {kRegSz, std::string(200'000, 'x')}};
+  KeyHandle key = Create("Software\\K");
+  for (const auto& [type, data] : rows) {
+    ASSERT_EQ(registry_->SetValue(key, "v", type, data), kStatusSuccess);
+    uint32_t got_type = 0;
+    std::string got;
+    ASSERT_EQ(registry_->QueryValue(key, "v", got_type, got), kStatusSuccess);
+    EXPECT_EQ(got_type, type);
+    EXPECT_EQ(got, data);
+  }
+  ASSERT_EQ(registry_->SetValue(key, "", kRegSz, "unnamed"), kStatusSuccess);
+  EXPECT_EQ(Get(key, ""), "unnamed");
+  EXPECT_EQ(Names(key, &Registry::EnumValue), (std::vector<std::string>{"v", ""}));
+}
+
+TEST_P(RegistryTest, NamesCompareWithoutCaseAndKeepTheirSpelling) {
+  KeyHandle key = Create("Soft Ware\\Kee\xB0\xA1");
+  ASSERT_EQ(registry_->SetValue(key, "Down Lines", kRegDword, "1"), kStatusSuccess);
+  KeyHandle same = Create("sOFT wARE\\KEE\xB0\xA1");
+  ASSERT_EQ(registry_->SetValue(same, "DOWN lines", kRegSz, "2"), kStatusSuccess);
+  EXPECT_EQ(Get(key, "down LINES"), "2");
+  EXPECT_EQ(Names(key, &Registry::EnumValue), std::vector<std::string>{"Down Lines"});
+  EXPECT_EQ(Names(Create("SOFT WARE"), &Registry::EnumKey),
+            std::vector<std::string>{"Kee\xB0\xA1"});
+  EXPECT_EQ(Open("Soft Ware\\Kee\xB0\xA2"), kStatusFileNotFound);
+}
+
+TEST_P(RegistryTest, CreatesParentsAndEnumeratesSubKeysInOrder) {
+  Create("A\\B\\00000002");
+  Create("A\\B\\00000001\\Deep");
+  EXPECT_EQ(Open("A"), kStatusSuccess);
+  EXPECT_EQ(Names(Create("A\\B"), &Registry::EnumKey),
+            (std::vector<std::string>{"00000001", "00000002"}));
+  EXPECT_EQ(Names(Create("A\\B\\00000002"), &Registry::EnumKey), std::vector<std::string>{});
+  EXPECT_EQ(Open("A\\B", kLocalMachine), kStatusFileNotFound);
+  EXPECT_EQ(Open("B"), kStatusFileNotFound);
+}
+
+TEST_P(RegistryTest, RefusesWithStatusCodes) {
+  KeyHandle key = Create("A\\B");
+  std::string out = "untouched";
+  uint32_t type = 99;
+  auto& r = *registry_;
+  const std::pair<int32_t, int32_t> rows[] = {
+      {Open("A\\C"), kStatusFileNotFound},
+      {Open("A\\B\\C"), kStatusFileNotFound},
+      {Open("A", kClassesRoot), kStatusInvalidHandle},
+      {r.CreateKey(12345, "A", key), kStatusInvalidHandle},
+      {r.QueryValue(key, "missing", type, out), kStatusFileNotFound},
+      {r.QueryValue(kNoKey, "v", type, out), kStatusInvalidHandle},
+      {r.SetValue(kNoKey, "v", kRegSz, "x"), kStatusInvalidHandle},
+      {r.EnumKey(kNoKey, 0, out), kStatusInvalidHandle},
+      {r.EnumValue(key, 0, out), kStatusNoMoreItems},
+      {r.DeleteKey(kCurrentUser, "A\\C"), kStatusFileNotFound},
+      {r.DeleteKey(kCurrentUser, "A"), kStatusAccessDenied},
+      {r.DeleteValue(key, "missing"), kStatusFileNotFound},
+      {r.DeleteValue(kNoKey, "v"), kStatusInvalidHandle},
+  };
+  for (const auto& [status, expected] : rows)
+    EXPECT_EQ(status, expected) << &status - &rows[0].first;
+  EXPECT_EQ(out, "untouched");
+  EXPECT_EQ(type, 99u);
+  EXPECT_EQ(Open("A\\B"), kStatusSuccess);
+}
+
+TEST_P(RegistryTest, DeletedKeysTakeTheirValuesAlong) {
+  KeyHandle stale = Create("A\\B");
+  ASSERT_EQ(registry_->SetValue(stale, "v", kRegSz, "old"), kStatusSuccess);
+  ASSERT_EQ(registry_->DeleteKey(kCurrentUser, "a\\b"), kStatusSuccess);
+  EXPECT_EQ(Open("A\\B"), kStatusFileNotFound);
+  EXPECT_NE(registry_->SetValue(stale, "v", kRegSz, "late"), kStatusSuccess);
+  EXPECT_EQ(Open("A\\B"), kStatusFileNotFound);
+  EXPECT_EQ(Get(Create("A\\B"), "v"), "status 2");
+}
+
+TEST_P(RegistryTest, DeletesValues) {
+  KeyHandle key = Create("A");
+  for (auto* name : {"one", "two"}) registry_->SetValue(key, name, kRegSz, name);
+  EXPECT_EQ(registry_->DeleteValue(key, "ONE"), kStatusSuccess);
+  EXPECT_EQ(Names(key, &Registry::EnumValue), std::vector<std::string>{"two"});
+}
+
+TEST_P(RegistryTest, TransactionsNestAndShowTheirOwnWrites) {
+  {
+    auto outer = registry_->BeginTransaction(kCurrentUser);
+    EXPECT_EQ(Open("A"), kStatusFileNotFound);
+    {
+      auto inner = registry_->BeginTransaction(kCurrentUser);
+      registry_->SetValue(Create("A"), "v", kRegSz, "in");
+    }
+    EXPECT_EQ(Get(Create("A"), "v"), "in");
+    registry_->SetValue(Create("B", kLocalMachine), "v", kRegSz, "other hive");
+  }
+  EXPECT_EQ(Get(Create("A"), "v"), "in");
+  EXPECT_EQ(Get(Create("B", kLocalMachine), "v"), "other hive");
+}
+
+TEST_P(RegistryTest, HandlesNeedNoClosing) {
+  Create("A\\B");
+  for (int i = 0; i < 3000; ++i) ASSERT_EQ(Open("A\\B"), kStatusSuccess) << i;
+}
+
+TEST_P(RegistryTest, ExpandsEnvironmentReferences) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", ""},
+      {"C:\\%VESKO_A%\\x", "C:\\alpha\\x"},
+      {"%VESKO_A%%VESKO_A%", "alphaalpha"},
+      {"<%VESKO_EMPTY%>", "<>"},
+      {"%VESKO_MISSING%", "%VESKO_MISSING%"},
+      {"50% of %VESKO_A%", "50% of alpha"},
+      {"%VESKO_A", "%VESKO_A"},
+      {"%%", "%%"},
+      {"100%", "100%"},
+      {"%=%VESKO_A%", "%=alpha"},
+  };
+  for (const auto& [text, expanded] : rows) {
+    EXPECT_EQ(registry_->ExpandEnvironment(text), expanded);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ports, RegistryTest, testing::ValuesIn(kPorts),
+                         [](const auto& port) { return port.param.name; });
+
+}  // namespace
+}  // namespace vesko
