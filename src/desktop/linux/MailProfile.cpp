@@ -24,7 +24,8 @@ using Preferences = std::map<std::string, std::string, std::less<>>;
 /// as default, then the others.
 std::vector<std::string> ProfileFolders(const std::string& folder) {
   std::vector<std::string> installed, marked, others;
-  for (const auto& [name, group] : IniFile::Read(folder + "/profiles.ini").Groups()) {
+  const IniFile profiles = IniFile::Read(folder + "/profiles.ini");
+  for (const auto& [name, group] : profiles.Groups()) {
     bool installation = name.starts_with("Install");
     std::string path = ValueOf(group, installation ? "Default" : "Path");
     if (path.empty()) continue;
