@@ -1,0 +1,260 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "base/RunTimeError.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+std::string Bytes(int first, int second) {
+  return {static_cast<char>(first), static_cast<char>(second)};
+}
+
+// --- Every code page
+
+class CodePageTest : public ::testing::TestWithParam<int> {
+ protected:
+  std::unique_ptr<Locale> locale_ = MakeTestLocale(GetParam());
+};
+INSTANTIATE_TEST_SUITE_P(All, CodePageTest,
+                         ::testing::Values(874, 932, 936, 949, 950, 1250, 1251, 1252, 1253, 1254,
+                                           1255, 1256, 1257, 1258, 65001));
+
+TEST_P(CodePageTest, LeavesSevenBitTextAsItIs) {
+  EXPECT_EQ(locale_->CodePage(), GetParam());
+  std::string ascii;
+  for (char c = 0; c < 127; ++c) ascii += c;
+  Text text(ascii.begin(), ascii.end());
+  EXPECT_EQ(locale_->ToText(ascii), text);
+  EXPECT_EQ(locale_->ToBytes(text), ascii);
+  // The same beside a character that is none, which takes another way.
+  EXPECT_EQ(locale_->ToText(ascii + "\x81").substr(0, 127), text);
+  EXPECT_EQ(locale_->ToBytes(text + u"\U0001F600").substr(0, 127), ascii);
+}
+
+TEST_P(CodePageTest, DecodesTheSameInPieces) {
+  std::string bytes;
+  for (int i = 0; i < 3000; ++i) bytes += static_cast<char>(i * i / 7 + i % 5 * 64);
+  auto decoder = locale_->NewDecoder();
+  Text text;
+  for (size_t at = 0, size = 0; at < bytes.size(); at += size, size = (size + 1) % 4) {
+    text += decoder->Decode(std::string_view(bytes).substr(at, size));
+  }
+  EXPECT_EQ(text + decoder->Decode("\n\n"), locale_->ToText(bytes + "\n\n"));
+}
+
+TEST_P(CodePageTest, NeverFails) {
+  for (int first = 0; first < 256; ++first) {
+    for (int second = 0; second < 256; ++second) {
+      Text text = locale_->ToText(Bytes(first, second));
+      ASSERT_FALSE(text.empty());
+      ASSERT_FALSE(locale_->ToBytes(text).empty());
+    }
+  }
+  EXPECT_EQ(locale_->ToBytes(u"a\xD800z\xDC00"), "a?z?");
+  EXPECT_EQ(locale_->ToText(""), u"");
+}
+
+// --- Double-byte code pages
+
+struct DoubleByteCase {
+  int code_page;
+  const char* bytes;
+  Text character;
+  int least_characters;  // pairs that are one character, and come back
+};
+
+class DoubleByteTest : public ::testing::TestWithParam<DoubleByteCase> {
+ protected:
+  std::unique_ptr<Locale> locale_ = MakeTestLocale(GetParam().code_page);
+};
+// The numbers of characters are those of the code pages' tables, private-use areas left aside.
+INSTANTIATE_TEST_SUITE_P(All, DoubleByteTest,
+                         ::testing::Values(DoubleByteCase{949, "\xB0\xA1", u"\uAC00", 17048},
+                                           DoubleByteCase{949, "\x81\x41", u"\uAC02", 17048},
+                                           DoubleByteCase{932, "\x82\xA0", u"\u3042", 7000},
+                                           DoubleByteCase{932, "\x81\x5C", u"\u2015", 7000},
+                                           DoubleByteCase{936, "\x81\x40", u"\u4E02", 21000},
+                                           DoubleByteCase{950, "\xA4\xA4", u"\u4E2D", 13000}));
+
+TEST_P(DoubleByteTest, KnowsItsCharacter) {
+  const DoubleByteCase& param = GetParam();
+  EXPECT_EQ(locale_->ToText(param.bytes), param.character);
+  EXPECT_EQ(locale_->ToBytes(param.character), param.bytes);
+  EXPECT_EQ(locale_->Character(param.bytes), param.character);
+  EXPECT_EQ(locale_->TrailBytes(static_cast<uint8_t>(param.bytes[0])), 1);
+}
+
+TEST_P(DoubleByteTest, CharactersOfTwoBytesComeBack) {
+  int characters = 0;
+  for (int first = 0x81; first < 0xFF; ++first) {
+    for (int second = 0; second < 256; ++second) {
+      std::string bytes = Bytes(first, second);
+      if (!IgnoreErrors([&] { locale_->Character(bytes); })) continue;
+      characters += locale_->ToBytes(locale_->Character(bytes)) == bytes;
+    }
+  }
+  EXPECT_GE(characters, GetParam().least_characters);
+}
+
+TEST_P(DoubleByteTest, ALeadByteDoesNotSwallowTheLineEnd) {
+  EXPECT_EQ(locale_->ToText("a\x85\r\nb"), u"a\uFFFD\r\nb");
+  auto decoder = locale_->NewDecoder();
+  EXPECT_EQ(decoder->Decode("a\x85"), u"a");
+  EXPECT_EQ(decoder->Decode("\r\nb"), u"\uFFFD\r\nb");
+  decoder->Decode("\x85");
+  decoder->Reset();
+  EXPECT_EQ(decoder->Decode("A"), u"A");
+}
+
+TEST_P(DoubleByteTest, CharacterRefusesWhatIsNone) {
+  for (const std::string& bad : {Bytes(0x85, 0), Bytes(0x85, '\r'), Bytes(0xFF, 0xFF),
+                                 Bytes('a', 'b'), std::string("\x85"), std::string()}) {
+    EXPECT_THROW(locale_->Character(bad), RunTimeError);
+  }
+}
+
+TEST(Utf8Test, CountsTrailBytesAndRefusesWhatIsNoCharacter) {
+  auto locale = MakeTestLocale();
+  const struct {
+    int lead;
+    int trail;
+  } kLeads[] = {{0x41, 0}, {0x81, 0}, {0xC1, 0}, {0xC2, 1}, {0xDF, 1}, {0xE0, 2},
+                {0xEF, 2}, {0xF0, 3}, {0xF4, 3}, {0xF5, 0}, {0xFF, 0}};
+  for (const auto& row : kLeads) {
+    EXPECT_EQ(locale->TrailBytes(static_cast<uint8_t>(row.lead)), row.trail) << row.lead;
+  }
+  EXPECT_EQ(locale->Character("\xF0\x9F\x98\x80"), u"\U0001F600");
+  EXPECT_EQ(locale->Character("\xEF\xBF\xBD"), u"\uFFFD");
+  for (const char* bad : {"\x80", "\xC3", "\xC3\x28", "\xED\xA0\x80", "\xC0\x80", "ab", ""}) {
+    EXPECT_THROW(locale->Character(bad), RunTimeError);
+  }
+}
+
+// --- Language
+
+TEST(TextMappingTest, MapsCaseWidthAndKana) {
+  constexpr int32_t kTurkish = 0x041F;
+  constexpr int32_t kNoLocale = 0x7FFFFFFF;
+  const struct {
+    TextMapping mapping;
+    Text from;
+    Text to;
+    int32_t locale_id = 0;
+  } kCases[] = {
+      {TextMapping::kUpper, u"a\u00E4i", u"A\u00C4I"},
+      {TextMapping::kUpper, u"i", u"\u0130", kTurkish},
+      {TextMapping::kUpper, u"i", u"I", kNoLocale},
+      {TextMapping::kLower, u"A\u00C4I", u"a\u00E4i"},
+      {TextMapping::kProper, u"tHE old-time radio's", u"The Old-Time Radio's"},
+      {TextMapping::kWide, u"Az 1\uFF71", u"\uFF21\uFF5A\u3000\uFF11\u30A2"},
+      {TextMapping::kNarrow, u"\uFF21\uFF5A\u3000\u30A2\uAC00", u"Az \uFF71\uAC00"},
+      {TextMapping::kKatakana, u"\u3042\u3093\u309D\u30FCa", u"\u30A2\u30F3\u30FD\u30FCa"},
+      {TextMapping::kHiragana, u"\u30A2\u30F3\u30FD\u30FC\u30FA",
+       u"\u3042\u3093\u309D\u30FC\u30FA"},
+      {TextMapping::kUpper, u"", u""},
+  };
+  auto locale = MakeTestLocale();
+  for (const auto& row : kCases) {
+    EXPECT_EQ(locale->Map(row.mapping, row.from, row.locale_id), row.to);
+  }
+}
+
+TEST(FoldTest, KeepsTheLength) {
+  auto locale = MakeTestLocale(kCodePageUtf8, "tr_TR");
+  EXPECT_EQ(locale->Fold(u"AZ[\u00C4\u03A3\u212A\u00DF\u0130I"), u"az[\u00E4\u03C3k\u00DF\u0130i");
+  EXPECT_EQ(locale->Fold(u"\U00010400\xD801x\xDC00"), u"\U00010428\xD801x\xDC00");
+  Text all;
+  for (char16_t c = 1; c != 0; ++c) all += c;
+  Text folded = locale->Fold(all);
+  EXPECT_EQ(folded.size(), all.size());
+  EXPECT_EQ(locale->Fold(folded), folded);
+}
+
+TEST(CompareTest, OrdersAsAListShows) {
+  auto locale = MakeTestLocale();
+  EXPECT_LT(locale->Compare(u"a", u"B"), 0);
+  EXPECT_LT(locale->Compare(u"\u00E4", u"b"), 0);
+  EXPECT_GT(locale->Compare(u"b", u"A"), 0);
+  EXPECT_EQ(locale->Compare(u"a", u"a"), 0);
+  EXPECT_LT(locale->Compare(u"", u"a"), 0);
+}
+
+// --- Dates
+
+TEST(ParseDateTest, TakesDayMonthYearAndTime) {
+  const struct {
+    const char* locale;
+    Text text;
+    std::optional<DateTime> date;
+  } kCases[] = {
+      {"en_GB", u"1 Jan 2001 10:22:01", DateTime{2001, 1, 1, 10, 22, 1}},
+      {"en_GB", u" 31  DECEMBER   1999  0:00 ", DateTime{1999, 12, 31, 0, 0, 0}},
+      {"en_GB", u"29 feb. 2000", DateTime{2000, 2, 29, 0, 0, 0}},
+      {"en_GB", u"01-Sep-0100 23:59", DateTime{100, 9, 1, 23, 59, 0}},
+      {"en_US", u"2 1 2001", DateTime{2001, 1, 2, 0, 0, 0}},
+      {"de_DE", u"3 M\u00C4RZ 2001", DateTime{2001, 3, 3, 0, 0, 0}},
+      {"de_DE", u"3 May 2001", DateTime{2001, 5, 3, 0, 0, 0}},
+      {"fr_FR", u"3 f\u00E9vr. 2001 4:5:6", DateTime{2001, 2, 3, 4, 5, 6}},
+      {"ko_KR", u"3 12\uC6D4 2001", DateTime{2001, 12, 3, 0, 0, 0}},
+      {"vi_VN", u"3 th\u00E1ng 12 2001", DateTime{2001, 12, 3, 0, 0, 0}},
+      {"en_GB", u"3 M\u00E4rz 2001", {}},
+      {"en_GB", u"", {}},
+      {"en_GB", u"10:22", {}},
+      {"en_GB", u"1 Jan", {}},
+      {"en_GB", u"Jan 1 2001", {}},
+      {"en_GB", u"0 Jan 2001", {}},
+      {"en_GB", u"30 Feb 2001", {}},
+      {"en_GB", u"29 Feb 1900", {}},
+      {"en_GB", u"1 Janu 2001", {}},
+      {"en_GB", u"1 Jan2001", {}},
+      {"en_GB", u"1 13 2001", {}},
+      {"en_GB", u"1 Jan 99", {}},
+      {"en_GB", u"1 Jan 20001", {}},
+      {"en_GB", u"1 Jan 2001 24:00", {}},
+      {"en_GB", u"1 Jan 2001 10:60", {}},
+      {"en_GB", u"1 Jan 2001 10:22:60", {}},
+      {"en_GB", u"1 Jan 2001 10", {}},
+      {"en_GB", u"1 Jan 2001 10:22:", {}},
+      {"en_GB", u"1 Jan 2001 10:22 PM", {}},
+      {"en_GB", u"1 Jan 2001 -1:00", {}},
+      {"en_GB", u"+1 Jan 2001", {}},
+      {"en_GB", u"99999999999 Jan 2001", {}},
+  };
+  for (const auto& row : kCases) {
+    EXPECT_EQ(MakeTestLocale(kCodePageUtf8, row.locale)->ParseDate(row.text), row.date)
+        << ::testing::PrintToString(row.text);
+  }
+}
+
+TEST(DateFormatTest, WritesTheUsersShortFormats) {
+  const struct {
+    const char* locale;
+    DateTime date;
+    Text short_date;
+    Text short_time;
+  } kCases[] = {
+      {"en_GB", {2001, 2, 3, 4, 5, 6}, u"03/02/2001", u"04:05"},
+      {"en_US", {2001, 2, 3, 0, 5, 6}, u"2/3/01", u"12:05 AM"},
+      {"en_US", {1999, 12, 31, 12, 0, 0}, u"12/31/99", u"12:00 PM"},
+      {"de_DE", {2001, 2, 3, 23, 59, 0}, u"03.02.01", u"23:59"},
+      {"ko_KR", {2001, 2, 3, 14, 5, 0}, u"01. 2. 3.", u"\uC624\uD6C4 2:05"},
+      {"ja_JP", {2001, 2, 3, 4, 5, 6}, u"2001/02/03", u"4:05"},
+      // Other calendars and digits.
+      {"th_TH", {2001, 2, 3, 4, 5, 6}, u"3/2/44", u"04:05"},
+      {"fa_IR",
+       {2001, 3, 21, 4, 5, 6},
+       u"\u06F1\u06F3\u06F8\u06F0/\u06F1/\u06F1",
+       u"\u06F4:\u06F0\u06F5"},
+  };
+  for (const auto& row : kCases) {
+    auto locale = MakeTestLocale(kCodePageUtf8, row.locale);
+    EXPECT_EQ(locale->ShortDate(row.date), row.short_date) << row.locale;
+    EXPECT_EQ(locale->ShortTime(row.date), row.short_time) << row.locale;
+  }
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+
+#include "base/RunTimeError.h"
+#include "message/DisplayDate.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+class DisplayDateTest : public ::testing::Test {
+ protected:
+  Text Format(const Text& date) { return FormatSendDate(*locale_, date); }
+
+  int32_t ErrorOf(const Text& date) {
+    try {
+      Format(date);
+      return 0;
+    } catch (const RunTimeError& error) {
+      return error.Number();
+    }
+  }
+
+  std::unique_ptr<Locale> locale_ = MakeTestLocale();
+};
+
+TEST_F(DisplayDateTest, ShowsDatesInTheUsersFormats) {
+  const struct {
+    Text date;
+    Text shown;
+  } kCases[] = {
+      {u"Mon, 1 Jan 2001 10:22:01 +0900", u"01/01/2001 10:22"},
+      {u"Mon, 1 Jan 2001 10:22:01", u"01/01/2001 10:22"},
+      {u"Tue, 02 Jan 01 09:05:00 +0900", u"02/01/2001 09:05"},
+      {u"2 Jan 99 9:05:00 PM", u"02/01/1999 21:05"},
+      {u"2 Jan 99 9:05 pm", u"02/01/1999 21:05"},
+      {u"2 Jan 99 9:05 AM", u"02/01/1999 09:05"},
+      {u"1 Jan 90 00:00 GMT", u"01/01/2090 00:00"},
+      {u"1 Jan 91 00:00 GMT", u"01/01/1991 00:00"},
+      {u"  1 Jan 2001  ", u"01/01/2001 00:00"},
+      {u"29 Feb 2000 23:59:59 (KST) 1:2", u"29/02/2000 23:59"},
+      {u"Monday, 1 January 2001 10:22 -0000 (comment, with comma)", u"01/01/2001 10:22"},
+  };
+  for (const auto& row : kCases) EXPECT_EQ(Format(row.date), row.shown);
+}
+
+TEST_F(DisplayDateTest, ShowsWhatIsNoDateTwiceInItsNewShape) {
+  const struct {
+    Text date;
+    Text once;
+  } kCases[] = {
+      {u"1 Jan 2001 12:00:00 PM", u"1 Jan 2001 24:00:00"},
+      {u"x, a b 02 c", u"a b 2002 c"},
+      // An empty word counts: the third one is the month.
+      {u"1  05 2001 1:00 Z", u"1  2005 2001 1:00"},
+      {u"30 Feb 2001 10:00 +0900", u"30 Feb 2001 10:00"},
+      {u"1 Jan 2001 25:00:00 +0900", u"1 Jan 2001 25:00:00"},
+      {u"1 Jan 2001 9.5:00 PM", u"1 Jan 2001 21.5:00"},
+      {u"1 Foo 2001 10:22", u"1 Foo 2001 10:22"},
+      {u"a: b c", u"a:"},
+  };
+  for (const auto& row : kCases) EXPECT_EQ(Format(row.date), row.once + u" " + row.once);
+}
+
+TEST_F(DisplayDateTest, RaisesWhatItsCallersMustExpect) {
+  for (const Text date : {u"", u"   ", u"1 Jan", u"Mon, 1 Jan", u"Mon 1, Jan 2001"}) {
+    EXPECT_EQ(ErrorOf(date), kSubscriptOutOfRange) << ::testing::PrintToString(date);
+  }
+  for (const Text date : {u"1 Jan xx 10:00", u"1 Jan 0x", u"1 Jan 2001 ab:00 PM",
+                          u"1 Jan 2001 :00 PM", u"1 Jan 2001  PM"}) {
+    EXPECT_EQ(ErrorOf(date), kTypeMismatch) << ::testing::PrintToString(date);
+  }
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,310 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "base/RunTimeError.h"
+#include "message/cEncode.h"
+#include "message/cMessage.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+const Text kHangulWord = u"=?euc-kr?B?sKGzqg==?=";  // U+AC00 U+B098
+constexpr TextView kHangul = u"\uAC00\uB098";
+
+class MessageTest : public ::testing::Test {
+ protected:
+  cMessage Parse(const Text& text) {
+    cMessage message(*locale_);
+    message.CreateFromText(text);
+    return message;
+  }
+
+  // A message with this header and no body.
+  cMessage ParseHeader(const Text& header) { return Parse(header + u"\r\n\r\n"); }
+
+  int32_t ErrorOf(cMessage& message, const Text& text) {
+    try {
+      message.CreateFromText(text);
+      return 0;
+    } catch (const RunTimeError& error) {
+      return error.Number();
+    }
+  }
+
+  std::unique_ptr<Locale> locale_ = MakeTestLocale(949);
+};
+
+TEST_F(MessageTest, WithoutABlankLineThereIsNothingButTheSize) {
+  for (const Text text : {u"Subject: a", u"", u"Subject: a\r\n", u"Subject: a\n\n", u"a\r\n\r"}) {
+    cMessage message = Parse(text);
+    EXPECT_EQ(message.Size(), static_cast<int32_t>(text.size() * 2));
+    EXPECT_EQ(message.Headers + message.MessageBody + message.Subject, u"");
+  }
+}
+
+TEST_F(MessageTest, TakesHeaderAndBodyApartAtTheFirstBlankLine) {
+  cMessage message = Parse(u"Subject: a\r\nX: b\r\n\r\nbody\r\n\r\nmore\r\n");
+  EXPECT_EQ(message.Headers, u"Subject: a\r\nX: b");
+  EXPECT_EQ(message.MessageBody, u"body\r\n\r\nmore\r\n");
+  EXPECT_EQ(Parse(u"\r\n\r\n").Headers, u"");
+}
+
+TEST_F(MessageTest, StoresEveryKnownField) {
+  const struct {
+    Text name;
+    Text cMessage::*member;
+    Text stored;
+  } kCases[] = {
+      {u"Return-Path", &cMessage::ReturnPath, u"\"v\" ?Q?=41?"},
+      {u"RECEIVED", &cMessage::Received, u"\"v\" ?Q?=41?"},
+      {u"from", &cMessage::From, u"A"},
+      {u"Sender", &cMessage::Sender, u"\"v\" ?Q?=41?"},
+      {u"Reply-To", &cMessage::ReplyTo, u"A "},
+      {u"To", &cMessage::MessageTo, u"A "},
+      {u"cC", &cMessage::CC, u"A "},
+      {u"Bcc", &cMessage::BCC, u"A "},
+      {u"Message-ID", &cMessage::MessageID, u"\"v\" ?Q?=41?"},
+      {u"In-Reply-To", &cMessage::InReplyTo, u"\"v\" ?Q?=41?"},
+      {u"References", &cMessage::References, u"\"v\" ?Q?=41?"},
+      {u"Keywords", &cMessage::Keywords, u"\"v\" ?Q?=41?"},
+      {u"sUBJECT", &cMessage::Subject, u"A "},
+      {u"Comments", &cMessage::Comments, u"\"v\" ?Q?=41?"},
+      {u"Encrypted", &cMessage::Encrypted, u"\"v\" ?Q?=41?"},
+      {u"Date", &cMessage::SendDate, u"02/01/2001 03:04 "},
+  };
+  for (const auto& row : kCases) {
+    bool is_date = row.member == &cMessage::SendDate;
+    Text value = is_date ? u"2 Jan 2001 03:04:05 +0100" : u"\"v\" ?Q?=41?";
+    EXPECT_EQ(ParseHeader(row.name + u": " + value).*row.member, row.stored);
+    EXPECT_EQ(ParseHeader(row.name + u" : " + value).*row.member, u"") << "space before the colon";
+    EXPECT_EQ(ParseHeader(u"X-" + row.name + u":" + value).*row.member, u"");
+  }
+}
+
+TEST_F(MessageTest, UnfoldsLineByLine) {
+  const struct {
+    const char* name;
+    Text header;
+    Text cMessage::*member;
+    Text stored;
+  } kCases[] = {
+      {"folded subject", u"Subject: Hello\r\n World", &cMessage::Subject, u"Hello World "},
+      {"folded by a tab", u"Subject: Hello\r\n\t\tWorld\t", &cMessage::Subject, u"Hello World "},
+      {"tab in a value", u"Subject:\ta\tb", &cMessage::Subject, u"a b "},
+      {"three lines", u"To: a,\r\n b,\r\n c", &cMessage::MessageTo, u"a, b, c "},
+      {"repeated to", u"To: a\r\nX: y\r\nTo: b", &cMessage::MessageTo, u"a b "},
+      {"repeated from", u"From: a\r\nFrom: b", &cMessage::From, u"b"},
+      {"folded from", u"From: a\r\n <b@c.example>", &cMessage::From, u"<b@c.example>"},
+      {"emptied", u"Comments: a\r\nComments:", &cMessage::Comments, u""},
+      {"folded references", u"References: <a>\r\n <b>", &cMessage::References, u"<b>"},
+      {"received with a time", u"Received: a\r\nReceived: b\r\n for c; 10:22\r\n d",
+       &cMessage::Received, u"b"},
+      {"continuation first", u" a\r\nSubject: b", &cMessage::Subject, u"b "},
+      {"behind an unknown field", u"Subject: a\r\nX-A: b\r\n c", &cMessage::Subject, u"a "},
+      {"behind a bad line", u"Subject: a\r\nb\r\n c", &cMessage::Subject, u"a "},
+      {"behind a colon", u"Subject: a\r\n b:\r\n c", &cMessage::Subject, u"a "},
+      {"empty continuation", u"Subject: a\r\n \r\n b", &cMessage::Subject, u"a  b "},
+      {"lone ends of line", u"Subject: a\r b\n c", &cMessage::Subject, u"a\r b\n c "},
+      {"known name behind a space", u"X: a\r\n Subject: b", &cMessage::Subject, u""},
+      {"no name", u": a\r\n b", &cMessage::Subject, u""},
+      {"wide letters", u"\uFF33ubject: a", &cMessage::Subject, u""},
+  };
+  for (const auto& row : kCases) {
+    EXPECT_EQ(ParseHeader(row.header).*row.member, row.stored) << row.name;
+  }
+}
+
+TEST_F(MessageTest, ParsingAgainAppendsAndLeavesTheMarks) {
+  cMessage message = ParseHeader(u"Subject: a\r\nFrom: a\r\nSender: a");
+  message.Read = message.Spam = message.Delete = true;
+  message.Server = u"pop.example";
+  message.SetIndex(7);
+  message.CreateFromText(u"Subject: b\r\nFrom: b\r\n\r\n");
+  EXPECT_EQ(message.Subject, u"a b ");
+  EXPECT_EQ(message.From, u"b");
+  EXPECT_EQ(message.Sender, u"a");
+  EXPECT_TRUE(message.Read && message.Spam && message.Delete);
+  EXPECT_EQ(message.Server, u"pop.example");
+  EXPECT_EQ(message.Index(), 7);
+}
+
+TEST_F(MessageTest, IndexMustBeSetBeforeItIsRead) {
+  cMessage message(*locale_);
+  EXPECT_THROW(message.Index(), RunTimeError);
+}
+
+TEST_F(MessageTest, AMalformedDateLeavesTheFieldsBeforeIt) {
+  const struct {
+    Text date;
+    int32_t error;
+  } kCases[] = {
+      {u"", kSubscriptOutOfRange},
+      {u"1 Jan", kSubscriptOutOfRange},
+      {u"2 Jan 2001 10:22 +0900\r\n (KST)", kSubscriptOutOfRange},
+      {u"=?x?B?"
+       u"?=",
+       kSubscriptOutOfRange},
+      {u"=?x?Q?=FF=FF?=", kSubscriptOutOfRange},
+      {u"1 Jan xx", kTypeMismatch},
+  };
+  for (const auto& row : kCases) {
+    cMessage message(*locale_);
+    Text text = u"Sender: s\r\nSender: t\r\nFrom: f\r\nSubject: a\r\n b\r\nDate: " + row.date +
+                u"\r\nTo: z\r\n\r\nbody";
+    EXPECT_EQ(ErrorOf(message, text), row.error);
+    EXPECT_EQ(message.Sender + message.From + message.Subject, u"tfa b ");
+    EXPECT_EQ(message.MessageTo, u"");
+    EXPECT_EQ(message.MessageBody, u"body");
+  }
+}
+
+TEST_F(MessageTest, DecodesTheFirstEncodedWordOfAValue) {
+  const struct {
+    const char* name;
+    Text value;
+    Text field;
+    Text decoded;
+  } kCases[] = {
+      {"plain", u"Hello", u"subject", u"Hello "},
+      {"empty", u"", u"subject", u" "},
+      {"base64", kHangulWord, u"subject", Text(kHangul) + u" "},
+      {"quoted", u"a =?x?Q?b_=3D?= c ?B?QQ==? d", u"to", Text(u"A d")},
+      {"quoted alone", u"a =?x?Q?b_=3D?= c d", u"to", u"b = c d"},
+      {"name and address", u"\"" + kHangulWord + u"\" <\"a\"@b.example>", u"from",
+       Text(kHangul) + u" <a@b.example>"},
+      {"quotes of a name", u"\"A B\" <a@b>", u"reply-to", u"A B <a@b> "},
+      {"quotes of a subject", u"\"A B\"", u"subject", u"\"A B\" "},
+      {"second word stays", kHangulWord + u" " + kHangulWord, u"subject",
+       Text(kHangul) + u" " + kHangulWord},
+      {"nothing before the space", u"=?x?B?QUJD?=x y z", u"subject", u"ABC y z"},
+      {"space in the word", u"=?x?Q?a b?= c", u"subject", u"a b c"},
+      {"line ends go", u"a\r\n b\rc", u"subject", u"a b\rc "},
+      {"marker over a line end", u"?\r\nB?QUJD?", u"subject", u"ABC "},
+      {"lower-case marker", u"=?x?q?a_b?=", u"subject", u"=?x?q?a_b?= "},
+      {"empty word",
+       u"=?x?B?"
+       u"?= rest",
+       u"subject", u" "},
+      {"open word", u"=?x?B?QUJD rest", u"subject", u" "},
+      {"beyond the code page", u"=?x?Q?=FF=FF?= rest", u"subject", u" "},
+      {"date", u"Mon, 1 Jan 01 10:22:01 +0900", u"date", u"01/01/2001 10:22 "},
+      {"encoded date", u"=?x?Q?1_Jan_2001_10:22?= rest", u"date", u"01/01/2001 10:22 rest"},
+  };
+  cMessage message(*locale_);
+  for (const auto& row : kCases) {
+    EXPECT_EQ(message.DecodeHeader(row.value, row.field), row.decoded) << row.name;
+  }
+}
+
+TEST_F(MessageTest, DecodesTextPartsUpToTheLastBlankLine) {
+  const Text type = u"\r\nContent-Type: text/plain; charset=x";
+  const Text base64 = u"\r\nContent-Transfer-Encoding: base64";
+  const Text quoted = u"\r\nContent-Transfer-Encoding: Quoted-Printable";
+  const struct {
+    const char* name;
+    Text text;
+    Text decoded;
+  } kCases[] = {
+      {"no part", u"Subject: a\r\n\r\nbody\r\n\r\n", u""},
+      {"no blank line", u"A: b" + type, u""},
+      {"first line", u"Content-Type: text/plain;\r\n\r\nbody\r\n\r\n", u""},
+      {"body without a blank line", type + base64 + u"\r\n\r\nQUJD\r\n", u"\r\n"},
+      {"base64", type + base64 + u"\r\n\r\nQUJD\r\n\r\nlast", u"ABC\r\n"},
+      {"capitals", type + quoted + u"\r\n\r\na=3D_\r\nb\r\n\r\n", u"a= \r\nb\r\n"},
+      {"no encoding", type + u"\r\n\r\na=3D\r\n\r\n", u"a=3D\r\n"},
+      {"unknown encoding", type + base64 + u"x\r\n\r\nQUJD\r\n\r\n", u"QUJD\r\n"},
+      {"beyond the code page", type + quoted + u"\r\n\r\n=FF=FF\r\n\r\n", u"=FF=FF\r\n"},
+      {"no space before the encoding",
+       type + u"\r\nContent-Transfer-Encoding:base64\r\n\r\nQUJD\r\n\r\n", u"QUJD\r\n"},
+      {"two spaces", type + u"\r\nContent-Transfer-Encoding:  base64\r\n\r\nQUJD\r\n\r\n",
+       u"QUJD\r\n"},
+      {"no semicolon", u"\r\nContent-Type: text/plain\r\n\r\nbody\r\n\r\n", u""},
+      {"other type", u"\r\nContent-Type: image/png;\r\n\r\nbody\r\n\r\n", u""},
+      {"html", u"\r\nContent-Type: text/html;\r\n\r\n<b>\r\n\r\n", u"<b>\r\n"},
+      {"one character", type + u"\r\n\r\na\r\n\r\n", u"\r\n"},
+      {"two parts",
+       u"A: b" + type + u"\r\n\r\nab\r\n\r\nlost\r\n--x" + type + base64 +
+           u"\r\n\r\nQUJD\r\n\r\n--x--\r\n",
+       u"ab\r\nABC\r\n"},
+      {"body that looks like a header", type + u"\r\n\r\nContent-X\r\n\r\n", u"\r\n"},
+      {"type in the first character of the body", u"\r\nContent-A: text/plain\r\n\r\n;b\r\n\r\n",
+       u""},
+  };
+  cMessage message(*locale_);
+  for (const auto& row : kCases) {
+    EXPECT_EQ(message.DecodeMessage(row.text), row.decoded) << row.name;
+  }
+}
+
+TEST_F(MessageTest, DecodesTheBodyOnlyWhereContentTypeStandsInItsExactCase) {
+  EXPECT_EQ(Parse(u"content-type: text/plain;\r\n\r\nbody").MessageBody, u"body");
+  EXPECT_EQ(Parse(u"X: y\r\n\r\nsee Content-Type: there").MessageBody, u"");
+  EXPECT_EQ(Parse(u"X: y\r\nContent-Type: text/plain;\r\n\r\nbody").MessageBody, u"\r\n");
+}
+
+// The walk over the parts in its plainest form: it cuts the text and counts from 1.
+Text DecodePlainly(Text t) {
+  Text out;
+  auto mid = [&t](size_t first, size_t last) { return t.substr(first - 1, last - first + 1); };
+  auto find = [&t](const Text& what, size_t from) { return t.find(what, from - 1) + 1; };
+  while (!t.empty()) {
+    size_t a = find(u"\r\nContent-", 1);
+    size_t b = a == 0 ? 0 : find(u"\r\n\r\n", a);
+    if (b == 0) break;
+    size_t c = find(u"\r\nContent-", b);
+    size_t e = t.rfind(u"\r\n\r\n", c == 0 ? Text::npos : c - 1) + 1;
+    Text ph = mid(a + 2, b + 4);
+    Text pb = b + 4 < e - 1 ? mid(b + 4, e - 1) : Text();
+    if (Contains(ph, u"text/plain;")) out += pb + u"\r\n";
+    t = t.substr((pb.empty() ? b + 4 : e - 1) - 1);
+  }
+  return out;
+}
+
+TEST_F(MessageTest, WalksOverPartsAsThePlainWalkDoes) {
+  const Text kPieces[] = {u"\r\n",        u"\r\n\r\n", u"Content-", u"\r\nContent-",
+                          u"text/plain;", u"a",        u"\r",       u"\n"};
+  std::mt19937 random(4);
+  cMessage message(*locale_);
+  for (int round = 0; round < 5000; ++round) {
+    Text text;
+    for (size_t i = random() % 30; i > 0; --i) text += kPieces[random() % std::size(kPieces)];
+    ASSERT_EQ(message.DecodeMessage(text), DecodePlainly(text)) << ::testing::PrintToString(text);
+  }
+}
+
+Text Repeat(const Text& piece, size_t count) {
+  Text text;
+  for (size_t i = 0; i < count; ++i) text += piece;
+  return text;
+}
+
+// Each of these takes hours if any step looks again at what it has seen.
+TEST_F(MessageTest, TakesLinearTimeForHostileMail) {
+  constexpr size_t kMany = 100'000;
+  const Text plain = u"\r\nContent-Type: text/plain;\r\n\r\n";
+  EXPECT_EQ(ParseHeader(u"Subject: " + Text(20 * kMany, u'?')).Subject.size(), 20 * kMany + 1);
+  EXPECT_EQ(ParseHeader(Repeat(u"To: a\r\n", kMany) + u"X:").MessageTo.size(), 2 * kMany);
+  EXPECT_EQ(ParseHeader(Repeat(u"From: a\r\n b\r\n", kMany) + u"X:").From, u"b");
+  EXPECT_EQ(ParseHeader(Repeat(u"Subject\r\n", kMany) + u"X:").Subject, u"");
+  EXPECT_EQ(Parse(Repeat(plain, kMany)).MessageBody.size(), 2 * kMany);
+  EXPECT_EQ(Parse(Repeat(plain + u"ab\r\n", kMany)).MessageBody.size(), 4 * kMany - 2);
+  EXPECT_EQ(Parse(Repeat(plain + u"Content-", kMany)).MessageBody.size(), 2 * kMany);
+  EXPECT_EQ(Parse(u"X:" + Repeat(u"\r\nContent-Type:", kMany) + u"\r\n\r\n").MessageBody, u"");
+  EXPECT_EQ(Parse(plain + Repeat(u"\r\n\r\r", kMany)).MessageBody, u"\r\n");
+}
+
+TEST_F(MessageTest, KeepsNoMoreMemoryThanItsTextsNeed) {
+  cMessage message = Parse(u"Subject: " + Text(100, u'a') + u"\r\n " + Text(100, u'b') +
+                           u"\r\nTo: \"" + Text(50, u'c') + u"\"\r\nReceived: " + Text(500, u'd') +
+                           u"\r\n " + Text(40, u'e') + u"\r\n\r\n" + Text(1000, u'f'));
+  for (const Text* text : {&message.Subject, &message.MessageTo, &message.Received,
+                           &message.Headers, &message.MessageBody}) {
+    EXPECT_EQ(text->capacity(), text->size());
+  }
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,37 @@
+#include <gtest/gtest.h>
+
+#include "message/mmFile.h"
+#include "support/FakeShell.h"
+
+namespace vesko {
+namespace {
+
+TEST(FileNameOfTest, TakesWhatIsBehindTheLastSeparator) {
+  const struct {
+    Text path;
+    Text name;
+  } kCases[] = {
+      {u"C:\\Program Files\\Mail\\mail.exe", u"mail.exe"},
+      {u"/usr/bin/mail", u"mail"},
+      {u"mail", u"mail"},
+      {u"", u""},
+      {u"/usr/bin/", u""},
+      {u"C:\\", u""},
+      {u"C:\\a/b", u"a/b"},
+      {u"a\\b/c\\d/e", u"d/e"},
+  };
+  for (const auto& row : kCases) EXPECT_EQ(FileNameOf(row.path), row.name);
+}
+
+TEST(FileExistsTest, IsTrueForFilesAlone) {
+  FakeShell shell;
+  shell.files = {u"C:\\a.wav"};
+  shell.folders = {u"C:\\folder"};
+  EXPECT_TRUE(FileExists(shell, u"C:\\a.wav"));
+  EXPECT_FALSE(FileExists(shell, u"C:\\folder"));
+  EXPECT_FALSE(FileExists(shell, u"C:\\missing"));
+  EXPECT_FALSE(FileExists(shell, u""));
+}
+
+}  // namespace
+}  // namespace vesko
