@@ -1,0 +1,109 @@
+#include "pop3/CheckRig.h"
+
+#include <stdexcept>
+
+#include "config/mmEncrypt.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+const Locale& SharedLocale() {
+  static const std::unique_ptr<Locale> locale = MakeTestLocale(949);
+  return *locale;
+}
+
+Text Ok(const Text& rest = {}) { return u"+OK" + rest + u"\r\n"; }
+
+}  // namespace
+
+Script Login() {
+  return Server(Ok(u" ready")) + Client(u"USER ann") + Server(Ok()) + Client(u"PASS secret") +
+         Server(Ok());
+}
+
+Script Stat(const Text& reply) { return Client(u"STAT") + Server(Ok(u" " + reply)); }
+
+Script Top(int number, const Text& content) {
+  return Client(u"TOP " + Decimal(number) + u" 5") + Server(Ok() + content + u".\r\n");
+}
+
+Script Dele(int number) { return Client(u"DELE " + Decimal(number)) + Server(Ok()); }
+
+Script Quit() { return Client(u"QUIT") + Server(Ok(u" bye")); }
+
+Script Mailbox(const std::vector<Text>& contents) {
+  Script script = Login() + Stat(Decimal(static_cast<int64_t>(contents.size())) + u" 999");
+  int number = 0;
+  for (const Text& content : contents) script = script + Top(++number, content);
+  return script + Quit();
+}
+
+Text Mail(const Text& name) {
+  return u"From: a@example.org\r\nSubject: " + name + u"\r\nMessage-ID: <" + name +
+         u"@example.org>\r\n\r\nbody\r\n";
+}
+
+std::string Asked(const std::string& last_command) {
+  return "ask: Checking mail is failed on 'pop.example.org'.\r\nLast command was '" + last_command +
+         "'.\r\nTry again ? \r\n [Quarnel]";
+}
+
+CheckRig::CheckRig()
+    : locale(SharedLocale()), run({socket, pump, clock, locale, configuration, mails, view}) {
+  configuration.DownLines = 5;
+  configuration.WaitTime = 20;
+  view.on_unload = [this] { run.WindowUnloaded(); };
+}
+
+void CheckRig::AddAccount(const Text& server, const Text& user, const Text& password) {
+  const Text scrambled = password.empty() ? Text() : Encrypt(password, locale);
+  Variant record = Join({u"Home", server, user, scrambled, u"110", u"1"}, kCrLf);
+  configuration.Accounts.Add(record);
+}
+
+std::shared_ptr<cMessage> CheckRig::AddMail(const Text& name, int number, const Text& user) {
+  auto message = std::make_shared<cMessage>(locale);
+  message->CreateFromText(Mail(name));
+  message->Server = u"pop.example.org";
+  message->SetIndex(number);
+  mails.Add(message, user);
+  return message;
+}
+
+void CheckRig::Run() {
+  view.unloaded = false;
+  run.Prepare();
+  run.Activate();
+}
+
+std::vector<std::string> CheckRig::Dialogs() const {
+  std::vector<std::string> dialogs;
+  for (const std::string& line : view.log) {
+    if (line.starts_with("error") || line.starts_with("ask") || line.starts_with("credentials")) {
+      dialogs.push_back(line);
+    }
+  }
+  return dialogs;
+}
+
+cMessage& CheckRig::Find(const Text& name) const {
+  cMessage* found = nullptr;
+  mails.ForEach([&](cMessage& message) {
+    if (Trim(message.Subject) == name) found = &message;
+    return !found;
+  });
+  if (!found) throw std::logic_error("no such message");
+  return *found;
+}
+
+std::vector<std::string> CheckRig::Mails() const {
+  std::vector<std::string> names;
+  mails.ForEach([&](const cMessage& message) {
+    names.push_back(Narrow(Trim(message.Subject)) + "#" + std::to_string(message.Index()));
+    return true;
+  });
+  return names;
+}
+
+}  // namespace vesko

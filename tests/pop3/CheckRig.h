@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config/Configuration.h"
+#include "maillist/colMails.h"
+#include "platform/Locale.h"
+#include "pop3/CheckRun.h"
+#include "support/FakeClock.h"
+#include "support/FakeProgressView.h"
+#include "support/FakePump.h"
+#include "support/ScriptedSocket.h"
+
+namespace vesko {
+
+/// Pieces of a conversation with the rig's account.
+Script Login();
+Script Stat(const Text& reply);  // behind "+OK "
+Script Top(int number, const Text& content);
+Script Dele(int number);
+Script Quit();
+
+/// The whole check of a mailbox that holds these contents, numbered from 1.
+Script Mailbox(const std::vector<Text>& contents);
+
+/// What TOP gives of a message: its subject is `name`, its identifier too.
+Text Mail(const Text& name);
+
+/// The retry question as the view notes it.
+std::string Asked(const std::string& last_command);
+
+/// A check with everything around it.
+struct CheckRig {
+  CheckRig();
+
+  void AddAccount(const Text& server = u"pop.example.org", const Text& user = u"ann",
+                  const Text& password = u"secret");
+
+  /// A message that an earlier check fetched.
+  std::shared_ptr<cMessage> AddMail(const Text& name, int number, const Text& user = u"ann");
+
+  /// One showing of the window, from preparation to its end.
+  void Run();
+
+  /// Boxes and questions, in their order.
+  std::vector<std::string> Dialogs() const;
+
+  /// The message with that subject.
+  cMessage& Find(const Text& name) const;
+
+  /// "subject#number" of every fetched message.
+  std::vector<std::string> Mails() const;
+
+  const Locale& locale;
+  FakeClock clock;
+  ScriptedSocket socket{clock};
+  FakePump pump{clock, socket};
+  FakeProgressView view;
+  Configuration configuration;
+  colMails mails;
+  CheckRun run;
+};
+
+}  // namespace vesko

@@ -1,0 +1,403 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "config/mmEncrypt.h"
+#include "pop3/CheckRig.h"
+
+namespace vesko {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+TEST(CheckRun, ShowsEachStep) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.AddAccount(u"pop.other.org", u"ann");
+  rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({}) + PeerCloses()};
+  rig.Run();
+  const Lines expected = {
+      "next: on",
+      "caption: Checking mail box of 'pop.example.org' ...",
+      "progress: Connecting 'pop.example.org' ...",
+      "lblCmd: Command: Connecting to pop.example.org",
+      "progress: Connecting 'pop.example.org' ...",
+      "progress: Connecting to pop.example.org ...",
+      "lblCmd: Command: USER ann",
+      "lblCmd: Command: PASS ******",
+      "lblCmd: Command: STAT",
+      "maximum: 2",
+      "value: 0",
+      "lblCmd: Command: TOP 1 5",
+      "progress: Checking mail 1/2 ... ",
+      "value: 1",
+      "lblCmd: Command: TOP 2 5",
+      "progress: Checking mail 2/2 ... ",
+      "value: 2",
+      "lblCmd: Command: QUIT",
+      "next: off",
+      "caption: Checking mail box of 'pop.other.org' ...",
+      "progress: Connecting 'pop.other.org' ...",
+      "lblCmd: Command: Connecting to pop.other.org",
+      "progress: Connecting 'pop.other.org' ...",
+      "progress: Connecting to pop.other.org ...",
+      "lblCmd: Command: USER ann",
+      "lblCmd: Command: PASS ******",
+      "lblCmd: Command: STAT",
+      "lblCmd: Command: QUIT",
+      "progress: 2 are in the mail boxes !!!",
+      "unload: ",
+  };
+  EXPECT_EQ(rig.view.log, expected);
+  EXPECT_EQ(rig.socket.connected, (Lines{"pop.example.org:110", "pop.other.org:110"}));
+  EXPECT_TRUE(rig.run.NewMail());
+}
+
+TEST(CheckRun, ShowsTheStateOfTheConnection) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.conversations = {After(1) + Server(u"+OK\r\n") + Client(u"USER ann") + PeerCloses()};
+  rig.Run();
+  const Lines progress = rig.view.Noted("progress");
+  for (const char* text :
+       {"Resolving host 'pop.example.org' ...", "Connecting 'pop.example.org' ...",
+        "Closing connection to 'pop.example.org' ..."}) {
+    EXPECT_TRUE(std::count(progress.begin(), progress.end(), text)) << text;
+  }
+  EXPECT_LT(rig.clock.now, 1002);  // a closed connection is not waited out
+}
+
+TEST(CheckRun, RunsOncePerPreparation) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({Mail(u"b")})};
+  rig.Run();
+  rig.run.Activate();
+  rig.Find(u"b").Read = true;
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"a#1", "b#1"}));  // the number of the last sight
+  EXPECT_TRUE(rig.Find(u"b").Read);
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+}
+
+TEST(CheckRun, LimitsSilenceOnly) {
+  struct Row {
+    double silence;
+    int32_t limit;
+    bool in_time;
+  };
+  for (const Row& row : std::vector<Row>{
+           {19.99, 20, true}, {20, 20, true}, {20.01, 20, false}, {0, 0, true}, {0.01, 0, false}}) {
+    SCOPED_TRACE(row.silence);
+    CheckRig rig;
+    rig.AddAccount();
+    rig.configuration.WaitTime = row.limit;
+    Script script = Server(u"+OK\r\n") + Client(u"USER ann") + After(row.silence) +
+                    Server(u"+OK\r\n") + Client(u"PASS secret") + After(row.silence) +
+                    Server(u"+OK\r\n") + Stat(u"0 0") + Quit();
+    rig.socket.conversations = {script};
+    rig.Run();
+    EXPECT_EQ(rig.Dialogs().empty(), row.in_time);
+    EXPECT_LT(rig.pump.turns, 150);  // it sleeps from label to label
+  }
+}
+
+TEST(CheckRun, CountsSecondsAndSleepsBetween) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.conversations = {Server(u"+OK\r\n") + Client(u"USER ann") + After(3.2) +
+                              Server(u"+OK\r\n") + Client(u"PASS secret")};
+  rig.configuration.WaitTime = 4;
+  rig.Run();
+  EXPECT_EQ(rig.view.Noted("time"), (Lines{"1 seconds", "2 seconds", "3 seconds", "0 seconds",
+                                           "1 seconds", "2 seconds", "3 seconds", "4 seconds"}));
+  EXPECT_LT(rig.pump.turns, 25);
+}
+
+TEST(CheckRun, TriesAgainUntilToldNo) {
+  CheckRig rig;
+  rig.AddAccount();
+  const Script refused = Login() + Client(u"STAT") + Server(u"-ERR\r\n");
+  rig.socket.conversations = {refused, refused, refused};
+  rig.view.answers = {0, -1, 1};  // yes, box closed, no
+  rig.Run();
+  EXPECT_EQ(rig.view.Noted("ask").size(), 3u);
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+}
+
+TEST(CheckRun, AsksForEveryAccountOnceACommandWasSent) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.AddAccount();
+  rig.socket.conversations = {Mailbox({}), Fails(kSocketConnectionRefused, u"No.")};
+  rig.Run();
+  EXPECT_EQ(rig.view.Noted("ask"), Lines{Asked("QUIT").substr(5)});
+}
+
+TEST(CheckRun, RestsBetweenUnaskedTries) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.failing_connects = 3;
+  rig.socket.conversations = {Mailbox({Mail(u"a")})};
+  rig.Run();
+  EXPECT_NEAR(rig.clock.now, 1003, 0.01);
+  EXPECT_EQ(rig.Mails(), Lines{"a#1"});
+  EXPECT_EQ(rig.Dialogs(), Lines{});
+}
+
+TEST(CheckRun, AsksForWhatAnAccountLacks) {
+  CheckRig rig;
+  rig.AddAccount(u"", u"bob", u"");
+  rig.socket.conversations = {Server(u"+OK\r\n") + Client(u"USER ann") + Server(u"-ERR\r\n")};
+  rig.view.on_credentials = [](Credentials& typed) {
+    typed = {u"pop.example.org", u"ann", u"s p", false};
+    return true;
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Dialogs(), (Lines{"credentials: /bob//saved", Asked("USER ann")}));
+  const std::vector<Text> fields = Split(ToText(rig.configuration.Accounts.Item(1)), kCrLf);
+  ASSERT_EQ(fields.size(), 6u);
+  EXPECT_EQ(Decrypt(fields[3], rig.locale), u"s p");
+  EXPECT_EQ(fields[5], u"0");
+}
+
+TEST(CheckRun, LeavesAnAccountWhoseDataAreNotGiven) {
+  CheckRig rig;
+  rig.AddAccount(u"pop.example.org", u"bob", u"");
+  rig.AddAccount();
+  rig.socket.conversations = {Mailbox({Mail(u"a")})};
+  rig.Run();
+  EXPECT_EQ(rig.Dialogs(), Lines{"credentials: pop.example.org/bob//saved"});
+  EXPECT_EQ(rig.Mails(), Lines{"a#1"});
+}
+
+TEST(CheckRun, TakesAPortThatIsNoNumberFor110) {
+  CheckRig rig;
+  rig.AddAccount();
+  const Text record = ToText(rig.configuration.Accounts.Item(1));
+  rig.configuration.Accounts.RepIace(1, ReplaceAll(record, u"110", u"pop3"));
+  rig.socket.conversations = {Mailbox({})};
+  rig.Run();
+  EXPECT_EQ(rig.socket.connected, Lines{"pop.example.org:110"});
+}
+
+// --- The user at any moment -------------------------------------------------------------------
+
+struct Press {
+  const char* name;
+  std::function<void(CheckRig&)> act;
+  bool ends_run;
+};
+
+std::vector<Press> Presses() {
+  return {{"Next", [](CheckRig& rig) { rig.run.Next(); }, false},
+          {"Cancel", [](CheckRig& rig) { rig.run.Cancel(); }, true},
+          {"close", [](CheckRig& rig) { rig.view.UnloadWindow(); }, true}};
+}
+
+/// Runs with one button pressed at a turn of the pump and another a turn later, which may well be
+/// while the first is still being handled. Returns the turns that the run took.
+int RunPressed(CheckRig& rig, int turn, const Press& first, const Press* second) {
+  size_t connected = 0;
+  bool ended = false;
+  rig.pump.on_turn = [&](int now) {
+    if (rig.view.unloaded) return;
+    const Press* press = now == turn ? &first : now == turn + 1 ? second : nullptr;
+    if (!press) return;
+    connected = rig.socket.connected.size();
+    ended = ended || press->ends_run;
+    press->act(rig);
+  };
+  rig.Run();
+  EXPECT_TRUE(!ended || rig.socket.connected.size() == connected);
+  EXPECT_EQ(rig.view.unloaded, true);
+  EXPECT_EQ(rig.view.Noted("unload").size(), 1u);
+  return rig.pump.turns;
+}
+
+void ExpectNothingLeft(CheckRig& rig) {
+  EXPECT_EQ(rig.Dialogs(), Lines{});
+  EXPECT_EQ(rig.socket.State(), SocketState::kClosed);
+  for (const std::string& fault : rig.socket.faults) EXPECT_EQ(fault, "out of turn: QUIT");
+  EXPECT_LE(rig.socket.faults.size(), 2u);
+  for (const std::string& line : rig.view.log) EXPECT_FALSE(line.starts_with("after")) << line;
+  rig.pump.on_turn = nullptr;
+  const size_t sent = rig.socket.sent.size();
+  rig.pump.RunPending(std::chrono::seconds(100));
+  EXPECT_EQ(rig.socket.sent.size(), sent);
+}
+
+void PressEverywhere(const std::function<void(CheckRig&)>& arrange,
+                     const std::function<void(CheckRig&, bool run_ended)>& expect) {
+  const std::vector<Press> presses = Presses();
+  for (const Press& first : presses) {
+    for (size_t second = 0; second <= presses.size(); ++second) {
+      for (int turn = 1, turns = turn; turn <= turns; ++turn) {
+        SCOPED_TRACE(std::string(first.name) + " at " + std::to_string(turn) + ", then " +
+                     (second ? presses[second - 1].name : "nothing"));
+        CheckRig rig;
+        rig.AddAccount();
+        rig.AddAccount(u"pop.other.org");
+        arrange(rig);
+        turns = RunPressed(rig, turn, first, second ? &presses[second - 1] : nullptr);
+        ExpectNothingLeft(rig);
+        expect(rig, first.ends_run);
+        if (testing::Test::HasFailure()) return;
+      }
+    }
+  }
+}
+
+bool Sent(const CheckRig& rig, const std::string& line) {
+  return std::count(rig.socket.sent.begin(), rig.socket.sent.end(), line) != 0;
+}
+
+TEST(Buttons, WorkAtEveryTurnOfACheck) {
+  PressEverywhere(
+      [](CheckRig& rig) {
+        // The name takes its time, and an unfinished reply keeps flowing after the press.
+        rig.socket.piece_size = 40;
+        rig.socket.conversations = {After(2) + Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({})};
+      },
+      [](CheckRig& rig, bool) { EXPECT_TRUE(!Sent(rig, "TOP 2 5") || rig.mails.Count() > 0); });
+}
+
+TEST(Buttons, WorkAtEveryTurnOfADeletion) {
+  PressEverywhere(
+      [](CheckRig& rig) {
+        for (const auto& message : {rig.AddMail(u"a", 1), rig.AddMail(u"b", 2)}) {
+          message->Spam = message->Delete = true;
+        }
+        const Script deletion = Login() + Stat(u"0 9") + Dele(1) + Dele(2) + Quit();
+        rig.socket.conversations = {deletion, Mailbox({}), Mailbox({})};
+      },
+      [](CheckRig& rig, bool run_ended) {
+        const bool gone = rig.mails.Count() == 0;
+        EXPECT_TRUE(!gone || Sent(rig, "QUIT"));
+        EXPECT_TRUE(!gone || !run_ended || Sent(rig, "DELE 2"));
+      });
+}
+
+TEST(Buttons, NextLeavesAServerThatRefusesUnasked) {
+  for (const Press& press : Presses()) {
+    CheckRig rig;
+    rig.AddAccount();
+    rig.socket.failing_connects = 1'000'000;
+    rig.pump.on_turn = [&](int turn) {
+      if (turn == 100) press.act(rig);
+    };
+    rig.Run();
+    EXPECT_LT(rig.pump.turns, 110) << press.name;
+    EXPECT_EQ(rig.Dialogs(), Lines{});
+  }
+}
+
+TEST(Buttons, NextLogsOutAndGoesOn) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.AddAccount(u"pop.other.org");
+  const Script interrupted = Login() + Stat(u"9 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") +
+                             Client(u"QUIT") + Server(u"half a message, no +OK");
+  rig.socket.conversations = {interrupted, Mailbox({Mail(u"z")})};
+  bool pressed = false;
+  rig.pump.on_turn = [&](int) {
+    if (rig.socket.sent.empty() || rig.socket.sent.back() != "TOP 2 5" || pressed) return;
+    pressed = true;
+    rig.run.Next();
+  };
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"a#1", "z#1"}));
+  EXPECT_EQ(rig.Dialogs(), Lines{});
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+}
+
+TEST(Buttons, ClosingDuringAQuestionEndsTheRun) {
+  for (bool at_error : {false, true}) {
+    CheckRig rig;
+    rig.AddAccount(u"pop.example.org", u"ann", at_error ? u"secret" : u"");
+    rig.socket.conversations = {Mailbox({})};
+    rig.view.on_credentials = [&](Credentials& typed) {
+      typed.password = u"secret";
+      rig.view.UnloadWindow();
+      return true;
+    };
+    if (at_error)
+      rig.pump.on_turn = [&](int turn) {
+        if (turn == 3) rig.run.WindowUnloaded();
+      };
+    rig.Run();
+    EXPECT_EQ(rig.socket.sent, Lines{});
+    EXPECT_TRUE(rig.run.Cancelled());
+  }
+}
+
+// --- Deletion ---------------------------------------------------------------------------------
+
+struct DeletionRig : CheckRig {
+  DeletionRig() {
+    AddAccount();
+    for (const auto& message : {AddMail(u"a", 3), AddMail(u"b", 5), AddMail(u"c", 7, u"bob")}) {
+      message->Spam = message->Delete = true;
+    }
+    AddMail(u"kept", 1);
+  }
+};
+
+TEST(Deletion, DeletesByNumberWhatTheAccountFetched) {
+  DeletionRig rig;
+  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"c#7", "kept#1"}));
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+  const Lines progress = rig.view.Noted("progress");
+  for (const char* text : {"Connecting to 'pop.example.org' ...", "Deleting mail 1/2 ... ",
+                           "Deleting mail 2/2 ... ", "SPAM mails are deleted !!!"}) {
+    EXPECT_TRUE(std::count(progress.begin(), progress.end(), text)) << text;
+  }
+  EXPECT_EQ(rig.view.Noted("caption")[0], "Deleting SPAM mail of 'pop.example.org' ...");
+  EXPECT_EQ(rig.view.Noted("value"), (Lines{"0", "1", "2"}));
+}
+
+TEST(Deletion, NeedsASpamMarkSomewhereAndConnectsOnlyWhereNeeded) {
+  for (bool spam : {false, true}) {
+    CheckRig rig;
+    rig.AddAccount();
+    rig.AddMail(u"a", 3)->Delete = !spam;
+    rig.AddMail(u"b", 4)->Spam = spam;
+    rig.socket.conversations = {Mailbox({})};
+    rig.Run();
+    EXPECT_EQ(rig.mails.Count(), 2u);
+    EXPECT_EQ(rig.socket.Unused(), 0u);
+    EXPECT_EQ(rig.view.Noted("progress")[0] == "Connecting to 'pop.example.org' ...", spam);
+  }
+}
+
+TEST(Deletion, KeepsMessagesWhereTheSessionFailed) {
+  const Script failing = Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Server(u"-ERR\r\n");
+  DeletionRig rig;
+  rig.socket.conversations = {failing, failing, Mailbox({Mail(u"b")})};
+  rig.view.answers = {0, 1};
+  rig.Run();
+  EXPECT_EQ(rig.view.Noted("ask").size(), 2u);
+  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "c#7", "kept#1"}));  // the check fetches all the same
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_TRUE(rig.Find(u"a").Delete);
+}
+
+TEST(Deletion, RetriesWithTheSameList) {
+  DeletionRig rig;
+  rig.socket.conversations = {Login() + Stat(u"9 9") + Client(u"DELE 3") + PeerCloses(),
+                              Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})};
+  rig.view.answers = {0};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"c#7", "kept#1"}));
+  EXPECT_EQ(rig.socket.faults, Lines{});
+}
+
+}  // namespace
+}  // namespace vesko

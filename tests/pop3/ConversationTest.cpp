@@ -1,0 +1,227 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "pop3/CheckRig.h"
+
+namespace vesko {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// A check of one account, written down.
+struct Conversation {
+  const char* name;
+  std::vector<Script> connections;
+  Lines dialogs;  // the retry question is answered with no
+  Lines mails;
+};
+
+std::string Box(const std::string& text) { return "error: " + text + " [pop.example.org]"; }
+
+const Text kNo = u"-ERR no\r\n";
+const std::string kNoBox = Box("POP3 Error: -ERR no\r\n");
+
+Script Fetched(const Text& stat_reply) { return Login() + Stat(stat_reply); }
+
+std::vector<Conversation> Conversations() {
+  const Script one = Mailbox({Mail(u"a")});
+  return {
+      {"empty mailbox", {Fetched(u"0 0") + Quit()}, {}, {}},
+      {"three messages",
+       {Mailbox({Mail(u"a"), Mail(u"b"), Mail(u"c")})},
+       {},
+       {"a#1", "b#2", "c#3"}},
+      {"one message twice", {Mailbox({Mail(u"a"), Mail(u"a")})}, {}, {"a#1"}},
+      {"malformed date keeps the message",
+       {Mailbox({u"Subject: a\r\nDate: nonsense\r\n\r\n", Mail(u"b")})},
+       {},
+       {"a#1", "b#2"}},
+      {"empty and strange contents",
+       {Mailbox({u"", u"\r\n", Text(u"\0\xFF\xD800:\n..\r\n", 9), Mail(u"d")})},
+       {},
+       {"#1", "d#4"}},  // without an identifier the first counts
+      {"dots at line starts", {Mailbox({Mail(u"a") + u"..\r\n.x\r\n"})}, {}, {"a#1"}},
+      {"count without a space behind it", {Fetched(u"3") + Quit()}, {}, {}},
+      {"no count", {Fetched(u"") + Quit()}, {}, {}},
+      {"count behind two spaces", {Fetched(u" 3 9") + Quit()}, {}, {}},
+      {"count that is no number", {Fetched(u"many 9") + Quit()}, {}, {}},
+      {"count above 16 bits", {Fetched(u"32768 9") + Quit()}, {}, {}},
+      {"negative count", {Fetched(u"-1 9") + Quit()}, {}, {}},
+      {"count rounded to even", {Fetched(u"0.5 9") + Quit()}, {}, {}},
+      {"shortest replies", {Login() + Client(u"STAT") + Server(u"+\r\n") + Quit()}, {}, {}},
+      {"greeting refused, then retried unasked", {Server(kNo), one}, {kNoBox}, {"a#1"}},
+      {"greeting of line ends, then retried unasked",
+       {Server(u"\r\n"), one},
+       {Box("POP3 Error: \r\n")},
+       {"a#1"}},
+      {"user refused without a box",
+       {Server(u"+OK\r\n") + Client(u"USER ann") + Server(kNo)},
+       {Asked("USER ann")},
+       {}},
+      {"password refused without a box",
+       {Server(u"+OK\r\n") + Client(u"USER ann") + Server(u"+OK\r\n") + Client(u"PASS secret") +
+        Server(kNo)},
+       {Asked("PASS ******")},
+       {}},
+      {"STAT refused", {Login() + Client(u"STAT") + Server(kNo)}, {kNoBox, Asked("STAT")}, {}},
+      {"refusal without a line end",
+       {Login() + Client(u"STAT") + Server(u"-ERR \xE9") + PeerCloses()},
+       {Box("POP3 Error: -ERR ?"), Asked("STAT")},
+       {}},
+      {"TOP refused is waited out",
+       {Fetched(u"2 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") + Server(kNo)},
+       {Asked("TOP 2 5")},
+       {"a#1"}},
+      {"QUIT refused", {Fetched(u"0 0") + Client(u"QUIT") + Server(kNo)}, {kNoBox}, {}},
+      {"QUIT not answered", {Fetched(u"0 0") + Client(u"QUIT")}, {}, {}},
+      {"closed after QUIT", {Fetched(u"0 0") + Client(u"QUIT") + PeerCloses()}, {}, {}},
+      {"closed within a message",
+       {Fetched(u"2 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") + Server(u"+OK\r\nSubject: b") +
+        PeerCloses()},
+       {Asked("TOP 2 5")},
+       {"a#1"}},
+      {"closed behind the whole message",
+       {Fetched(u"1 9") + Top(1, Mail(u"a")) + Client(u"QUIT") + PeerCloses()},
+       {},
+       {"a#1"}},
+      {"closed by a silent server, then retried unasked", {PeerCloses(), one}, {}, {"a#1"}},
+      {"reset",
+       {Login() + Client(u"STAT") + Fails(kSocketConnectionReset, u"Gone.")},
+       {Box("Winsock Error: #10054\r\nGone."), Asked("STAT")},
+       {}},
+      {"refused, then retried unasked",
+       {Fails(kSocketConnectionRefused, u"No."), one},
+       {Box("Winsock Error: #10061\r\nNo.")},
+       {"a#1"}},
+      {"no such host asks though nothing was sent",
+       {Fails(kSocketHostNotFound, u"Who?")},
+       {Box("Who?"), Asked("")},
+       {}},
+  };
+}
+
+size_t ServerText(const Conversation& conversation) {
+  size_t most = 0;
+  for (const Script& script : conversation.connections) {
+    size_t size = 0;
+    for (const Step& step : script.steps) {
+      if (step.kind == Step::Kind::kServer) size += step.text.size();
+    }
+    most = std::max(most, size);
+  }
+  return most;
+}
+
+void ExpectAsWritten(const Conversation& conversation,
+                     const std::function<void(ScriptedSocket&)>& arrange) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.conversations.assign(conversation.connections.begin(), conversation.connections.end());
+  arrange(rig.socket);
+  rig.Run();
+  EXPECT_EQ(rig.Dialogs(), conversation.dialogs);
+  EXPECT_EQ(rig.Mails(), conversation.mails);
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+  EXPECT_EQ(rig.socket.State(), SocketState::kClosed);
+  EXPECT_TRUE(rig.view.unloaded);
+}
+
+TEST(Conversation, GoesAsWrittenHoweverItIsCut) {
+  for (const Conversation& conversation : Conversations()) {
+    SCOPED_TRACE(conversation.name);
+    for (size_t piece : {Text::npos, size_t{1}, size_t{2}, size_t{3}, size_t{7}}) {
+      SCOPED_TRACE(piece);
+      ExpectAsWritten(conversation, [&](ScriptedSocket& socket) { socket.piece_size = piece; });
+    }
+    ExpectAsWritten(conversation,
+                    [](ScriptedSocket& socket) { socket.closes_with_last_piece = true; });
+    for (size_t cut = 1; cut < ServerText(conversation); ++cut) {
+      SCOPED_TRACE(cut);
+      ExpectAsWritten(conversation, [&](ScriptedSocket& socket) { socket.cut_at = cut; });
+      if (HasFailure()) return;
+    }
+    if (HasFailure()) return;
+  }
+}
+
+/// The conversation up to so much of the server's text and the command that answers it.
+Script ClosedAfter(const Script& script, size_t text) {
+  Script cut;
+  for (Step step : script.steps) {
+    if (step.kind == Step::Kind::kServer) {
+      if (text == 0) break;
+      step.text.resize(std::min(step.text.size(), text));
+      text -= step.text.size();
+    }
+    cut.steps.push_back(step);
+    if (!step.text.ends_with(u"\r\n") && step.kind == Step::Kind::kServer) break;
+  }
+  return cut + PeerCloses();
+}
+
+TEST(Conversation, ServerMayCloseAtAnyByte) {
+  const Conversation whole{"", {Mailbox({Mail(u"a"), Mail(u"b")})}, {}, {}};
+  const size_t up_to_first = ServerText({"", {Fetched(u"2 999") + Top(1, Mail(u"a"))}, {}, {}});
+  const size_t up_to_second = up_to_first + Top(2, Mail(u"b")).steps[1].text.size();
+  for (size_t text = 0; text < ServerText(whole); ++text) {
+    SCOPED_TRACE(text);
+    CheckRig rig;
+    rig.AddAccount();
+    rig.socket.closes_with_last_piece = text % 2 == 0;
+    rig.socket.conversations = {ClosedAfter(whole.connections[0], text)};
+    if (text < Login().steps[0].text.size()) rig.socket.conversations.push_back(Mailbox({}));
+    rig.Run();
+    EXPECT_EQ(rig.mails.Count(), (text >= up_to_first) + (text >= up_to_second));
+    EXPECT_EQ(rig.socket.State(), SocketState::kClosed);
+    EXPECT_LE(rig.Dialogs().size(), 1u);
+    EXPECT_EQ(rig.socket.faults, Lines{});
+  }
+}
+
+TEST(Conversation, GoesOnWhereACommandCannotBeSent) {
+  for (size_t send = 0; send < 6; ++send) {
+    CheckRig rig;
+    rig.AddAccount();
+    rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")})};
+    rig.socket.failing_send = send;
+    rig.Run();
+    EXPECT_EQ(rig.mails.Count(), send < 4 ? 0 : send - 3);
+    EXPECT_EQ(rig.Dialogs().size(), send < 5 ? 1 : 0);  // QUIT ends a session even so
+    EXPECT_LT(rig.clock.now, 1000 + 21);
+  }
+}
+
+TEST(Conversation, TakesLinesAndMessagesOfAnySize) {
+  CheckRig rig;
+  rig.AddAccount();
+  const Text line = Text(1'000'000, u'x') + u"\r\n";
+  rig.socket.conversations = {Mailbox({Mail(u"a") + line + line})};
+  rig.socket.conversations[0].steps[0].text = u"+OK " + line;  // the greeting
+  rig.socket.piece_size = 1000;
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), Lines{"a#1"});
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+}
+
+TEST(Conversation, CountsTo16Bits) {
+  CheckRig rig;
+  rig.AddAccount();
+  Script& script = rig.socket.conversations.emplace_back(Fetched(u"32767 9"));
+  for (int i = 1; i <= 32767; ++i) {
+    for (const Step& step : Top(i, u"\r\n").steps) script.steps.push_back(step);
+  }
+  script = script + Quit();
+  rig.Run();
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+  EXPECT_EQ(rig.view.Noted("value").back(), "32767");
+}
+
+}  // namespace
+}  // namespace vesko
