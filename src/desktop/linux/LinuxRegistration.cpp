@@ -41,8 +41,10 @@ bool RemoveClassFile(const std::string& folder, const std::string& library) {
   if (entry && entry->library != library) return true;
   std::error_code failure;
   fs::remove(path, failure);
+  // The folders go with the last file in them.
   std::error_code not_empty;
   fs::remove(folder, not_empty);
+  fs::remove(fs::path(folder).parent_path(), not_empty);
   return !failure;
 }
 

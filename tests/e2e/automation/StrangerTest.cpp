@@ -23,7 +23,7 @@ struct Outcome {
 };
 
 /// Runs a command line in the shell, errors among its output.
-Outcome Run(const std::string& command) {
+Outcome RunCommand(const std::string& command) {
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
   std::string output;
   char piece[4096];
@@ -69,7 +69,7 @@ class StrangerTest : public testing::Test {
 };
 
 TEST_F(StrangerTest, TheLibraryShowsItsEntryPointsAndNothingElse) {
-  const Outcome symbols = Run("nm -D --defined-only --format=just-symbols " VESKO_LIBRARY);
+  const Outcome symbols = RunCommand("nm -D --defined-only --format=just-symbols " VESKO_LIBRARY);
   EXPECT_EQ(symbols.output,
             "DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer\n");
 }
@@ -114,14 +114,14 @@ TEST_F(StrangerTest, WhatARegistrationNamesIsChecked) {
 TEST_F(StrangerTest, AHiveThatCannotBeWrittenIsAnError) {
   std::ofstream(home_ / "VeskoEx") << "in the folder's place";
   EXPECT_EQ(Call("DllRegisterServer"), SELFREG_E_CLASS);
-  EXPECT_EQ(Run(VESKO_REGISTER " " VESKO_LIBRARY).status, 1);
+  EXPECT_EQ(RunCommand(VESKO_REGISTER " " VESKO_LIBRARY).status, 1);
   EXPECT_FALSE(host::FindClass(kProgId));
 }
 
 TEST_F(StrangerTest, TheExampleRuns) {
-  EXPECT_EQ(Run(VESKO_EXAMPLE).output, "VeskoEx.cVeskoEx is not registered (0x80040154)\n");
-  ASSERT_EQ(Run(VESKO_REGISTER " " VESKO_LIBRARY).status, 0);
-  Outcome run = Run(VESKO_EXAMPLE);
+  EXPECT_EQ(RunCommand(VESKO_EXAMPLE).output, "VeskoEx.cVeskoEx is not registered (0x80040154)\n");
+  ASSERT_EQ(RunCommand(VESKO_REGISTER " " VESKO_LIBRARY).status, 0);
+  Outcome run = RunCommand(VESKO_EXAMPLE);
   EXPECT_EQ(run.output, "minutes between checks: -1\n");
   EXPECT_EQ(run.status, 0);
 
@@ -132,14 +132,14 @@ TEST_F(StrangerTest, TheExampleRuns) {
       "env QT_QPA_PLATFORM=nonsense ",
   };
   for (const char* environment : kNoDisplays) {
-    run = Run(environment + std::string(VESKO_EXAMPLE));
+    run = RunCommand(environment + std::string(VESKO_EXAMPLE));
     EXPECT_EQ(run.output, "windows cannot be shown here: no display (0x800705B3)\n") << environment;
     EXPECT_EQ(run.status, 1);
   }
-  EXPECT_EQ(Run("env QT_QPA_PLATFORM='nonsense;offscreen' " VESKO_EXAMPLE).status, 0);
+  EXPECT_EQ(RunCommand("env QT_QPA_PLATFORM='nonsense;offscreen' " VESKO_EXAMPLE).status, 0);
 
-  EXPECT_EQ(Run(VESKO_REGISTER " --unregister " VESKO_LIBRARY).status, 0);
-  EXPECT_EQ(Run(VESKO_EXAMPLE).status, 1);
+  EXPECT_EQ(RunCommand(VESKO_REGISTER " --unregister " VESKO_LIBRARY).status, 0);
+  EXPECT_EQ(RunCommand(VESKO_EXAMPLE).status, 1);
 }
 
 TEST_F(StrangerTest, TheRegisteringProgramRefusesWhatItDoesNotUnderstand) {
@@ -149,7 +149,8 @@ TEST_F(StrangerTest, TheRegisteringProgramRefusesWhatItDoesNotUnderstand) {
   } rows[] = {
       {" --all", 2}, {" a.so b.so", 2}, {" ''", 2}, {" /nowhere/libVeskoEx.so", 1}, {" /", 1}};
   for (const auto& row : rows) {
-    EXPECT_EQ(Run(VESKO_REGISTER + std::string(row.arguments)).status, row.status) << row.arguments;
+    EXPECT_EQ(RunCommand(VESKO_REGISTER + std::string(row.arguments)).status, row.status)
+        << row.arguments;
   }
   EXPECT_TRUE(fs::is_empty(home_));
 }
