@@ -93,13 +93,11 @@ TEST(TextNumbers, ReadsWhatAutomationReads) {
   const struct {
     Text text;
     std::optional<double> value;
-  } kCases[] = {
-      {u"0", 0},      {u" +12 ", 12},     {u"-1.5", -1.5}, {u".5", 0.5}, {u"5.", 5},
-      {u"1e3", 1000}, {u"1.5E-2", 0.015}, {u"1e-400", 0},  {u"", {}},    {u" ", {}},
-      {u".", {}},     {u"-", {}},         {u"+-1", {}},    {u"1 2", {}}, {u"1e", {}},
-      {u"1e+", {}},   {u"1.2.3", {}},     {u"0x10", {}},   {u"inf", {}}, {u"nan", {}},
-      {u"\t1", {}},   {u"\u0661", {}},
-  };
+  } kCases[] = {{u"0", 0},      {u" +12 ", 12},     {u"-1.5", -1.5}, {u".5", 0.5}, {u"5.", 5},
+                {u"1e3", 1000}, {u"1.5E-2", 0.015}, {u"1e-400", 0},  {u"", {}},    {u" ", {}},
+                {u".", {}},     {u"-", {}},         {u"+-1", {}},    {u"1 2", {}}, {u"1e", {}},
+                {u"1e+", {}},   {u"1.2.3", {}},     {u"0x10", {}},   {u"inf", {}}, {u"nan", {}},
+                {u"\t1", {}},   {u"\u0661", {}}};
   for (const auto& row : kCases) {
     EXPECT_EQ(IsNumeric(row.text), row.value.has_value()) << ::testing::PrintToString(row.text);
     if (row.value) {

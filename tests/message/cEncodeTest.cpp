@@ -3,6 +3,8 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <utility>
+#include <vector>
 
 #include "base/RunTimeError.h"
 #include "message/cEncode.h"
@@ -11,6 +13,7 @@
 namespace vesko {
 namespace {
 
+const Text kNul(1, u'\0');
 constexpr int32_t kFirstCode = ConvStrip8Bit;
 constexpr int32_t kLastCode = ConvEbcdicToAscii;
 
@@ -30,6 +33,14 @@ class EncodeTest : public ::testing::Test {
 
   static Text TextIn(int code_page, const Variant& data, int32_t code) {
     return std::get<Text>(ConvIn(code_page, data, code));
+  }
+
+  // Pairs of text and what it becomes.
+  static void ExpectAll(int code_page, int32_t code,
+                        const std::vector<std::pair<Text, Text>>& rows) {
+    for (const auto& [from, to] : rows) {
+      EXPECT_EQ(TextIn(code_page, from, code), to) << ::testing::PrintToString(from);
+    }
   }
 
   static int32_t ErrorIn(int code_page, const Text& data, int32_t code) {
@@ -58,104 +69,85 @@ TEST_F(EncodeTest, UnknownCodesGiveEmpty) {
   }
 }
 
-struct TextCase {
-  int32_t code;
-  Text from;
-  Text to;
-  int code_page = 949;
-};
-
-void PrintTo(const TextCase& row, std::ostream* out) {
-  *out << row.code << " of " << ::testing::PrintToString(row.from);
+TEST_F(EncodeTest, Base64PadsWithNul) {
+  ExpectAll(949, ConvBase64Encode,
+            {{u"Hello", u"SGVsbG8A"},
+             {u"a", u"YQAA"},
+             {u"abc", u"YWJj"},
+             // Four bytes of three characters: the second group is filled up.
+             {u"\uAC00ab", u"sKFhYgAA"}});
 }
 
-class EncodeTextTest : public ::testing::TestWithParam<TextCase> {};
-
-TEST_P(EncodeTextTest, Converts) {
-  Variant result =
-      cEncode(LocaleOf(GetParam().code_page)).Conv(GetParam().from, GetParam().code, 0);
-  EXPECT_EQ(std::get<Text>(result), GetParam().to);
+TEST_F(EncodeTest, Base64IsDecodedWhateverItsPadIs) {
+  ExpectAll(949, ConvBase64Decode,
+            {{u"SGVsbG8=", u"Hello"},
+             {u"SGVsbG8", u"Hello"},
+             {u"  SGVs\r\nbG8= ", u"Hello"},
+             {u"QQ", u"A"},
+             {u"QQ=", u"A"},
+             {u"QQ==", u"A"},
+             {u"QUJD=", u"ABC"},
+             {u"QUJD==", u"ABC"},
+             {u"QUJD===", u"ABC"},
+             {u"Q", u"@"},
+             {u"   ", u""},
+             {u"\r\n", u""},
+             {u"====", kNul},
+             {u"QU JD", u"A@\x09\x0C"},
+             {u"sKE=", u"\uAC00"},
+             // Two bytes to a character: these characters are eleven bytes, two full groups.
+             {u"QUJD\uAC00\uAC01\uAC02A", u"ABCABC"}});
+  ExpectAll(1252, ConvBase64Decode,
+            {{u"SGVs\nbG8", u"Hel\u0001\xB1\xBC"},
+             {u"\u00E9UJD", u"\u0001BC"},
+             // The table lacks the byte: its place keeps what it had in the group before.
+             {u"QUJD\u00E9UJD", u"ABCABC"}});
+  ExpectAll(kCodePageUtf8, ConvBase64Decode, {{u"w6Q=", u"\u00E4"}});
 }
 
-const TextCase kBase64Rows[] = {
-    {ConvBase64Encode, u"Hello", u"SGVsbG8A"},
-    {ConvBase64Encode, u"a", u"YQAA"},
-    {ConvBase64Encode, u"abc", u"YWJj"},
-    // Four bytes of three characters: the second group is filled up.
-    {ConvBase64Encode, u"\uAC00ab", u"sKFhYgAA"},
-    {ConvBase64Decode, u"SGVsbG8=", u"Hello"},
-    {ConvBase64Decode, u"SGVsbG8", u"Hello"},
-    {ConvBase64Decode, u"  SGVs\r\nbG8= ", u"Hello"},
-    {ConvBase64Decode, u"SGVs\nbG8", u"Hel\u0001\xB1\xBC", 1252},
-    {ConvBase64Decode, u"QQ", u"A"},
-    {ConvBase64Decode, u"QQ=", u"A"},
-    {ConvBase64Decode, u"QQ==", u"A"},
-    {ConvBase64Decode, u"QUJD=", u"ABC"},
-    {ConvBase64Decode, u"QUJD==", u"ABC"},
-    {ConvBase64Decode, u"QUJD===", u"ABC"},
-    {ConvBase64Decode, u"Q", u"@"},
-    {ConvBase64Decode, u"   ", u""},
-    {ConvBase64Decode, u"\r\n", u""},
-    {ConvBase64Decode, u"====", Text(1, u'\0')},
-    {ConvBase64Decode, u"QU JD", u"A@\x09\x0C"},
-    {ConvBase64Decode, u"sKE=", u"\uAC00"},
-    {ConvBase64Decode, u"w6Q=", u"\u00E4", kCodePageUtf8},
-    // No entry for the byte of é: the first place keeps the Q of the group before.
-    {ConvBase64Decode, u"QUJD\u00E9UJD", u"ABCABC", 1252},
-    {ConvBase64Decode, u"\u00E9UJD", u"\u0001BC", 1252},
-    // Two bytes to a character: these characters are eleven bytes, two full groups.
-    {ConvBase64Decode, u"QUJD\uAC00\uAC01\uAC02A", u"ABCABC"},
-};
-INSTANTIATE_TEST_SUITE_P(Base64, EncodeTextTest, ::testing::ValuesIn(kBase64Rows));
+TEST_F(EncodeTest, QuotedPrintableEscapesAllAndReadsWhatItCan) {
+  ExpectAll(949, ConvQPEncode, {{u"Hi", u"=48=69"}, {u"\n\uAC00=", u"=0A=B0=A1=3D"}});
+  ExpectAll(949, ConvQPDecode,
+            {{u"a_b=3Dc", u"a b=c"},
+             {u"=3d=3D", u"=="},
+             {u"=B0=A1x", u"\uAC00x"},
+             {u"=B0?A1x", u"\uAC00x"},
+             {u"=\r\nx", kNul + u"x"},
+             {u"=4", u"\u0004"},
+             {u"=4Gx", u"\u0004x"},
+             {u"=G4x", kNul + u"x"},
+             {u"a=", u"a" + kNul},
+             {u"=7F\u00E4", u"\u007F\u00E4"}});
+  ExpectAll(kCodePageUtf8, ConvQPDecode,
+            {{u"=C3=A4=E2=82=AC=F0=9F=98=80!", u"\u00E4\u20AC\U0001F600!"}, {u"=80", u"\uFFFD"}});
+}
 
-const TextCase kQuotedPrintableRows[] = {
-    {ConvQPEncode, u"Hi", u"=48=69"},
-    {ConvQPEncode, u"\n\uAC00=", u"=0A=B0=A1=3D"},
-    {ConvQPDecode, u"a_b=3Dc", u"a b=c"},
-    {ConvQPDecode, u"=3d=3D", u"=="},
-    {ConvQPDecode, u"=B0=A1x", u"\uAC00x"},
-    {ConvQPDecode, u"=B0?A1x", u"\uAC00x"},
-    {ConvQPDecode, u"=\r\nx", Text(1, u'\0') + u"x"},
-    {ConvQPDecode, u"=4", u"\u0004"},
-    {ConvQPDecode, u"=4Gx", u"\u0004x"},
-    {ConvQPDecode, u"=G4x", Text(1, u'\0') + u"x"},
-    {ConvQPDecode, u"a=", u"a" + Text(1, u'\0')},
-    {ConvQPDecode, u"=7F\u00E4", u"\u007F\u00E4"},
-    {ConvQPDecode, u"=C3=A4=E2=82=AC=F0=9F=98=80!", u"\u00E4\u20AC\U0001F600!", kCodePageUtf8},
-    {ConvQPDecode, u"=80", u"\uFFFD", kCodePageUtf8},
-};
-INSTANTIATE_TEST_SUITE_P(QuotedPrintable, EncodeTextTest,
-                         ::testing::ValuesIn(kQuotedPrintableRows));
+TEST_F(EncodeTest, UuTakesMissingCharactersForSpacesAndWrapsAround) {
+  ExpectAll(949, ConvUUEncode, {{u"Cat", u"0V%T"}, {u"C", u"0P  "}});
+  ExpectAll(1252, ConvUUDecode,
+            {{u" 0V\r\n%T ", u"Cat"},
+             {u"0P``", u"C" + kNul + kNul},
+             {u"0P", u"C" + kNul + kNul},
+             {u"\t!!!", u"\xA4\x10\x41"},
+             {u"a!!!", u"\u0004\x10\x41"}});
+}
 
-const TextCase kOtherRows[] = {
-    {ConvUUEncode, u"Cat", u"0V%T"},
-    {ConvUUEncode, u"C", u"0P  "},
-    {ConvUUDecode, u" 0V\r\n%T ", u"Cat"},
-    {ConvUUDecode, u"0P``", u"C" + Text(2, u'\0')},
-    {ConvUUDecode, u"0P", u"C" + Text(2, u'\0')},
-    // Characters below the space and above the alphabet wrap around.
-    {ConvUUDecode, u"\t!!!", u"\xA4\x10\x41", 1252},
-    {ConvUUDecode, u"a!!!", u"\u0004\x10\x41", 1252},
-    {ConvReverse, u"ab\uAC00", u"\uAC00ba"},
-    {ConvStrip8Bit, u"a\u00E9\u20AC", u"ai" + Text(1, u'\0'), 1252},
-    {ConvAnsiRoundTrip, u"a\u20AC\uAC00", u"a\u20AC?", 1252},
-    {ConvAsciiToEbcdic, u"A", u"\u00C1", 1252},
-    {ConvAsciiToEbcdic, u"!", u"O", 1252},
-    {ConvAsciiToEbcdic, u"[]^|~a0", u"JZ_j\u00A1\u0081\u00F0", 1252},
-    {ConvEbcdicToAscii, u"JZ_j", u"[]^|", 1252},
-    {ConvUpperCase, u"a\u00E4", u"A\u00C4"},
-    {ConvLowerCase, u"A\u00C4", u"a\u00E4"},
-    {ConvProperCase, u"hELLO wORLD", u"Hello World"},
-    {ConvFromUnicode, u"ABC\uAC00", u"\u4241\uB043\u00A1"},
-    {ConvUnicode, u"\u4241\uB043\u00A1", u"ABC\uAC00"},
-};
-INSTANTIATE_TEST_SUITE_P(Others, EncodeTextTest, ::testing::ValuesIn(kOtherRows));
+TEST_F(EncodeTest, ConvertsCharactersOneByOne) {
+  ExpectAll(949, ConvReverse, {{u"ab\uAC00", u"\uAC00ba"}});
+  ExpectAll(949, ConvUpperCase, {{u"a\u00E4", u"A\u00C4"}});
+  ExpectAll(949, ConvProperCase, {{u"hELLO wORLD", u"Hello World"}});
+  ExpectAll(949, ConvFromUnicode, {{u"ABC\uAC00", u"\u4241\uB043\u00A1"}});
+  ExpectAll(949, ConvUnicode, {{u"\u4241\uB043\u00A1", u"ABC\uAC00"}});
+  ExpectAll(1252, ConvStrip8Bit, {{u"a\u00E9\u20AC", u"ai" + kNul}});
+  ExpectAll(1252, ConvAnsiRoundTrip, {{u"a\u20AC\uAC00", u"a\u20AC?"}});
+}
 
 TEST_F(EncodeTest, EbcdicIsAOneToOneMapping) {
   Text all;
   for (int byte = 1; byte < 256; ++byte) all += TextIn(1252, ByteArray{uint8_t(byte)}, ConvUnicode);
   Text ebcdic = TextIn(1252, all, ConvAsciiToEbcdic);
-  EXPECT_NE(ebcdic, all);
+  ExpectAll(1252, ConvAsciiToEbcdic,
+            {{u"A!", u"\u00C1O"}, {u"[]^|~a0", u"JZ_j\u00A1\u0081\u00F0"}});
   EXPECT_EQ(TextIn(1252, ebcdic, ConvEbcdicToAscii), all);
   EXPECT_EQ(TextIn(1252, TextIn(1252, all, ConvEbcdicToAscii), ConvAsciiToEbcdic), all);
 }

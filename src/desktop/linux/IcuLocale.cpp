@@ -70,6 +70,24 @@ char16_t FoldAscii(char16_t c) {
   return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
 }
 
+Text FoldSimply(TextView text) {
+  Text folded(text);
+  for (size_t i = 0; i < folded.size();) {
+    if (folded[i] < 128) {
+      folded[i] = FoldAscii(folded[i]);
+      ++i;
+      continue;
+    }
+    size_t start = i;
+    UChar32 c;
+    U16_NEXT(folded.data(), i, folded.size(), c);
+    UChar32 simple = u_foldCase(c, U_FOLD_CASE_DEFAULT);
+    if (U16_LENGTH(simple) != U16_LENGTH(c)) continue;
+    U16_APPEND_UNSAFE(folded.data(), start, simple);
+  }
+  return folded;
+}
+
 icu::UnicodeString Transliterate(const char* rules, TextView text) {
   icu::UnicodeString mapped(text.data(), static_cast<int32_t>(text.size()));
   UErrorCode status = U_ZERO_ERROR;
@@ -90,6 +108,30 @@ Text ShiftKana(TextView text, char16_t first, char16_t last, char16_t marks, int
   return shifted;
 }
 
+MonthName MakeMonthName(const icu::UnicodeString& name, int month) {
+  Text folded = FoldSimply(Copy(name));
+  if (folded.ends_with(u'.')) folded.pop_back();
+  return {std::move(folded), month};
+}
+
+std::vector<MonthName> MonthNames(const icu::Locale& locale) {
+  using Symbols = icu::DateFormatSymbols;
+  std::vector<MonthName> own;
+  UErrorCode status = U_ZERO_ERROR;
+  Symbols symbols(locale, "gregorian", status);
+  if (U_FAILURE(status)) return WithEnglishMonths({});
+  for (auto context : {Symbols::FORMAT, Symbols::STANDALONE}) {
+    for (auto width : {Symbols::WIDE, Symbols::ABBREVIATED}) {
+      int32_t count = 0;
+      const icu::UnicodeString* names = symbols.getMonths(count, context, width);
+      for (int32_t i = 0; i < std::min(count, 12); ++i) {
+        own.push_back(MakeMonthName(names[i], i + 1));
+      }
+    }
+  }
+  return WithEnglishMonths(std::move(own));
+}
+
 class IcuLocale : public Locale {
  public:
   IcuLocale(int code_page, const icu::Locale& locale)
@@ -97,7 +139,7 @@ class IcuLocale : public Locale {
         locale_(locale),
         short_date_(locale, IcuDateFormat::Kind::kDate),
         short_time_(locale, IcuDateFormat::Kind::kTime),
-        months_(MonthNames()) {
+        months_(MonthNames(locale)) {
     UErrorCode status = U_ZERO_ERROR;
     collator_.reset(icu::Collator::createInstance(locale, status));
     if (U_FAILURE(status)) collator_.reset();
@@ -131,23 +173,7 @@ class IcuLocale : public Locale {
     return Text(text);
   }
 
-  Text Fold(TextView text) const override {
-    Text folded(text);
-    for (size_t i = 0; i < folded.size();) {
-      if (folded[i] < 128) {
-        folded[i] = FoldAscii(folded[i]);
-        ++i;
-        continue;
-      }
-      size_t start = i;
-      UChar32 c;
-      U16_NEXT(folded.data(), i, folded.size(), c);
-      UChar32 simple = u_foldCase(c, U_FOLD_CASE_DEFAULT);
-      if (U16_LENGTH(simple) != U16_LENGTH(c)) continue;
-      U16_APPEND_UNSAFE(folded.data(), start, simple);
-    }
-    return folded;
-  }
+  Text Fold(TextView text) const override { return FoldSimply(text); }
 
   int Compare(TextView left, TextView right) const override {
     if (!collator_) return left.compare(right);
@@ -170,28 +196,6 @@ class IcuLocale : public Locale {
     UErrorCode status = U_ZERO_ERROR;
     uloc_getLocaleForLCID(static_cast<uint32_t>(locale_id), name, ULOC_FULLNAME_CAPACITY, &status);
     return U_FAILURE(status) ? locale_ : icu::Locale(name);
-  }
-
-  std::vector<MonthName> MonthNames() const {
-    using Symbols = icu::DateFormatSymbols;
-    std::vector<MonthName> own;
-    UErrorCode status = U_ZERO_ERROR;
-    Symbols symbols(locale_, "gregorian", status);
-    if (U_FAILURE(status)) return WithEnglishMonths({});
-    for (auto context : {Symbols::FORMAT, Symbols::STANDALONE}) {
-      for (auto width : {Symbols::WIDE, Symbols::ABBREVIATED}) {
-        int32_t count = 0;
-        const icu::UnicodeString* names = symbols.getMonths(count, context, width);
-        for (int32_t i = 0; i < std::min(count, 12); ++i) own.push_back({NameOf(names[i]), i + 1});
-      }
-    }
-    return WithEnglishMonths(std::move(own));
-  }
-
-  Text NameOf(const icu::UnicodeString& month) const {
-    Text name = Fold(Copy(month));
-    if (name.ends_with(u'.')) name.pop_back();
-    return name;
   }
 
   IcuCodePage code_page_;
