@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 60s;
+constexpr auto kPatience = 30s;
 
 QString NameOf(QWidget& window) {
   return qobject_cast<QMessageBox*>(&window) ? "MessageBox" : window.objectName();

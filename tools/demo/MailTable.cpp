@@ -3,6 +3,8 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <array>
+#include <iterator>
 #include <string>
 
 namespace vesko::demo {
@@ -12,7 +14,9 @@ struct Column {
   const char* header;
   int width;
 };
-constexpr Column kColumns[] = {{"State", 8}, {"From", 32}, {"Subject", 42}, {"Date", 20}};
+constexpr Column kColumns[] = {
+    {"State", 8}, {"From", 32}, {"Subject", 42}, {"Date", 20}, {"POP3 Server", 16}};
+using RowTexts = std::array<Text, std::size(kColumns)>;
 
 bool Combines(UChar32 c) {
   const int category = u_charType(c);
@@ -33,7 +37,7 @@ int Width(UChar32 c) {
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-// The text in exactly `width` columns.
+// The text in exactly `width` columns, one of them kept for the mark of a cut.
 std::string Cell(TextView text, int width) {
   const icu::UnicodeString source(false, text.data(), static_cast<int32_t>(text.size()));
   icu::UnicodeString cell;
@@ -55,15 +59,24 @@ std::string Cell(TextView text, int width) {
   return utf8 + std::string(static_cast<size_t>(width - used), ' ');
 }
 
+void PrintRow(std::ostream& out, const RowTexts& texts) {
+  std::string line;
+  for (size_t i = 0; i < texts.size(); ++i) {
+    line += Cell(Trim(texts[i]), kColumns[i].width) + "  ";
+  }
+  line.erase(line.find_last_not_of(' ') + 1);
+  out << line << '\n';
+}
+
 void PrintHeader(std::ostream& out) {
-  for (const Column& column : kColumns) {
-    out << Cell(FromAscii(column.header), column.width) << "  ";
+  RowTexts headers;
+  RowTexts lines;
+  for (size_t i = 0; i < headers.size(); ++i) {
+    headers[i] = FromAscii(kColumns[i].header);
+    lines[i] = Text(static_cast<size_t>(kColumns[i].width), u'-');
   }
-  out << "Server\n";
-  for (const Column& column : kColumns) {
-    out << std::string(static_cast<size_t>(column.width), '-') << "  ";
-  }
-  out << "------\n";
+  PrintRow(out, headers);
+  PrintRow(out, lines);
 }
 
 }  // namespace
@@ -71,12 +84,8 @@ void PrintHeader(std::ostream& out) {
 void PrintTable(std::ostream& out, const colMails& mails) {
   PrintHeader(out);
   mails.ForEach([&](const cMessage& message) {
-    const Text cells[] = {FromAscii(StateName(message)), message.From, message.Subject,
-                          message.SendDate};
-    for (size_t i = 0; i < std::size(cells); ++i) {
-      out << Cell(Trim(cells[i]), kColumns[i].width) << "  ";
-    }
-    out << Cell(message.Server, 24) << '\n';
+    PrintRow(out, {FromAscii(StateName(message)), message.From, message.Subject, message.SendDate,
+                   message.Server});
     return true;
   });
 }

@@ -15,8 +15,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenLooks = 20ms;
-constexpr int kLooksUntilSettled = 10;    // a window that was just shown paints and lays out
-constexpr int kLooksUntilGivingUp = 100;  // a failed check asks or ends long before
+constexpr int kLooksUntilSettled = 10;   // a window that was just shown paints and lays out
+constexpr int kLooksUntilGivingUp = 20;  // a check that asks again does so at once
 
 void Press(QWidget& window, const QString& button) {
   if (auto* found = window.findChild<QAbstractButton*>(button)) found->click();

@@ -48,6 +48,7 @@ void RemoveOnSignal(const std::string& path) {
     action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
   }
+  std::signal(SIGPIPE, SIG_IGN);  // a reader of the output that went away is no reason to end
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLoggingCategory>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -146,7 +147,7 @@ int Run(const Options& options, bool has_display) {
   std::optional<Onlooker> onlooker;
   if (!has_display) onlooker.emplace(options.picture_folder);
   component.CheckMail();
-  PrintTable(std::cout, state.mails);
+  if (state.mails.Count() > 0) PrintTable(std::cout, state.mails);
   return onlooker && onlooker->SawTrouble() ? 1 : 0;
 }
 
@@ -157,6 +158,8 @@ bool HasDisplay() {
 int Main(int argc, char** argv) {
   if (!HasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Qt's remarks on what it cannot do without a display.
+    QLoggingCategory::setFilterRules("default.warning=false");
   }
   QApplication application(argc, argv);
   application.setApplicationName("vesko-demo");

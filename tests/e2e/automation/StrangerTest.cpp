@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+#include "support/PrivateMachine.h"
+
 // What a program knows that is not of this project: the headers, the library's file and the ProgID.
 
 namespace {
@@ -44,6 +46,7 @@ class StrangerTest : public testing::Test {
     char name[] = "/tmp/vesko-stranger-XXXXXX";
     home_ = mkdtemp(name);
     setenv("XDG_CONFIG_HOME", home_.c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", home_.c_str(), 1);
   }
   ~StrangerTest() override { fs::remove_all(home_); }
 
@@ -53,6 +56,10 @@ class StrangerTest : public testing::Test {
     EXPECT_NE(library, nullptr) << dlerror();
     return reinterpret_cast<Function>(dlsym(library, name));
   }
+
+  /// Every test of a process runs on one machine, each for a user of its own.
+  static void SetUpTestSuite() { private_machine_ = vesko::EnterPrivateMachine(); }
+
   static HRESULT Call(const char* name) { return EntryPoint<HRESULT (*)()>(name)(); }
 
   template <typename Step>
@@ -66,6 +73,7 @@ class StrangerTest : public testing::Test {
   }
 
   fs::path home_;
+  static inline bool private_machine_ = false;
 };
 
 TEST_F(StrangerTest, TheLibraryShowsItsEntryPointsAndNothingElse) {
@@ -140,6 +148,28 @@ TEST_F(StrangerTest, TheExampleRuns) {
 
   EXPECT_EQ(RunCommand(VESKO_REGISTER " --unregister " VESKO_LIBRARY).status, 0);
   EXPECT_EQ(RunCommand(VESKO_EXAMPLE).status, 1);
+}
+
+TEST_F(StrangerTest, TheMachinesRegistrationServesEveryUser) {
+  if (!private_machine_) GTEST_SKIP() << "the system grants no /etc of its own";
+  ASSERT_EQ(RunCommand("umask 077; " VESKO_REGISTER " --machine " VESKO_LIBRARY).status, 0);
+  ASSERT_TRUE(host::FindClass(kProgId));
+  EXPECT_EQ(host::FindClass(kProgId)->library, VESKO_LIBRARY);
+  EXPECT_FALSE(fs::exists(host::UserClassFolder()));
+  const fs::path announced = host::ClassFile(host::MachineClassFolder(), kProgId);
+  for (fs::path path = announced; path != "/etc/xdg"; path = path.parent_path()) {
+    EXPECT_NE(fs::status(path).permissions() & fs::perms::others_read, fs::perms::none) << path;
+  }
+  EXPECT_EQ(fs::status("/etc/VeskoEx/registry.db").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+
+  EXPECT_EQ(RunCommand(VESKO_REGISTER " --machine --unregister " VESKO_LIBRARY).status, 0);
+  EXPECT_FALSE(fs::exists(host::MachineClassFolder()));
+}
+
+TEST_F(StrangerTest, AnInstalledCopyServesAnotherProject) {
+  const Outcome run = RunCommand(VESKO_INSTALLED);
+  EXPECT_EQ(run.status, 0) << run.output;
 }
 
 TEST_F(StrangerTest, TheRegisteringProgramRefusesWhatItDoesNotUnderstand) {
