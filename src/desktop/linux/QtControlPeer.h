@@ -10,19 +10,24 @@
 #include <utility>
 
 #include "base/RunTimeError.h"
-#include "desktop/linux/QtMirror.h"
 #include "ui/Control.h"
+#include "ui/Mirror.h"
 
 namespace vesko {
+
+/// The events of one window that are being handled at the moment. While there are any, its widgets
+/// stand on the stack and must stay, even when the window is taken down.
+struct EventsUnderWay {
+  int count = 0;
+  QPointer<QWidget> leaving;
+};
 
 /// What the controls of one window share.
 struct PeerContext {
   Mirror& mirror;
   /// Where a popup menu opens instead of at the mouse cursor.
   std::shared_ptr<std::optional<QPoint>> popup_place;
-  /// How many events of this window are being handled at the moment. While there are any, its
-  /// widgets stand on the stack and must stay.
-  std::shared_ptr<int> events_under_way;
+  std::shared_ptr<EventsUnderWay> events;
 };
 
 /// Hands an event to its handler. The handler may take down the window: nothing of it may be used
@@ -30,10 +35,10 @@ struct PeerContext {
 /// toolkit.
 template <typename Event>
 void Raise(const PeerContext& context, Event&& event) {
-  const std::shared_ptr<int> under_way = context.events_under_way;
-  ++*under_way;
+  const std::shared_ptr<EventsUnderWay> events = context.events;
+  ++events->count;
   IgnoreErrors(std::forward<Event>(event));
-  --*under_way;
+  if (--events->count == 0 && events->leaving) events->leaving->deleteLater();
 }
 
 /// The native side of one control, whatever its kind.

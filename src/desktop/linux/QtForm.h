@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/linux/QtMirror.h"
 #include "ui/Form.h"
+#include "ui/Mirror.h"
 #include "ui/Toolkit.h"
 
 namespace vesko {

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "desktop/linux/QtMirror.h"
 #include "platform/Pump.h"
+#include "ui/Mirror.h"
 
 namespace vesko {
 

@@ -1,4 +1,4 @@
-#include "desktop/linux/QtMirror.h"
+#include "ui/Mirror.h"
 
 #include <algorithm>
 
