@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kWidth = 420;
 constexpr int kHeight = 150;
+constexpr TextView kCaption = u"Checking mail box ...";
 
 }  // namespace
 
@@ -19,7 +20,6 @@ fCheckMail::fCheckMail(const Needs& needs)
       font_name_(needs.font_name),
       run_({needs.socket, needs.toolkit.GetPump(), needs.clock, needs.locale, needs.configuration,
             needs.mails, *this}) {
-  SetCaption(u"Checking mail box ...");
   Resize(kWidth, kHeight);
   SetUp();
   Arrange();
@@ -50,6 +50,7 @@ void fCheckMail::Arrange() {
 
 void fCheckMail::OnLoad() {
   CentreForm(*this, GetToolkit());
+  SetCaption(Text(kCaption));
   for (Label* label : {&lblProgress, &lblTime, &lblCmd}) label->SetCaption({});
   prgBar1.SetValue(0);
   ApplyFont(*this, GetToolkit(), font_name_);

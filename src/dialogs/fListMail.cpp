@@ -13,8 +13,8 @@
 namespace vesko {
 namespace {
 
-constexpr int kWidth = 720;
-constexpr int kHeight = 480;
+constexpr int kWidth = 900;  // all columns fit
+constexpr int kHeight = 560;
 
 enum ButtonIndex { kConfigSpam, kDeleteSpam, kOpenEmailClient, kExit };
 

@@ -52,17 +52,6 @@ TEST(WindowsTest, EveryControlIsLaidOutOnceAndHasAName) {
   }
 }
 
-TEST(WindowsTest, PasswordsAreMaskedAndNothingElse) {
-  Windows windows;
-  for (Form* form : windows.All()) {
-    for (Control* control : form->Controls()) {
-      const auto* box = dynamic_cast<TextBox*>(control);
-      if (!box) continue;
-      EXPECT_EQ(box->Password(), box->AccessibleName() == u"Password") << box->Name();
-    }
-  }
-}
-
 TEST(WindowsTest, OpenInTheMiddleWithTheHostsFont) {
   Windows windows;
   for (Form* form : windows.All()) {
@@ -78,19 +67,6 @@ TEST(WindowsTest, OpenInTheMiddleWithTheHostsFont) {
       }
     }
   }
-}
-
-TEST(WindowsTest, MayGoWhileTheyAreShown) {
-  auto windows = std::make_unique<Windows>();
-  FakeMachine machine;
-  ScriptedToolkit toolkit;
-  auto list = std::make_unique<fListMail>(
-      fListMail::Needs{toolkit, *machine.locale, machine.configuration, machine.mails,
-                       machine.shell, windows->config, windows->check, machine.font_name});
-  machine.AddMail(u"a").Delete = true;
-  toolkit.On("fListMail", [&](Form&) { list.reset(); });
-  list->ShowModal();
-  EXPECT_TRUE(machine.mails.MarkedForDeletion(u"one.example", u"user").empty());
 }
 
 }  // namespace

@@ -59,15 +59,6 @@ TEST_F(fCheckMailTest, AsksForMissingDataAndKeepsThem) {
   EXPECT_EQ(machine.Account(1)[kAccountSavePassword], u"1");
 }
 
-TEST_F(fCheckMailTest, SkipsAnAccountWhoseDataAreRefused) {
-  const Text record = machine.Record(u"one", u"");
-  machine.AddAccount(record);
-  machine.toolkit.On("fPop3Site", [](Form& form) { form.Close(); });
-  Check();
-  EXPECT_EQ(machine.Account(1), SplitAccount(record));
-  EXPECT_FALSE(window.NewMail());
-}
-
 TEST_F(fCheckMailTest, AsksWhetherToTryAgain) {
   machine.AddAccount(machine.Record(u"one"));
   const Script refused = Server(u"+OK\r\n") + Client(u"USER user") + Server(u"+OK\r\n") +

@@ -84,20 +84,5 @@ TEST_F(fPop3SiteTest, OkAndEnterNeedAllThreeTexts) {
   }
 }
 
-TEST_F(fPop3SiteTest, BeginsDisabledForANewAccount) {
-  fPop3Site fresh(toolkit, font_name);
-  toolkit.On("fPop3Site", [](Form& form) {
-    EXPECT_FALSE(Find<CommandButton>(form, "cmdOK").Enabled());
-    Press(form, "cmdHelp");
-    form.Close();
-  });
-  fresh.ShowModal();
-  ASSERT_EQ(toolkit.messages.size(), 1u);
-  EXPECT_EQ(toolkit.messages[0].text,
-            u"\r\nIf all of them are correct but do not work, TRY IT LATER since POP3 server is so "
-            u"busy.");
-  EXPECT_EQ(toolkit.messages[0].icon, MessageIcon::kInformation);
-}
-
 }  // namespace
 }  // namespace vesko

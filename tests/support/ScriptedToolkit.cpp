@@ -18,7 +18,7 @@ class NotingControlPeer : public ControlPeer {
   ~NotingControlPeer() override { control_.SetPeer(nullptr); }
 
   void StateChanged() override {}
-  void Refresh() override { toolkit_.refreshed.push_back(control_.Name()); }
+  void Refresh() override {}
   void TakeFocus() override {
     if (control_.Enabled()) toolkit_.focus = control_.Name();
   }

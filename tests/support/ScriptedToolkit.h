@@ -57,9 +57,8 @@ class ScriptedToolkit : public Toolkit {
   std::vector<FileQuestion> file_questions;
   std::function<void(PopupMenu&)> on_popup;
   std::function<void()> on_run_pending;
-  std::string focus;                   // name of the control that was given the focus last
-  std::vector<std::string> refreshed;  // names of controls repainted
-  std::vector<std::string> calls;      // of the windows' native sides, "show fConfig"
+  std::string focus;               // name of the control that was given the focus last
+  std::vector<std::string> calls;  // of the windows' native sides, "show fConfig"
   Rect screen{0, 0, 1920, 1080};
 
   Pump& GetPump() override { return pump_; }

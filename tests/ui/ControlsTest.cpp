@@ -39,23 +39,6 @@ TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
   EXPECT_EQ(box.GetText(), u"");
 }
 
-TEST(ControlsTest, OnlyAChangeRaisesAnEvent) {
-  int events = 0;
-  CheckBox check("chk");
-  check.on_click = [&] { ++events; };
-  check.SetValue(1);
-  check.SetValue(1);
-  check.Click();
-  EXPECT_EQ(events, 2);
-  EXPECT_EQ(check.Value(), 0);
-  TextBox box("txt");
-  box.on_change = [&] { ++events; };
-  box.SetText({});
-  box.SetText(u"a");
-  box.Type(u"a");
-  EXPECT_EQ(events, 3);
-}
-
 TEST(ProgressBarTest, KeepsItsRange) {
   ProgressBar bar("prg");
   EXPECT_THROW(bar.SetValue(101), RunTimeError);

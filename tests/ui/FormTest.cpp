@@ -56,15 +56,6 @@ TEST(FormTest, LivesFromLoadToUnload) {
   EXPECT_EQ(form.button.Peer(), nullptr);
 }
 
-TEST(FormTest, CanBeShownAgain) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
-  for (int i = 0; i < 2; ++i) toolkit.On("Life", [](Form& shown) { shown.Close(); });
-  form.ShowModal();
-  form.ShowModal();
-  EXPECT_EQ(toolkit.shown, (Calls{"Life", "Life"}));
-}
-
 TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
   ScriptedToolkit toolkit;
   LifeForm form(toolkit);
@@ -148,14 +139,6 @@ TEST(ApplyFontTest, GivesTheFaceToControlsThatHaveAFont) {
     const bool applied = c.expected == Text(u"Gulim");
     EXPECT_EQ(toolkit.calls, applied ? Calls{"invalidate cmdOne"} : Calls{});
   }
-}
-
-TEST(ApplyFontTest, GoesOnAfterAnError) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
-  form.button.SetFont({u"Tahoma", 9});
-  toolkit.on_run_pending = [] { throw RunTimeError(kTypeMismatch); };
-  EXPECT_NO_THROW(ApplyFont(form, toolkit, u"Gulim"));
 }
 
 }  // namespace
