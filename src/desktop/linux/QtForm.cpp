@@ -71,7 +71,7 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
       : Mirrored(windows.mirror),
         form_(form),
         windows_(windows),
-        context_{windows.mirror, windows.popup_place, std::make_shared<int>(0)},
+        context_{windows.mirror, windows.popup_place, std::make_shared<EventsUnderWay>()},
         window_(new Window(*this, windows.Top())) {
     window_->setObjectName(QString::fromStdString(form.Name()));
     window_->setWindowModality(Qt::WindowModal);
@@ -88,16 +88,13 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
     peers_.clear();
     window_->hide();
     LetGoOfChildren();
-    // A window that is handling an event must not go from under its own feet.
-    if (*context_.events_under_way > 0) {
-      window_->deleteLater();
-    } else {
-      delete window_;
-    }
+    context_.events->leaving = window_;
+    if (context_.events->count == 0) delete window_;
   }
 
   void FitToContent() override {
     GetMirror().SynchroniseAll();
+    ForgetMeasures();
     const QSize most = LargestSize();
     const int width = std::min(std::max(form_.Width(), LeastWidth()), most.width());
     const int height = std::min(std::max(form_.Height(), LeastHeight(width)), most.height());
@@ -215,6 +212,11 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
   QSize LargestSize() const {
     const int title = window_->style()->pixelMetric(QStyle::PM_TitleBarHeight);
     return AvailableScreen(windows_).size() - QSize(0, title);
+  }
+
+  // Inner layouts keep their measures until the window is shown, those of hidden pages even longer.
+  void ForgetMeasures() {
+    for (QLayout* const layout : content_->findChildren<QLayout*>()) layout->invalidate();
   }
 
   int LeastWidth() const { return content_->layout()->totalMinimumSize().width(); }

@@ -11,7 +11,7 @@ namespace {
 
 QIcon LoadIcon(const std::string& key) {
   QIcon icon;
-  for (const int size : {16, 24, 32, 48}) {
+  for (const int size : kIconSizes) {
     const QString file =
         QStringLiteral(":/vesko/%1-%2.png").arg(QString::fromStdString(key)).arg(size);
     if (QFile::exists(file)) icon.addFile(file, QSize(size, size));

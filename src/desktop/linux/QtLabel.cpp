@@ -1,5 +1,6 @@
 #include <QLabel>
 #include <QPainter>
+#include <QScreen>
 #include <QStyle>
 #include <algorithm>
 
@@ -11,6 +12,9 @@ namespace {
 
 // Wrapped text is comfortable to read at about this many characters a line.
 constexpr int kComfortableLine = 52;
+// Enough of a shortened line to know what it is about. The same for every text, or the window would
+// change with it.
+constexpr int kShortestLine = 36;
 constexpr size_t kLongestParagraph = 10000;
 
 /// A label that either shortens its one line to the room that there is, or wraps over several.
@@ -34,7 +38,7 @@ class TextLabel : public QLabel {
 
   QSize sizeHint() const override {
     if (wordWrap()) return WrappedSize();
-    return shortened_ ? QSize(0, LineHeight()) : QLabel::sizeHint();
+    return shortened_ ? QSize(Chars(kShortestLine), LineHeight()) : QLabel::sizeHint();
   }
   QSize minimumSizeHint() const override {
     return wordWrap() || shortened_ ? sizeHint() : QLabel::minimumSizeHint();
@@ -51,10 +55,11 @@ class TextLabel : public QLabel {
   }
 
  private:
+  int Chars(int count) const { return fontMetrics().averageCharWidth() * count; }
   int LineHeight() const { return fontMetrics().lineSpacing(); }
 
   QSize WrappedSize() const {
-    const int widest = fontMetrics().averageCharWidth() * kComfortableLine;
+    const int widest = std::min(Chars(kComfortableLine), screen()->availableSize().width() * 4 / 5);
     const int width = std::min(fontMetrics().size(0, text()).width() + 1, widest);
     return {width, std::max(heightForWidth(width), LineHeight())};
   }

@@ -20,6 +20,8 @@
 namespace vesko {
 namespace {
 
+constexpr double kUsualCharWidth = 6;
+
 /// The control's rows as they were when the view was last reset. Nothing is copied: cells are read
 /// from the control when they are painted.
 class RowModel : public QAbstractTableModel {
@@ -176,14 +178,30 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
     model_->Reset();
     clicked_ = list_.CurrentRow();
     if (new_columns) ShowColumns();
+    const int icon = IconSizeFor(View()->fontMetrics().height());
+    View()->setIconSize({icon, icon});
+  }
+
+  // The largest image that does not make its line higher.
+  static int IconSizeFor(int line_height) {
+    int best = kIconSizes[0];
+    for (const int size : kIconSizes) best = size <= line_height ? size : best;
+    return best;
   }
 
   void ShowColumns() {
     QHeaderView* const header = View()->header();
+    const double scale = FontScale();
     for (int column = 0; column < model_->columnCount(); ++column) {
-      const int width = list_.Columns()[static_cast<size_t>(column)].width;
-      header->resizeSection(column, std::max(width, header->sectionSizeHint(column)));
+      const double width = scale * list_.Columns()[static_cast<size_t>(column)].width;
+      header->resizeSection(column,
+                            std::max(static_cast<int>(width), header->sectionSizeHint(column)));
     }
+  }
+
+  // Widths are meant for a small font; with a larger one the same text takes more room.
+  double FontScale() const {
+    return std::max(1.0, View()->fontMetrics().averageCharWidth() / kUsualCharWidth);
   }
 
   void ShowSortIndicator() {
@@ -240,9 +258,11 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
   }
 
   bool KeyPressed(const QKeyEvent& event) override {
+    const int key = KeyCode(event);
+    if (key == 0) return false;
     SynchroniseIfChanged();
     bool used = false;
-    Raise(Context(), [&] { used = list_.PressKey(KeyCode(event), Modifiers(event.modifiers())); });
+    Raise(Context(), [&] { used = list_.PressKey(key, Modifiers(event.modifiers())); });
     return used;
   }
 

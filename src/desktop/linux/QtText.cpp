@@ -7,6 +7,8 @@ namespace {
 
 constexpr size_t kLongestLine = 1000;
 constexpr int kLongestWord = 40;
+// Wrapping takes quadratic time in the length of a word.
+constexpr size_t kLongestUnbroken = 2000;
 constexpr QChar kZeroWidthSpace(0x200B);
 
 bool Between(char16_t c, char16_t first, char16_t last) { return c >= first && c <= last; }
@@ -21,6 +23,11 @@ bool IsControl(char16_t c) {
 TextView Head(TextView text, size_t longest) {
   if (text.size() <= longest) return text;
   return text.substr(0, QChar::isHighSurrogate(text[longest - 1]) ? longest - 1 : longest);
+}
+
+QChar ShownInLines(char16_t c) {
+  if (c == u'\r' || c == u'\n') return u'\n';
+  return c != u'\t' && IsControl(c) ? u' ' : c;
 }
 
 }  // namespace
@@ -41,19 +48,24 @@ QString OneLine(TextView text) {
   return line;
 }
 
-QString Lines(TextView text, size_t longest) {
+QString Lines(TextView text, size_t longest, bool* whole) {
   const TextView head = Head(text, longest);
+  bool broken = false;
+  size_t word = 0;
   QString lines;
   lines.reserve(static_cast<qsizetype>(head.size()));
   for (size_t i = 0; i < head.size(); ++i) {
-    const char16_t c = head[i];
-    if (c == u'\r' && i + 1 < head.size() && head[i + 1] == u'\n') continue;
-    if (c == u'\r' || c == u'\n') {
+    if (head[i] == u'\r' && i + 1 < head.size() && head[i + 1] == u'\n') continue;
+    const QChar shown = ShownInLines(head[i]);
+    word = shown.isSpace() ? 0 : word + 1;
+    if (word > kLongestUnbroken && !shown.isLowSurrogate()) {
       lines.append(u'\n');
-    } else {
-      lines.append(c != u'\t' && IsControl(c) ? QChar(u' ') : QChar(c));
+      word = 1;
+      broken = true;
     }
+    lines.append(shown);
   }
+  if (whole) *whole = !broken && head.size() == text.size();
   return lines;
 }
 
@@ -80,11 +92,6 @@ QString WithoutMnemonic(const QString& caption) {
     plain.append(caption[i]);
   }
   return plain;
-}
-
-QString WithoutMarkup(const QString& text) {
-  QString escaped = text;
-  return escaped.replace(u'&', QStringLiteral("&&"));
 }
 
 }  // namespace vesko

@@ -40,6 +40,7 @@ class KeyHook : public QObject {
     if (event->type() != QEvent::KeyPress || !peer_) return false;
     peer_->SynchroniseIfChanged();  // or the key would change an older text
     const int key = KeyCode(*static_cast<QKeyEvent*>(event));
+    if (key == 0) return false;
     bool used = false;
     Raise(context_, [&] { used = control_.PressKey(key); });
     return used;
@@ -114,18 +115,22 @@ class ParagraphsPeer : public QtControlPeer {
 
  protected:
   void ShowOwnState() override {
-    // What is not all there cannot be edited without losing the rest.
-    const TextView text = control_.GetText();
-    Edit()->setReadOnly(control_.ReadOnly() || text.size() > kLongestShown);
-    const TextView head = text.substr(0, kLongestShown);
-    if (head == shown_) return;
-    shown_ = head;
-    const QSignalBlocker silent(Edit());
-    Edit()->setPlainText(Lines(text, kLongestShown));
+    ShowText();
+    // What is not shown as it is cannot be edited without loss.
+    Edit()->setReadOnly(control_.ReadOnly() || !shown_whole_);
   }
 
  private:
   QPlainTextEdit* Edit() const { return static_cast<QPlainTextEdit*>(Widget()); }
+
+  void ShowText() {
+    const TextView text = control_.GetText();
+    const TextView head = text.substr(0, kLongestShown + 1);
+    if (head == shown_) return;
+    shown_ = head;
+    const QSignalBlocker silent(Edit());
+    Edit()->setPlainText(Lines(text, kLongestShown, &shown_whole_));
+  }
 
   void TextChanged() {
     Text text = ReplaceAll(ToText(Edit()->toPlainText()), u"\n", kCrLf);
@@ -136,6 +141,7 @@ class ParagraphsPeer : public QtControlPeer {
 
   TextBox& control_;
   Text shown_;
+  bool shown_whole_ = true;
   KeyHook* hook_;
 };
 

@@ -1,0 +1,206 @@
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QTreeView>
+#include <chrono>
+#include <string>
+
+#include "desktop/QtWindows.h"
+#include "desktop/linux/IcuLocale.h"
+
+namespace vesko {
+namespace {
+
+constexpr int kManyRows = 32767;
+
+class QtListViewTest : public QtWindowTest {
+ protected:
+  QtListViewTest() {
+    form.SetResizable(true);
+    form.Resize(600, 400);
+    list.AddColumn(u"From", 150);
+    list.AddColumn(u"Subject", 200);
+    list.on_item_click = [this](int row) { log += "click " + std::to_string(row) + " "; };
+    list.on_mouse_down = [this](int buttons, int row) {
+      log += "mouse " + std::to_string(buttons) + " " + std::to_string(row) + " ";
+    };
+    list.on_column_click = [this](int column) { log += "column " + std::to_string(column) + " "; };
+  }
+
+  void Fill(int count) {
+    list.ClearRows();
+    for (int i = 0; i < count; ++i) list.AddRow({Decimal(i), {Decimal(i), u"subject"}, "Mail"});
+  }
+
+  QTreeView* View() { return Native<QTreeView>(list); }
+  QPoint Place(int row) { return View()->visualRect(View()->model()->index(row, 0)).center(); }
+  void Press(int row, Qt::MouseButton button = Qt::LeftButton,
+             Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    Settle();
+    QTest::mouseClick(View()->viewport(), button, modifiers, Place(row));
+  }
+  std::string TakeLog() { return std::exchange(log, {}); }
+
+  /// The selected rows as the control and as the view see them; both must agree.
+  std::string Selected() {
+    Settle();
+    std::string rows;
+    for (int row = 0; row < list.Count(); ++row) {
+      const bool shown = View()->selectionModel()->isRowSelected(row, {});
+      EXPECT_EQ(shown, list.Selected(row)) << row;
+      if (shown) rows += std::to_string(row) + " ";
+    }
+    EXPECT_EQ(View()->currentIndex().row(), list.CurrentRow());
+    return rows;
+  }
+
+  ListView list{"lv"};
+  AnyForm form{*toolkit, {&list}};
+  std::string log;
+};
+
+TEST_F(QtListViewTest, ClicksSelectAndReportOnce) {
+  Fill(10);
+  WhileShown(form, [&] {
+    Press(2);
+    EXPECT_EQ(TakeLog(), "click 2 mouse 1 2 ");
+    EXPECT_EQ(Selected(), "2 ");
+    Press(5, Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_EQ(TakeLog(), "click 5 mouse 1 5 ");
+    EXPECT_EQ(Selected(), "2 3 4 5 ");
+    Press(3, Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "2 4 5 ");
+    TakeLog();
+    QTest::keyClick(View(), Qt::Key_Down);
+    EXPECT_EQ(TakeLog(), "click 4 ");
+    EXPECT_EQ(Selected(), "4 ");
+    QTest::keyClick(View(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "4 5 ");
+    QTest::keyClicks(View(), "7");  // type-ahead by the first column
+    EXPECT_EQ(Selected(), "7 ");
+    Press(9, Qt::RightButton);
+    EXPECT_EQ(Selected(), "9 ");
+    TakeLog();
+    QTest::mouseClick(View()->viewport(), Qt::LeftButton, {},
+                      {5, View()->viewport()->height() - 2});
+    EXPECT_EQ(TakeLog(), "mouse 1 -1 ");
+  });
+}
+
+TEST_F(QtListViewTest, TheMenuKeepsASelectionOfSeveralRows) {
+  Fill(10);
+  PopupMenu menu;
+  menu.items = {{u"Set Read", u"Ctrl+R"}};
+  std::vector<QPoint> places;
+  list.on_mouse_down = [&](int buttons, int row) {
+    if (!(buttons & kRightButton)) return;
+    if (!list.Selected(row)) {
+      list.SelectNone();
+      list.SetSelected(row, true);
+    }
+    Soon([&] {
+      places.push_back(QApplication::activePopupWidget()->pos());
+      QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    });
+    toolkit->ShowPopup(form, menu);
+  };
+  WhileShown(form, [&] {
+    Press(2);
+    Press(4, Qt::LeftButton, Qt::ShiftModifier);
+    Press(3, Qt::RightButton);
+    EXPECT_EQ(Selected(), "2 3 4 ");
+    Press(7, Qt::RightButton);
+    EXPECT_EQ(Selected(), "7 ");
+    QTest::keyClick(View(), Qt::Key_F10, Qt::ShiftModifier);
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
+    QApplication::sendEvent(View()->viewport(), &key);
+    ASSERT_EQ(places.size(), 4u);
+    EXPECT_EQ(places[2], places[3]);
+    EXPECT_TRUE(WindowOf(list)->geometry().contains(places[2]));
+  });
+}
+
+TEST_F(QtListViewTest, KeysThatAreUsedUpDoNothingElse) {
+  Fill(5);
+  bool use_up = true;
+  std::string keys;
+  list.on_key_down = [&](int key, int modifiers) {
+    keys += std::to_string(key) + "/" + std::to_string(modifiers) + " ";
+    return use_up;
+  };
+  WhileShown(form, [&] {
+    Press(1);
+    QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "1 ");
+    use_up = false;
+    QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "0 1 2 3 4 ");
+  });
+  EXPECT_EQ(keys, "65/3 65/2 65/2 ");
+}
+
+TEST_F(QtListViewTest, AHeaderClickSortsInTheControlOnly) {
+  const auto locale = MakeIcuLocale(kCodePageUtf8, "en_GB");
+  Fill(10);
+  list.on_column_click = [&](int column) {
+    list.Sort(column - 1, !list.SortDescending(), *locale);
+  };
+  WhileShown(form, [&] {
+    Press(3);
+    QHeaderView* const header = View()->header();
+    EXPECT_FALSE(header->isSortIndicatorShown());
+    for (const bool descending : {true, false}) {
+      QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, {20, header->height() / 2});
+      Settle();
+      EXPECT_TRUE(header->isSortIndicatorShown());
+      EXPECT_EQ(header->sortIndicatorOrder() == Qt::DescendingOrder, descending);
+      EXPECT_EQ(Selected(), descending ? "6 " : "3 ");
+      const QString first = View()->model()->index(0, 0).data().toString();
+      EXPECT_EQ(first, descending ? "9" : "0");
+    }
+  });
+}
+
+TEST_F(QtListViewTest, CellsAreHarmless) {
+  list.AddRow({u"key", {u"a\r\nb\tc\u0001 \u202Ex <b>&y</b>"}, "SpamRead"});
+  list.AddRow({u"long", {Text(100'000, u'x')}, "unknown"});
+  WhileShown(form, [&] {
+    const auto cell = [&](int row, int column, int role = Qt::DisplayRole) {
+      return View()->model()->index(row, column).data(role);
+    };
+    EXPECT_EQ(cell(0, 0).toString(), "a  b c   x <b>&y</b>");
+    EXPECT_EQ(cell(0, 1).toString(), "");
+    EXPECT_LT(cell(1, 0).toString().size(), 5000);
+    EXPECT_FALSE(cell(0, 0, Qt::DecorationRole).value<QIcon>().isNull());
+    EXPECT_TRUE(cell(1, 0, Qt::DecorationRole).value<QIcon>().isNull());
+    list.ClearRows();  // the view may still ask for what it has not been told to be gone
+    EXPECT_FALSE(cell(1, 0).isValid());
+    Press(0);
+  });
+}
+
+TEST_F(QtListViewTest, AFullMailboxIsSelectedAndInvertedAtOnce) {
+  Fill(kManyRows);
+  WhileShown(form, [&] {
+    const auto begin = std::chrono::steady_clock::now();
+    list.SelectAll();
+    Settle();
+    EXPECT_EQ(View()->selectionModel()->selection().size(), 1);
+    Press(1, Qt::LeftButton, Qt::ControlModifier);
+    list.InvertSelection();
+    EXPECT_EQ(Selected(), "1 ");
+    for (int row = 0; row < kManyRows; row += 2) list.SetSelected(row, true);
+    Settle();
+    View()->grab();
+    list.SetCurrentRow(kManyRows - 1);
+    Settle();
+    EXPECT_TRUE(View()->selectionModel()->isRowSelected(kManyRows - 1, {}));
+    EXPECT_GT(View()->verticalScrollBar()->value(), 0);
+    QTest::keyClick(View(), Qt::Key_Home);
+    EXPECT_EQ(Selected(), "0 ");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+  });
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,554 @@
+#include <QAccessible>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDialog>
+#include <QFileDialog>
+#include <QFont>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <chrono>
+#include <ctime>
+
+#include "base/RunTimeError.h"
+#include "desktop/QtWindows.h"
+#include "desktop/linux/QtToolkit.h"
+
+namespace vesko {
+namespace {
+
+using std::chrono::milliseconds;
+
+double Seconds() {
+  return static_cast<double>(std::chrono::steady_clock::now().time_since_epoch() /
+                             std::chrono::microseconds(1)) /
+         1e6;
+}
+
+struct Counter : QObject {
+  int paints = 0;
+  bool eventFilter(QObject*, QEvent* event) override {
+    paints += event->type() == QEvent::Paint;
+    return false;
+  }
+};
+
+class QtToolkitTest : public QtWindowTest {};
+
+TEST_F(QtToolkitTest, WhatTheUserDoesReachesTheControls) {
+  CommandButton button("cmd");
+  CheckBox box("chk");
+  TextBox text("txt");
+  ListBox list("lst");
+  TabControl tabs("tab");
+  tabs.pages = {{u"One", Column({})}, {u"Two", Column({})}};
+  list.AddItem(u"a");
+  list.AddItem(u"b");
+  int clicks = 0, toggles = 0, changes = 0, selections = 0;
+  button.on_click = [&] { ++clicks; };
+  box.on_click = [&] { ++toggles; };
+  text.on_change = [&] { ++changes; };
+  list.on_click = [&] { ++selections; };
+  AnyForm form(*toolkit, {&button, &box, &text, &list, &tabs});
+  WhileShown(form, [&] {
+    QTest::mouseClick(Native(button), Qt::LeftButton);
+    QTest::keyClick(Native(box), Qt::Key_Space);
+    QTest::keyClicks(Native(text), "ab");
+    Native(list)->setFocus();  // only looking at a list selects nothing
+    EXPECT_EQ(selections, 0);
+    QTest::keyClick(Native(list), Qt::Key_Down);
+    Native<QTabWidget>(tabs)->tabBar()->setCurrentIndex(1);
+    button.SetEnabled(false);
+    QTest::mouseClick(Native(button), Qt::LeftButton);  // not shown disabled yet, but it is
+  });
+  EXPECT_EQ(clicks, 1);
+  EXPECT_EQ(toggles, 1);
+  EXPECT_EQ(box.Value(), 1);
+  EXPECT_EQ(changes, 2);
+  EXPECT_EQ(text.GetText(), u"ab");
+  EXPECT_EQ(selections, 1);
+  EXPECT_EQ(list.ListIndex(), 1);
+  EXPECT_EQ(tabs.Tab(), 1);
+}
+
+TEST_F(QtToolkitTest, WhatTheProgramSetsIsShownWithoutEvents) {
+  Label label("lbl");
+  CheckBox box("chk");
+  TextBox text("txt");
+  ListBox list("lst");
+  ProgressBar bar("prg");
+  int events = 0;
+  AnyForm form(*toolkit, {&label, &box, &text, &list, &bar});
+  WhileShown(form, [&] {
+    label.SetCaption(u"Connecting");
+    box.SetValue(1);
+    text.SetText(u"some");
+    for (TextView item : {u"a", u"b", u"c"}) list.AddItem(Text(item));
+    list.SetListIndex(2);
+    bar.SetMaximum(50);
+    bar.SetValue(20);
+    text.SetVisible(false);
+    list.SetEnabled(false);
+    box.on_click = text.on_change = list.on_click = [&] { ++events; };
+    Settle();
+    EXPECT_EQ(Native<QLabel>(label)->text(), "Connecting");
+    EXPECT_TRUE(Native<QCheckBox>(box)->isChecked());
+    EXPECT_EQ(Native<QLineEdit>(text)->text(), "some");
+    EXPECT_FALSE(Native(text)->isVisible());
+    EXPECT_EQ(Native<QListWidget>(list)->currentRow(), 2);
+    EXPECT_FALSE(Native(list)->isEnabled());
+    EXPECT_EQ(Native<QProgressBar>(bar)->maximum(), 50);
+    EXPECT_EQ(Native<QProgressBar>(bar)->value(), 20);
+    list.RemoveItem(2);
+    Settle();
+    EXPECT_EQ(Native<QListWidget>(list)->count(), 2);
+    EXPECT_TRUE(Native<QListWidget>(list)->selectedItems().isEmpty());
+    EXPECT_EQ(events, 0);
+  });
+  EXPECT_EQ(text.Peer(), nullptr);
+}
+
+TEST_F(QtToolkitTest, ABusyCheckIsShownNowAndThenButRefreshAtOnce) {
+  Label label("lbl");
+  label.SetLiteral(true);
+  AnyForm form(*toolkit, {&label});
+  WhileShown(form, [&] {
+    Counter counter;
+    Native(label)->installEventFilter(&counter);
+    const double begin = Seconds();
+    for (int i = 0; i < 3000; ++i) {
+      label.SetCaption(Decimal(i));
+      toolkit->GetPump().RunPending(milliseconds(0));
+    }
+    EXPECT_LE(counter.paints, (Seconds() - begin) / 0.025 + 2);
+    Settle();
+    EXPECT_EQ(Native<QLabel>(label)->text(), "2999");
+    label.SetCaption(u"now");
+    EXPECT_EQ(Native<QLabel>(label)->text(), "2999");
+    counter.paints = 0;
+    label.Refresh();
+    EXPECT_EQ(Native<QLabel>(label)->text(), "now");
+    EXPECT_EQ(counter.paints, 1);
+  });
+}
+
+TEST_F(QtToolkitTest, APasswordCannotBeReadOutOfItsBox) {
+  TextBox box("txt");
+  box.SetPassword(true);
+  AnyForm form(*toolkit, {&box});
+  WhileShown(form, [&] {
+    auto* const edit = Native<QLineEdit>(box);
+    QApplication::clipboard()->setText("before");
+    box.SetText(u"sec");
+    Settle();
+    QTest::keyClicks(edit, "ret");
+    EXPECT_EQ(edit->displayText(), "******");
+    edit->selectAll();
+    QTest::keySequence(edit, QKeySequence::Copy);
+    auto* const accessible = QAccessible::queryAccessibleInterface(edit);
+    EXPECT_EQ(accessible->text(QAccessible::Value).count("secret"), 0);
+    EXPECT_EQ(accessible->textInterface()->text(0, 6).count("secret"), 0);
+    EXPECT_EQ(box.GetText(), u"secret");
+    QTest::keySequence(edit, QKeySequence::Cut);
+    EXPECT_EQ(QApplication::clipboard()->text(), "before");
+  });
+}
+
+TEST_F(QtToolkitTest, TextFromServersIsNeverMarkup) {
+  Label literal("lblLiteral"), wrapping("lblWrapping"), plain("lblPlain");
+  const Text evil = u"<b>&bold</b><img src='http://tracker.example'>" + Text(3000, u'x');
+  literal.SetLiteral(true);
+  wrapping.SetLiteral(true);
+  wrapping.SetWraps(true);
+  literal.SetCaption(evil);
+  wrapping.SetCaption(evil);
+  plain.SetCaption(u"Q&&A &Name");
+  plain.SetTooltip(u"<b>tip</b>");
+  AnyForm form(*toolkit, {&literal, &wrapping, &plain});
+  WhileShown(form, [&] {
+    for (const Label* label : {&literal, &wrapping}) {
+      EXPECT_EQ(Native<QLabel>(*label)->textFormat(), Qt::PlainText);
+      EXPECT_TRUE(Native<QLabel>(*label)->text().startsWith("<b>&bold</b>"));
+    }
+    EXPECT_LT(WindowOf(literal)->width(), 700);
+    EXPECT_EQ(Native<QLabel>(plain)->text(), "Q&A Name");
+    EXPECT_TRUE(Native(plain)->toolTip().contains("&lt;b&gt;"));
+    form.SetCaption(u"two\r\nlines");
+    Soon([&] {
+      auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      EXPECT_EQ(box->textFormat(), Qt::PlainText);
+      EXPECT_EQ(box->windowTitle(), "VeskoEx");
+      EXPECT_EQ(box->icon(), QMessageBox::Warning);
+      EXPECT_LT(box->width(), 800);
+      EXPECT_EQ(WindowOf(literal)->windowTitle(), "two  lines");
+      box->accept();
+    });
+    toolkit->ShowMessage(evil, {}, MessageIcon::kExclamation);
+  });
+}
+
+TEST_F(QtToolkitTest, EnterEscapeAndClosing) {
+  struct Case {
+    const char* name;
+    bool has_default, has_cancel, focus_on_other;
+    int key;  // 0: the window manager closes
+    std::string expected;
+  };
+  const Case kCases[] = {
+      {"Enter in a box presses the default", true, true, false, Qt::Key_Return, "default "},
+      {"Enter on a button presses that", true, true, true, Qt::Key_Return, "other "},
+      {"Enter without a default", false, true, false, Qt::Key_Return, ""},
+      {"Enter on a button without a default", false, true, true, Qt::Key_Enter, "other "},
+      {"Escape presses cancel", true, true, true, Qt::Key_Escape, "cancel "},
+      {"Escape without cancel closes", true, false, false, Qt::Key_Escape, "closed "},
+      {"the window manager closes", true, true, false, 0, "closed "},
+  };
+  for (const Case& test : kCases) {
+    SCOPED_TRACE(test.name);
+    TextBox box("txt");
+    CommandButton other("cmdOther"), ok("cmdOk"), cancel("cmdCancel");
+    std::string log;
+    other.on_click = [&] { log += "other "; };
+    ok.on_click = [&] { log += "default "; };
+    cancel.on_click = [&] { log += "cancel "; };
+    AnyForm form(*toolkit, {&box, &other, &ok, &cancel});
+    if (test.has_default) form.SetDefaultButton(ok);
+    if (test.has_cancel) form.SetCancelButton(cancel);
+    WhileShown(form, [&] {
+      EXPECT_TRUE(Native(box)->hasFocus());
+      if (test.focus_on_other) other.SetFocus();
+      QWidget* const window = WindowOf(box);
+      test.key ? QTest::keyClick(window->focusWidget(), Qt::Key(test.key)) : void(window->close());
+    });
+    if (form.closed) log += "closed ";
+    EXPECT_EQ(log, test.expected);
+  }
+}
+
+TEST_F(QtToolkitTest, ATextBoxGetsItsKeysFirst) {
+  TextBox box("txt");
+  CommandButton ok("cmdOk");
+  std::vector<int> keys;
+  int clicks = 0;
+  bool use_up = true;
+  box.on_key_down = [&](int key) {
+    keys.push_back(key);
+    return use_up;
+  };
+  ok.on_click = [&] { ++clicks; };
+  AnyForm form(*toolkit, {&box, &ok});
+  form.SetDefaultButton(ok);
+  WhileShown(form, [&] {
+    QTest::keyClick(Native(box), Qt::Key_Return);
+    QTest::keyClick(Native(box), Qt::Key_A);
+    EXPECT_EQ(clicks, 0);
+    EXPECT_EQ(box.GetText(), u"");
+    use_up = false;
+    QTest::keyClick(Native(box), Qt::Key_Enter);
+  });
+  EXPECT_EQ(keys, (std::vector<int>{kKeyReturn, 'A', kKeyReturn}));
+  EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
+  Label name("lblName"), keywords("lblKeywords");
+  TextBox box("txt"), other("txtOther");
+  ListBox list("lst");
+  CommandButton button("cmd");
+  name.SetCaption(u"&Name");
+  keywords.SetCaption(u"&Keywords");
+  button.SetCaption(u"&Rename");
+  other.SetAccessibleName(u"Port");
+  AnyForm form(*toolkit, {&button, &name, &box, &other, &keywords, &list});
+  form.SetFirstInTabOrder(other);
+  WhileShown(form, [&] {
+    EXPECT_TRUE(Native(other)->hasFocus());
+    QTest::keyClick(WindowOf(box), Qt::Key_K, Qt::AltModifier);
+    EXPECT_TRUE(Native(list)->hasFocus());
+    QTest::keyClick(WindowOf(box), Qt::Key_N, Qt::AltModifier);
+    EXPECT_TRUE(Native(box)->hasFocus());
+    form.SetFirstInTabOrder(list);
+    Settle();
+    std::vector<std::string> order;
+    list.SetFocus();
+    for (int i = 0; i < 4; ++i) {
+      QWidget* const focus = WindowOf(box)->focusWidget();
+      order.push_back(focus->objectName().toStdString());
+      QTest::keyClick(focus, Qt::Key_Tab);
+    }
+    EXPECT_EQ(order, (std::vector<std::string>{"lst", "cmd", "txt", "txtOther"}));
+    const std::pair<const Control&, const char*> kNames[] = {
+        {box, "Name"}, {other, "Port"}, {list, "Keywords"}, {button, "Rename"}};
+    for (const auto& [control, expected] : kNames) {
+      auto* const accessible = QAccessible::queryAccessibleInterface(Native(control));
+      EXPECT_EQ(accessible->text(QAccessible::Name), expected);
+    }
+  });
+}
+
+TEST_F(QtToolkitTest, AHugeBodyIsShownInPartAndKeptWhole) {
+  TextBox body("txt");
+  body.SetMultiLine(true);
+  body.SetReadOnly(true);
+  Text huge = u"first\r\nNUL_ and bell\u0007";
+  huge[10] = u'\0';
+  huge += Text(25'000'000, u'x');
+  AnyForm form(*toolkit, {&body});
+  WhileShown(form, [&] {
+    auto* const edit = Native<QPlainTextEdit>(body);
+    body.SetText(huge);
+    const double begin = Seconds();
+    Settle();
+    edit->grab();
+    EXPECT_LT(Seconds() - begin, 5);
+    EXPECT_TRUE(edit->toPlainText().startsWith("first\nNUL  and bell "));
+    EXPECT_LT(edit->toPlainText().size(), 1'000'000);
+    EXPECT_EQ(body.GetText().size(), huge.size());
+    body.SetText(u"short\r\n");
+    body.SetReadOnly(false);
+    Settle();
+    edit->moveCursor(QTextCursor::End);
+    QTest::keyClicks(edit, "x");
+    QTest::keyClick(edit, Qt::Key_Return);
+  });
+  EXPECT_EQ(body.GetText(), u"short\r\nx\r\n");
+}
+
+TEST_F(QtToolkitTest, WindowsNestAndBlockTheOnesBelow) {
+  CommandButton below("cmdBelow"), above("cmdAbove");
+  AnyForm outer(*toolkit, {&below}), inner(*toolkit, {&above});
+  bool box_seen = false;
+  below.on_click = [&] { inner.ShowModal(); };
+  above.on_click = [&] {
+    Soon([&] {
+      QWidget* const box = QApplication::activeModalWidget();
+      box_seen = box != WindowOf(above);
+      EXPECT_EQ(box->parentWidget(), WindowOf(above));
+      below.SetCaption(u"shown while a box is open");
+      QEventLoop box_loop;
+      QTimer::singleShot(60, &box_loop, &QEventLoop::quit);
+      box_loop.exec();
+      EXPECT_EQ(Native<QPushButton>(below)->text(), "shown while a box is open");
+      qobject_cast<QDialog*>(box)->reject();
+    });
+    toolkit->ShowMessage(u"text", u"title", MessageIcon::kInformation);
+    inner.Unload();
+  };
+  Soon([&] {
+    Soon([&] {
+      EXPECT_EQ(WindowOf(above)->parentWidget(), WindowOf(below));
+      EXPECT_EQ(QApplication::activeModalWidget(), WindowOf(above));
+      below.Refresh();
+      QTest::mouseClick(Native(above), Qt::LeftButton);
+      Soon([&] { outer.Unload(); });
+    });
+    QTest::mouseClick(Native(below), Qt::LeftButton);
+  });
+  outer.ShowModal();
+  EXPECT_TRUE(box_seen);
+  EXPECT_FALSE(outer.IsLoaded());
+  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(QtToolkitTest, AWindowMayGoInTheMiddleOfItsOwnEvent) {
+  struct Owner {
+    explicit Owner(Toolkit& toolkit) : form(toolkit, {&box, &button}) {}
+    TextBox box{"txt"};
+    CommandButton button{"cmd"};
+    AnyForm form;
+  };
+  for (const bool while_another_is_above : {false, true}) {
+    auto owner = std::make_unique<Owner>(*toolkit);
+    owner->button.on_click = [&] {
+      if (!while_another_is_above) return owner.reset();
+      CommandButton above("cmdAbove");
+      AnyForm inner(*toolkit, {&above});
+      Soon([&] {
+        owner.reset();
+        EXPECT_TRUE(Native(above)->isVisible());
+        Soon([&] { inner.Unload(); });
+      });
+      inner.ShowModal();
+    };
+    owner->box.on_change = [&] { QTest::mouseClick(Native(owner->button), Qt::LeftButton); };
+    Soon([&] { QTest::keyClick(Native(owner->box), Qt::Key_A); });
+    owner->form.ShowModal();
+    EXPECT_EQ(owner, nullptr);
+    Settle();
+    EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
+  }
+}
+
+TEST_F(QtToolkitTest, AnErrorInAHandlerEndsTheEventOnly) {
+  CommandButton button("cmd");
+  button.on_click = [] { throw RunTimeError(kTypeMismatch); };
+  AnyForm form(*toolkit, {&button});
+  WhileShown(form, [&] {
+    QTest::mouseClick(Native(button), Qt::LeftButton);
+    EXPECT_TRUE(form.IsLoaded());
+  });
+}
+
+TEST_F(QtToolkitTest, ThePumpSleepsWithoutProcessorTimeAndWakesForAnything) {
+  Pump& pump = toolkit->GetPump();
+  for (int i = 0; i < 5; ++i) pump.RunPending(milliseconds(0));
+  double begin = Seconds();
+  const std::clock_t worked = std::clock();
+  while (Seconds() - begin < 0.3) pump.RunPending(milliseconds(300));
+  EXPECT_LT(static_cast<double>(std::clock() - worked) / CLOCKS_PER_SEC, 0.05);
+  EXPECT_LT(Seconds() - begin, 1);
+
+  for (const bool queued : {true, false}) {
+    bool delivered = false;
+    begin = Seconds();
+    if (queued)
+      QMetaObject::invokeMethod(
+          qApp, [&] { delivered = true; }, Qt::QueuedConnection);
+    if (!queued) QTimer::singleShot(20, qApp, [&] { delivered = true; });
+    while (!delivered) pump.RunPending(milliseconds(10'000));
+    EXPECT_LT(Seconds() - begin, 2);
+  }
+  begin = Seconds();
+  pump.RunPending(milliseconds(0));
+  EXPECT_LT(Seconds() - begin, 0.2);
+}
+
+TEST_F(QtToolkitTest, AMenuShowsItsShortcutsAndReportsTheChoice) {
+  TextBox box("txt");
+  PopupMenu menu;
+  menu.items = {
+      {u"Set &SPAM", u"Ctrl+S"}, {u"-", u""}, {u"Set Read", u"Ctrl+R"}, {u"Gone", u"", false}};
+  std::vector<int> chosen;
+  menu.on_click = [&](int index) { chosen.push_back(index); };
+  AnyForm form(*toolkit, {&box});
+  WhileShown(form, [&] {
+    Soon([&] {
+      auto* const native = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      EXPECT_EQ(native->actions()[0]->text(), "Set &SPAM\tCtrl+S");
+      EXPECT_TRUE(native->actions()[1]->isSeparator());
+      EXPECT_FALSE(native->actions()[3]->isEnabled());
+      QTest::keyClick(native, Qt::Key_Down);
+      QTest::keyClick(native, Qt::Key_Down);
+      QTest::keyClick(native, Qt::Key_Return);
+    });
+    toolkit->ShowPopup(form, menu);
+    Soon([] { QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape); });
+    toolkit->ShowPopup(form, menu);
+  });
+  EXPECT_EQ(chosen, std::vector<int>{2});
+}
+
+TEST_F(QtToolkitTest, FilesArePickedByFilterAndExtension) {
+  const QTemporaryDir folder;
+  QFile(folder.filePath("ding.wav")).open(QIODevice::WriteOnly);
+  QFile(folder.filePath("program")).open(QIODevice::WriteOnly);
+  const std::pair<const char*, const char*> kCases[] = {
+      {"ding.wav", "ding.wav"}, {"ding", "ding.wav"}, {"program", "program"}, {nullptr, nullptr}};
+  for (const auto& [typed, picked] : kCases) {
+    Soon([&, typed = typed] {
+      auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      EXPECT_EQ(dialog->windowTitle(), "Select Wave File");
+      EXPECT_EQ(dialog->nameFilters(), (QStringList{"All Files (*)", "Wave Files (*.wav *.au)"}));
+      dialog->setDirectory(folder.path());
+      if (!typed) return dialog->reject();
+      dialog->findChild<QLineEdit*>()->setText(typed);
+      QMetaObject::invokeMethod(dialog, "accept");
+    });
+    const Text path = toolkit->OpenFile(
+        u"Select Wave File", u"All Files (*.*)|*.*|Wave Files (*.wav)|*.wav;*.au", u"wav");
+    EXPECT_EQ(QString::fromStdU16String(path), picked ? folder.filePath(picked) : QString());
+  }
+}
+
+TEST_F(QtToolkitTest, FontsAreThoseOfTheDesktopUntilTheHostSaysOtherwise) {
+  Label label("lbl");
+  label.SetCaption(u"Name");
+  AnyForm form(*toolkit, {&label});
+  const QFont desktop = QApplication::font();
+  WhileShown(form, [&] {
+    EXPECT_EQ(label.GetFont().name, u"Tahoma");
+    EXPECT_NEAR(label.GetFont().size, desktop.pointSizeF(), 1);
+    EXPECT_EQ(Native(label)->font().family(), desktop.family());
+    label.SetFont({u"DejaVu Serif", 20});
+    label.Refresh();
+    EXPECT_EQ(Native(label)->font().family(), "DejaVu Serif");
+    EXPECT_EQ(Native(label)->font().pointSize(), 20);
+    label.SetFont({u"No Such Face", 20});
+    label.Refresh();
+    EXPECT_EQ(Native(label)->font().family(), desktop.family());
+  });
+}
+
+TEST_F(QtToolkitTest, NothingIsCutOffAtAnyFontSize) {
+  const QFont desktop = QApplication::font();
+  for (const double size : {8.0, 12.0, 24.0, 60.0}) {
+    SCOPED_TRACE(size);
+    QFont font = desktop;
+    font.setPointSizeF(size);
+    QApplication::setFont(font);
+    TextBox box("txt");
+    TabControl tabs("tab");
+    CommandButton buttons[] = {CommandButton("a"), CommandButton("b"), CommandButton("c")};
+    for (CommandButton& button : buttons) button.SetCaption(u"Open Email Client");
+    tabs.pages = {{u"One", Column({Item(box)})},
+                  {u"Two", Row({Item(buttons[0]), Item(buttons[1]), Item(buttons[2])})}};
+    AnyForm form(*toolkit);
+    for (Control* control : {static_cast<Control*>(&box), static_cast<Control*>(&tabs)}) {
+      form.Add(*control);
+    }
+    for (CommandButton& button : buttons) form.Add(button);
+    form.SetLayout(Column({Item(tabs, 1)}));
+    form.Resize(100, 50);
+    WhileShown(form, [&] {
+      tabs.SetTab(1);
+      Settle();
+      for (const CommandButton& button : buttons) {
+        EXPECT_GE(Native(button)->width(), Native(button)->minimumSizeHint().width());
+      }
+      const Rect screen = toolkit->Screen();
+      EXPECT_LE(form.Width(), screen.width);
+      const auto* const scroll = WindowOf(box)->findChild<QScrollArea*>();
+      EXPECT_EQ(scroll->horizontalScrollBar()->maximum() > 0, form.Width() == screen.width);
+    });
+  }
+  QApplication::setFont(desktop);
+}
+
+TEST_F(QtToolkitTest, BoundsFollowBothWays) {
+  TextBox box("txt");
+  AnyForm form(*toolkit, {&box});
+  form.SetResizable(true);
+  form.Move(30, 40);
+  form.Resize(400, 300);
+  WhileShown(form, [&] {
+    QWidget* const window = WindowOf(box);
+    EXPECT_EQ(window->size(), QSize(400, 300));
+    window->resize(500, 350);
+    Settle();
+    EXPECT_EQ(form.Width(), 500);
+    form.SetCaption(u"another");
+    form.Resize(450, 320);
+    Settle();
+    EXPECT_EQ(window->size(), QSize(450, 320));
+  });
+}
+
+}  // namespace
+}  // namespace vesko
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  QApplication application(argc, argv);
+  application.setQuitOnLastWindowClosed(false);
+  return RUN_ALL_TESTS();
+}
