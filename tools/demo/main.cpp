@@ -102,6 +102,7 @@ Account AskForAccount(const Options& options) {
                   options.user.toStdU16String(), Text(), options.port};
   const QString prompt = "Password of " + options.user + " on " + options.server + ": ";
   account.password = QString::fromStdString(AskPassword(prompt.toStdString())).toStdU16String();
+  if (account.password.empty()) Refuse("No password, no check.");
   return account;
 }
 
