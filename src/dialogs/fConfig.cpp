@@ -322,7 +322,7 @@ void fConfig::DeleteAccount() {
 
 void fConfig::AddKeyword(KeywordEditor& editor) {
   Text keyword = InputBox(GetToolkit(), editor.prompt, u"New Spam Mail");
-  if (!keyword.empty()) editor.list.AddItem(std::move(keyword));
+  if (!keyword.empty() && IsLoaded()) editor.list.AddItem(std::move(keyword));
 }
 
 void fConfig::RenameKeyword(KeywordEditor& editor) {
@@ -330,7 +330,8 @@ void fConfig::RenameKeyword(KeywordEditor& editor) {
   if (index < 0) return;
   Text keyword =
       InputBox(GetToolkit(), editor.prompt, u"Rename Spam Mail", editor.list.Item(index));
-  if (!keyword.empty()) editor.list.SetItem(index, std::move(keyword));
+  // The host may have unloaded this window, and emptied its lists, under the box.
+  if (!keyword.empty() && IsLoaded()) editor.list.SetItem(index, std::move(keyword));
 }
 
 void fConfig::DeleteKeyword(KeywordEditor& editor) {
