@@ -43,9 +43,11 @@ bool EnterPrivateMachine() {
   std::error_code ignored;
   fs::remove(scratch, ignored);
   if (!own) return false;
-  fs::remove_all("/etc/VeskoEx", ignored);
-  fs::remove_all("/etc/xdg/VeskoEx", ignored);
-  return true;
+  for (const char* folder : {"/etc/VeskoEx", "/etc/xdg/VeskoEx"}) {
+    fs::remove_all(folder, ignored);
+    if (ignored) mount("tmpfs", folder, "tmpfs", 0, nullptr);
+  }
+  return access("/etc/xdg", W_OK) == 0;
 }
 
 }  // namespace vesko
