@@ -8,7 +8,7 @@
 namespace vesko {
 namespace {
 
-constexpr int kNoButton = 1;  // "&No" among the buttons of the retry question
+constexpr int kAnswerNo = 1;  // "&No" among the buttons of the retry question
 constexpr double kSecondsBetweenTries = 1;
 
 /// Time after which `seconds` from now are over for certain.
@@ -76,7 +76,7 @@ bool AccountRun::ConfirmRetry() {
           u"Last command was " + Quoted(MaskedCommand(session_.LastCommand())) + u".\r\n" +
           u"Try again ? \r\n",
       u"Quarnel");
-  return button != kNoButton && !Left();
+  return button != kAnswerNo && !Left();
 }
 
 std::vector<Text> AccountRun::ReadRecord() const {
@@ -193,7 +193,6 @@ void AccountRun::Skip() {
   if (over_) return;
   skipped_ = true;
   RunPending();
-  if (over_) return;
   if (needs_.socket.State() == SocketState::kConnected) {
     LogOut();
   } else {

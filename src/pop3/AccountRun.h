@@ -34,8 +34,8 @@ class AccountRun {
   /// session of this account has failed before.
   bool Prepare(bool retry);
 
-  /// Connects and waits until the session is over. True when it ended normally; the socket is
-  /// closed in every case.
+  /// Connects and waits until the session is over. True when it ended normally and the window
+  /// is still there; the socket is closed in every case.
   bool RunSession();
 
   /// Lets events run after a failed session; for a second where no question will come before the

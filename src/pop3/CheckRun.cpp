@@ -36,7 +36,7 @@ class CheckRun::Impl : public Pop3Session::Listener {
     if (std::exchange(started_, true)) return;
     account_.Open();
     DeletionPass(needs_, session_, account_).Run();
-    if (!account_.Over()) CheckAllAccounts();
+    CheckAllAccounts();
   }
 
   void Next() { account_.Skip(); }

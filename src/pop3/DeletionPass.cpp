@@ -11,7 +11,7 @@ void DeletionPass::Run() {
 
 void DeletionPass::DeleteMailOf(int32_t position) {
   account_.Start(position);
-  if (DeleteOnServer() && !account_.Over()) ForgetDeleted();
+  if (DeleteOnServer()) ForgetDeleted();
   // A list left behind would turn the next account's check into a deletion.
   session_.Deletions() = {};
 }

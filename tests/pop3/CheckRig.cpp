@@ -56,9 +56,10 @@ CheckRig::CheckRig()
   view.on_unload = [this] { run.WindowUnloaded(); };
 }
 
-void CheckRig::AddAccount(const Text& server, const Text& user, const Text& password) {
+void CheckRig::AddAccount(const Text& server, const Text& user, const Text& password,
+                          const Text& port) {
   const Text scrambled = password.empty() ? Text() : Encrypt(password, locale);
-  Variant record = Join({u"Home", server, user, scrambled, u"110", u"1"}, kCrLf);
+  Variant record = Join({u"Home", server, user, scrambled, port, u"1"}, kCrLf);
   configuration.Accounts.Add(record);
 }
 
@@ -80,8 +81,8 @@ void CheckRig::Run() {
 std::vector<std::string> CheckRig::Dialogs() const {
   std::vector<std::string> dialogs;
   for (const std::string& line : view.log) {
-    if (line.starts_with("error") || line.starts_with("ask") || line.starts_with("credentials")) {
-      dialogs.push_back(line);
+    for (const char* kind : {"error", "ask", "credentials", "after"}) {
+      if (line.starts_with(kind)) dialogs.push_back(line);
     }
   }
   return dialogs;

@@ -37,7 +37,7 @@ struct CheckRig {
   CheckRig();
 
   void AddAccount(const Text& server = u"pop.example.org", const Text& user = u"ann",
-                  const Text& password = u"secret");
+                  const Text& password = u"secret", const Text& port = u"995");
 
   /// A message that an earlier check fetched.
   std::shared_ptr<cMessage> AddMail(const Text& name, int number, const Text& user = u"ann");
@@ -45,7 +45,7 @@ struct CheckRig {
   /// One showing of the window, from preparation to its end.
   void Run();
 
-  /// Boxes and questions, in their order.
+  /// Boxes and questions, in their order, and whatever is shown after the window is gone.
   std::vector<std::string> Dialogs() const;
 
   /// The message with that subject.
