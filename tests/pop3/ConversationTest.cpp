@@ -197,16 +197,10 @@ TEST(Conversation, GoesOnWhereACommandCannotBeSent) {
 }
 
 TEST(Conversation, TakesLinesAndMessagesOfAnySize) {
-  CheckRig rig;
-  rig.AddAccount();
   const Text line = Text(1'000'000, u'x') + u"\r\n";
-  rig.socket.conversations = {Mailbox({Mail(u"a") + line + line})};
-  rig.socket.conversations[0].steps[0].text = u"+OK " + line;  // the greeting
-  rig.socket.piece_size = 1000;
-  rig.Run();
-  EXPECT_EQ(rig.Mails(), Lines{"a#1"});
-  EXPECT_EQ(rig.socket.faults, Lines{});
-  EXPECT_EQ(rig.socket.Unused(), 0u);
+  Conversation large{"", {Mailbox({Mail(u"a") + line + line})}, {}, {"a#1"}};
+  large.connections[0].steps[0].text = u"+OK " + line;  // the greeting
+  ExpectAsWritten(large, [](ScriptedSocket& socket) { socket.piece_size = 1000; });
 }
 
 TEST(Conversation, CountsTo16Bits) {
