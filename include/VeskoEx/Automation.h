@@ -10,6 +10,9 @@
 #include <oleauto.h>
 #include <olectl.h>
 
+// The system's interfaces have public destructors that nobody calls.
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 #else
 
 #include <cstddef>
