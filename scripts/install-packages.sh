@@ -8,7 +8,7 @@ build=(cmake g++ libbenchmark-dev libgl-dev libicu-dev libsqlite3-dev ninja-buil
 # A bare machine has no font for the sample messages' Korean and Japanese names.
 demo=(fonts-dejavu-core fonts-noto-cjk)
 # The tests run against a real POP3 server and play a sound to a sound server of their own.
-test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev openbox openssl
+test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev libssl-dev openbox openssl
   pulseaudio pulseaudio-utils x11-utils xauth xdotool xvfb)
 package=(appstream desktop-file-utils dpkg-dev file man-db)
 
