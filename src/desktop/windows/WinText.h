@@ -1,0 +1,33 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "base/Text.h"
+
+namespace vesko {
+
+static_assert(sizeof(wchar_t) == sizeof(char16_t));
+
+inline std::wstring ToWide(TextView text) {
+  return {reinterpret_cast<const wchar_t*>(text.data()), text.size()};
+}
+
+/// What one line of a window can show: control characters stand as spaces, and what is too long for
+/// any screen is left out.
+std::wstring OneLine(TextView text);
+
+/// The same over several lines, each ended by CR LF as the system's boxes want it; at most
+/// `longest` code units are looked at.
+std::wstring Lines(TextView text, size_t longest);
+
+/// Text of a native window.
+Text WindowText(HWND window);
+void SetTextIfOther(HWND window, const std::wstring& text);
+
+/// Size of a text in a font, in device pixels; a width of 0 does not wrap. "&" marks a mnemonic
+/// unless `literal`.
+SIZE Measure(HFONT font, const std::wstring& text, int width, bool literal);
+
+}  // namespace vesko
