@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "base/RunTimeError.h"
-#include "desktop/linux/SocketErrors.h"
+#include "desktop/SocketWords.h"
 #include "desktop/linux/TcpStream.h"
 #include "desktop/linux/TlsStream.h"
 

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "desktop/SocketWords.h"
 #include "desktop/linux/SocketErrors.h"
 
 namespace vesko {

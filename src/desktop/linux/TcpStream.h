@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "desktop/linux/ByteStream.h"
+#include "desktop/ByteStream.h"
 
 namespace vesko {
 

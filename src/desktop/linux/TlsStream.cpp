@@ -4,35 +4,35 @@
 #include <QSslError>
 #include <utility>
 
-#include "desktop/linux/SocketErrors.h"
+#include "desktop/SocketWords.h"
 #include "platform/Socket.h"
 
 namespace vesko {
 namespace {
 
-TextView Words(QSslError::SslError error) {
+CertificateFault FaultOf(QSslError::SslError error) {
   switch (error) {
     case QSslError::CertificateExpired:
-      return u"It has expired.";
+      return CertificateFault::kExpired;
     case QSslError::CertificateNotYetValid:
-      return u"It is not valid yet.";
+      return CertificateFault::kNotYetValid;
     case QSslError::HostNameMismatch:
-      return u"It belongs to a server of another name.";
+      return CertificateFault::kOtherHost;
     case QSslError::SelfSignedCertificate:
-      return u"It is signed by nobody but the server itself.";
+      return CertificateFault::kSelfSigned;
     case QSslError::SelfSignedCertificateInChain:
     case QSslError::UnableToGetIssuerCertificate:
     case QSslError::UnableToGetLocalIssuerCertificate:
     case QSslError::UnableToVerifyFirstCertificate:
     case QSslError::CertificateUntrusted:
-      return u"It is signed by an authority that is not known here.";
+      return CertificateFault::kUnknownAuthority;
     case QSslError::CertificateRevoked:
     case QSslError::CertificateBlacklisted:
-      return u"It has been withdrawn.";
+      return CertificateFault::kWithdrawn;
     case QSslError::InvalidPurpose:
-      return u"It is not meant for a server.";
+      return CertificateFault::kWrongPurpose;
     default:
-      return u"It cannot be verified.";
+      return CertificateFault::kOther;
   }
 }
 
@@ -111,18 +111,15 @@ void TlsStream::SocketFailed(QAbstractSocket::SocketError error) {
 Text TlsStream::HandshakeWords(QAbstractSocket::SocketError error) const {
   if (!socket_.sslHandshakeErrors().isEmpty()) return CertificateWords();
   if (error == QAbstractSocket::RemoteHostClosedError) {
-    return u"The server closed the connection while it was being encrypted.";
+    return Text(kClosedInHandshakeWords);
   }
-  if (IsAboutPlainText(socket_.errorString())) {
-    return u"The server does not encrypt connections on this port.";
-  }
-  return u"The server and this computer found no common way to encrypt the connection.";
+  return Text(IsAboutPlainText(socket_.errorString()) ? kNoTlsWords : kNoCommonTlsWords);
 }
 
 Text TlsStream::CertificateWords() const {
-  Text words = u"The certificate of '" + host_.toStdU16String() + u"' is not accepted.";
+  Text words = RefusedCertificateText(host_.toStdU16String());
   for (const QSslError& error : socket_.sslHandshakeErrors()) {
-    const TextView reason = Words(error.error());
+    const TextView reason = CertificateFaultWords(FaultOf(error.error()));
     if (!Contains(words, reason)) words.append(u" ").append(reason);
   }
   return words;

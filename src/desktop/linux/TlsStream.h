@@ -7,7 +7,7 @@
 #include <memory>
 #include <string_view>
 
-#include "desktop/linux/ByteStream.h"
+#include "desktop/ByteStream.h"
 
 namespace vesko {
 

@@ -1,14 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "platform/Locale.h"
 #include "platform/Socket.h"
 
 namespace vesko {
 
-/// A TCP client on Winsock whose events come with the thread's message pump. The locale must
-/// outlive the socket.
-std::unique_ptr<Socket> MakeWinSocket(const Locale& locale);
+/// A TCP client on Winsock whose events come with the thread's message pump. `certificate_file`
+/// names (in the system's code page) a PEM file of certificate authorities trusted besides the
+/// system's; it is read with each TLS connection, and without effect when it cannot be read. A
+/// connection to one of `tls_ports` is TLS (1.2 or later) from its first byte. The locale must
+/// outlive the socket; the socket must not be destroyed from within one of its events.
+std::unique_ptr<Socket> MakeWinSocket(const Locale& locale,
+                                      const std::string& certificate_file = {},
+                                      std::vector<int32_t> tls_ports = {kPop3sPort});
 
 }  // namespace vesko

@@ -1,0 +1,86 @@
+#pragma once
+
+// Before windows.h, which would bring the older Winsock.
+#include <winsock2.h>
+// After winsock2.h.
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desktop/ByteStream.h"
+#include "desktop/windows/MessageWindow.h"
+
+namespace vesko {
+
+/// Keeps Winsock running in this process.
+class WinsockUse {
+ public:
+  WinsockUse() {
+    WSADATA data;
+    WSAStartup(MAKEWORD(2, 2), &data);
+  }
+  ~WinsockUse() { WSACleanup(); }
+  WinsockUse(const WinsockUse&) = delete;
+  WinsockUse& operator=(const WinsockUse&) = delete;
+};
+
+struct WinAddress {
+  SOCKADDR_STORAGE storage{};
+  int size = 0;
+
+  int Family() const { return storage.ss_family; }
+  const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
+};
+
+/// A plain TCP connection, reusable. A message of the pump costs one read into one buffer, which is
+/// what a check of many small replies lives on. Must not be destroyed from within a listener call.
+class WinTcpStream final : public ByteStream {
+ public:
+  WinTcpStream();
+  ~WinTcpStream() override { Close(); }
+  WinTcpStream(const WinTcpStream&) = delete;
+  WinTcpStream& operator=(const WinTcpStream&) = delete;
+
+  /// Tries the addresses, which hold the port, in order until one accepts, with the system's
+  /// time-outs; reports the outcome to the listener, which must live until Close. `local_port` 0 is
+  /// any. To be called by the message pump, with the stream closed: a failure is reported at once.
+  void Open(ByteStreamListener& listener, std::vector<WinAddress> addresses, uint16_t local_port);
+
+  /// Drops the connection and all that waits.
+  void Close();
+
+  void Send(std::string_view bytes) override;
+
+  /// The connection fails with a system error as soon as the pump runs.
+  void FailLater(int system_error);
+
+ private:
+  void TryNextAddress();
+  bool StartConnecting(const WinAddress& address);
+  bool ConnectFailed(int error);
+  void Event(UINT message, int event, int error);
+  void FinishConnecting(int error);
+  void Readable();
+  void PeerClosing(int error);
+  void Flush();
+  void CloseSocket();
+  void Fail(int system_error);
+
+  MessageWindow window_;
+  std::unique_ptr<char[]> piece_;  // what one read takes
+  ByteStreamListener* listener_ = nullptr;
+  SOCKET socket_ = INVALID_SOCKET;
+  UINT message_;                       // of this socket; an earlier one's may still be in the queue
+  bool peer_closed_ = false;           // reported
+  bool blocked_ = false;               // the system takes nothing more for now
+  std::vector<WinAddress> addresses_;  // not tried yet, the next one last
+  uint16_t local_port_ = 0;
+  int connect_error_ = 0;
+  std::string unsent_;
+};
+
+}  // namespace vesko
