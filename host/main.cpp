@@ -119,7 +119,6 @@ int TerminationSignals() {
 
 int RunHost(int& argc, char** argv, const QString& command) {
   QApplication application(argc, argv);
-  QApplication::setApplicationDisplayName(QStringLiteral("Vesko Mail Check"));
   QApplication::setDesktopFileName(QStringLiteral("vesko-host"));
   QApplication::setQuitOnLastWindowClosed(false);
 

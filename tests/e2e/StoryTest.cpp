@@ -1,0 +1,233 @@
+// One person's first day with the program: real windows on a real X server, real keys and clicks, a
+// real mail server.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "e2e/Dovecot.h"
+#include "support/PrivateMachine.h"
+#include "support/TempFolder.h"
+
+namespace vesko {
+namespace {
+
+constexpr auto kPatience = std::chrono::seconds(30);
+
+std::string Output(const std::string& command) {
+  std::string output;
+  FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+  std::array<char, 4096> piece{};
+  while (size_t size = fread(piece.data(), 1, piece.size(), pipe))
+    output.append(piece.data(), size);
+  pclose(pipe);
+  while (output.ends_with('\n')) output.pop_back();
+  return output;
+}
+
+int Shell(const std::string& command) { return WEXITSTATUS(std::system(command.c_str())); }
+
+bool Until(const std::function<bool()>& holds) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (std::chrono::steady_clock::now() < end) {
+    if (holds()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  return false;
+}
+
+/// A process that ends with its object.
+class Process {
+ public:
+  explicit Process(const std::string& command) : pid_(fork()) {
+    if (pid_ != 0) return;
+    execl("/bin/sh", "sh", "-c", ("exec " + command).c_str(), nullptr);
+    _exit(127);
+  }
+  ~Process() {
+    if (pid_ <= 0) return;
+    kill(pid_, SIGTERM);
+    waitpid(pid_, nullptr, 0);
+  }
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  /// The exit code, once it has ended by itself.
+  int Wait() {
+    int status = 0;
+    waitpid(std::exchange(pid_, 0), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  pid_t pid_;
+};
+
+/// What the person sees and does.
+class Desk {
+ public:
+  static std::string FindWindow(const std::string& title) {
+    return Output("xdotool search --onlyvisible --name '^" + title + "'");
+  }
+
+  /// Waits for a window and turns to it.
+  static bool TurnTo(const std::string& title) {
+    const bool there = Until([&] { return !FindWindow(title).empty(); });
+    if (there) {
+      Output("xdotool search --onlyvisible --name '^" + title + "' windowactivate --sync");
+      Settle();
+    }
+    return there;
+  }
+
+  static bool IsGone(const std::string& title) {
+    return Until([&] { return FindWindow(title).empty(); });
+  }
+
+  static void Press(const std::string& keys) {
+    Output("xdotool key --clearmodifiers --delay 40 " + keys);
+    Settle();
+  }
+  static void Type(const std::string& text) {
+    Output("xdotool type --clearmodifiers --delay 20 '" + text + "'");
+    Settle();
+  }
+  /// Clicks at a place of a window.
+  static void Click(const std::string& title, int x, int y, int button = 1) {
+    Output("xdotool search --onlyvisible --name '^" + title + "' mousemove --window %1 " +
+           std::to_string(x) + " " + std::to_string(y) + " click " + std::to_string(button));
+    Settle();
+  }
+
+  static void Picture(const std::string& file) {
+    const char* folder = std::getenv("VESKO_STORY_PICTURES");
+    if (folder) Shell("import -window root " + std::string(folder) + "/" + file + ".png");
+  }
+
+ private:
+  // A person looks before the next key; a program takes some time to draw.
+  static void Settle() { std::this_thread::sleep_for(std::chrono::milliseconds(150)); }
+};
+
+std::string Message(int number) {
+  const bool spam = number % 5 == 0;
+  return "From: \"Person " + std::to_string(number) +
+         "\" <p@b.example>\r\nSubject: " + (spam ? "MELISSA was here " : "Hello ") +
+         std::to_string(number) + "\r\nMessage-ID: <" + std::to_string(number) +
+         "@story.example>\r\nDate: Mon, 5 Oct 2026 09:12:44 +0900\r\n" + "\r\nBody\r\n";
+}
+
+class Story : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "XDG_DATA_HOME"}) {
+      setenv(name, home_.Path().c_str(), 1);
+    }
+    setenv("DISPLAY", display_.c_str(), 1);
+    unsetenv("QT_QPA_PLATFORM");
+    unsetenv("WAYLAND_DISPLAY");
+    ASSERT_TRUE(Until([] { return Shell("xdotool getdisplaygeometry >/dev/null 2>&1") == 0; }));
+    manager_ = std::make_unique<Process>("openbox 2>/dev/null");
+    ASSERT_EQ(Shell(VESKO_REGISTER " " VESKO_LIBRARY), 0);
+  }
+
+  static constexpr const char* kHost = VESKO_HOST;
+
+  TempFolder home_;
+  // Screens are numbered; the process number keeps tests that run at once apart.
+  std::string display_ = ":" + std::to_string(1000 + getpid() % 50000);
+  Process screen_{"Xvfb " + display_ + " -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1"};
+  std::unique_ptr<Process> manager_;
+};
+
+TEST_F(Story, FirstRunToCleanMailboxAndBack) {
+  Dovecot dovecot({Dovecot::Account{"kim", "first secret"}});
+  for (int i = 1; i <= 10; ++i) dovecot.Deliver("kim", Message(i));
+
+  Process first(std::string(kHost) + " --check");
+  ASSERT_TRUE(Desk::TurnTo("VeskoEx"));  // no account yet: configure now?
+  Desk::Picture("question");
+  Desk::Press("alt+y");
+
+  ASSERT_TRUE(Desk::TurnTo("POP3 Mail Configurarion"));
+  Desk::Press("Tab Tab space");  // past the tabs and the empty list to "New"
+  Desk::Picture("new-account");
+  Desk::Press("Tab Tab");  // past "Delete" to the first box
+  Desk::Type("Home");
+  Desk::Press("Tab");
+  Desk::Type("127.0.0.1");
+  Desk::Press("Tab");
+  Desk::Type("kim");
+  Desk::Press("Tab");
+  Desk::Type("first secret");
+  Desk::Press("Tab");
+  Desk::Type(std::to_string(dovecot.Port()));
+  Desk::Press("Tab space");  // save the password
+  Desk::Picture("account");
+  Desk::Press("Return");
+
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .9 NEW MAILS, 2 SPAM MAILS."));
+  Desk::Picture("list");
+  Desk::Press("Tab Down");  // from the first button to the list
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .8 NEW MAILS, 2 SPAM MAILS."));
+  Desk::Press("ctrl+s");
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .8 NEW MAILS, 3 SPAM MAILS."));
+  Desk::Press("ctrl+o");
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .8 NEW MAILS, 2 SPAM MAILS."));
+  Desk::Press("ctrl+a ctrl+n");
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .10 NEW MAILS, 2 SPAM MAILS."));
+
+  // By subject, descending: the two "MELISSA" come first, and the click on one reads it.
+  Desk::Click("10 MAILS", 260, 22);
+  Desk::Click("10 MAILS", 260, 46);
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .9 NEW MAILS, 2 SPAM MAILS."));
+  Desk::Picture("sorted");
+  Desk::Click("10 MAILS", 260, 46, 3);  // the menu, and its first item but one
+  Desk::Picture("menu");
+  Desk::Press("Down Down Return");
+  ASSERT_TRUE(Desk::TurnTo("10 MAILS .9 NEW MAILS, 1 SPAM MAILS."));
+  Desk::Press("ctrl+s");
+
+  const std::string before = std::to_string(dovecot.Files("kim").size());
+  Desk::Press("alt+d");
+  ASSERT_TRUE(Desk::TurnTo("8 MAILS .[78] NEW MAILS, 0 SPAM MAILS."));
+  Desk::Picture("cleaned");
+  EXPECT_EQ(before, "10");
+  EXPECT_EQ(dovecot.Files("kim").size(), 8u);
+  Desk::Press("Escape");
+  EXPECT_TRUE(Desk::IsGone("8 MAILS"));
+
+  EXPECT_EQ(Shell(std::string(kHost) + " --quit"), 0);
+  EXPECT_EQ(first.Wait(), 0);
+
+  Process again(std::string(kHost) + " --check");
+  ASSERT_TRUE(Desk::TurnTo("8 MAILS .7 NEW MAILS, 0 SPAM MAILS."));
+  Desk::Press("Escape");
+  EXPECT_TRUE(Desk::IsGone("8 MAILS"));
+  EXPECT_EQ(Shell(std::string(kHost) + " --configure"), 0);  // handed to the one that runs
+  ASSERT_TRUE(Desk::TurnTo("POP3 Mail Configurarion"));
+  Desk::Picture("settings");
+  Desk::Press("Escape");
+  EXPECT_TRUE(Desk::IsGone("POP3 Mail Configurarion"));
+  EXPECT_EQ(Shell(std::string(kHost) + " --quit"), 0);
+  EXPECT_EQ(again.Wait(), 0);
+}
+
+}  // namespace
+}  // namespace vesko
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  vesko::EnterPrivateMachine();
+  return RUN_ALL_TESTS();
+}
