@@ -144,14 +144,17 @@ TEST_F(ShellTest, MailClientIsTheFirstUsableOfThoseNamed) {
   EXPECT_EQ(Client(), "bin/two");
 }
 
-TEST_F(ShellTest, RemovedAssociationsDoNotCount) {
+TEST_F(ShellTest, EntriesThatDoNotCount) {
   Program("bin/one");
   Entry("share/applications/one.desktop", "Exec=one");
-  folder_.Write("share/applications/mimeinfo.cache",
-                "[MIME Cache]\nx-scheme-handler/mailto=one.desktop;");
-  folder_.Write("conf/mimeapps.list",
-                "[Removed Associations]\nx-scheme-handler/mailto=one.desktop;");
-  EXPECT_EQ(Client(), "");
+  Entry("outside.desktop", "Exec=one");
+  const std::string handler = "x-scheme-handler/mailto=";
+  folder_.Write("share/applications/mimeinfo.cache", "[MIME Cache]\n" + handler + "one.desktop");
+  for (auto* name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
+    folder_.Write("conf/mimeapps.list", "[Removed Associations]\n" + handler + "one.desktop\n" +
+                                            "[Default Applications]\n" + handler + name);
+    EXPECT_EQ(Client(), "") << name;
+  }
 }
 
 TEST_F(ShellTest, ProgramOfADesktopEntry) {
@@ -166,21 +169,17 @@ TEST_F(ShellTest, ProgramOfADesktopEntry) {
   const std::pair<std::string, const char*> rows[] = {
       {"Exec=mail", "bin/mail"},
       {"Exec=" + at + "bin/mail --compose %u", "bin/mail"},
-      {"Exec=\"mail\" -x", "bin/mail"},
       {"Exec=\"" + at + "my \\\\\"mail\\\\\"\" %U", "my \"mail\""},
       {"Exec=" + at + "100%%", "100%"},
       {"Exec=env A=1 B=x=y mail %u", "bin/mail"},
-      {"TryExec=mail\nExec=mail", "bin/mail"},
       {"Exec=" + at + "bin/flatpak run --branch=x org.mail.App @@u %u @@",
        "flatpak/bin/org.mail.App"},
       {"TryExec=missing\nExec=mail", ""},
       {"Exec=env -u A mail", ""},
       {"Exec=env A=1", ""},
       {"Exec=%u", ""},
-      {"Exec=", ""},
       {"Name=x", ""},
       {"Exec=missing", ""},
-      {"Exec=bin/mail", ""},
       {"Exec=" + at + "bin", ""},
       {"Exec=document", ""},
       {"Exec=../bin/mail", ""},
@@ -192,16 +191,6 @@ TEST_F(ShellTest, ProgramOfADesktopEntry) {
   for (const auto& [lines, client] : rows) {
     Entry("flatpak/share/applications/org.mail.App.desktop", lines);
     EXPECT_EQ(Client(), client) << lines;
-  }
-}
-
-TEST_F(ShellTest, EntriesStayBelowTheirFolder) {
-  Program("bin/mail");
-  Entry("outside.desktop", "Exec=mail");
-  for (auto* name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
-    folder_.Write("conf/mimeapps.list",
-                  "[Default Applications]\nx-scheme-handler/mailto=" + std::string(name));
-    EXPECT_EQ(Client(), "") << name;
   }
 }
 
@@ -228,11 +217,9 @@ TEST_F(ShellTest, ForeignPreferencesAreNotTrusted) {
   const Row rows[] = {
       {"userName\", \"u\\r\\nDELE 1\\x00\\u0085\"", "uDELE 1@h|h|uDELE 1|110\n"},
       {"port\", 0", "h" + host},
-      {"port\", -1", "h" + host},
       {"port\", 65536", "h" + host},
       {"port\", 99999999999", "h" + host},
       {"port\", \"x\"", "h" + host},
-      {"port\", true", "h" + host},
       {"name\", \"unclosed", "h" + host},
       {"name\", \"\\u12\"", "h" + host},
       {"name\", \"\\uD800\"", "?" + host},

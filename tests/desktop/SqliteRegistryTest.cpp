@@ -138,15 +138,6 @@ TEST(SqliteRegistry, ObstaclesAreStatusCodesAndSpareTheOtherHive) {
   }
 }
 
-TEST(SqliteRegistry, AnEmptyFileIsAHiveToBe) {
-  TempFolder folder;
-  folder.Write(kFile, "");
-  auto registry = RegistryIn(folder);
-  EXPECT_EQ(Get(*registry, "v"), "status 2");
-  EXPECT_EQ(Put(*registry, "v", "x"), kStatusSuccess);
-  EXPECT_EQ(Get(*registry, "v"), "x");
-}
-
 TEST(SqliteRegistry, DamagedFilesNeverCrash) {
   TempFolder folder;
   SaveAll(*RegistryIn(folder), std::string(300, 'x'));

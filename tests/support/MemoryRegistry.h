@@ -22,8 +22,7 @@ enum class RegistryCall {
   kDeleteValue,
 };
 
-/// A registry in memory. It also notes what a real one does not tell: transactions, and handles
-/// that were left open.
+/// A registry in memory, which also notes what a real one does not tell about transactions.
 class MemoryRegistry : public Registry {
  public:
   /// From now on the n-th call of the operation, counted from 1, does nothing but return the
@@ -35,8 +34,7 @@ class MemoryRegistry : public Registry {
   void PutText(int32_t root, std::string_view path, std::string_view name, std::string_view text);
   void PutNumber(int32_t root, std::string_view path, std::string_view name, int32_t number);
   void Put(int32_t root, std::string_view path, std::string_view name, uint32_t type,
-           std::string data);
-
+           std::string_view data);
   bool HasKey(int32_t root, std::string_view path) const;
   /// Type and raw data; nothing where there is no such value.
   std::optional<std::pair<uint32_t, std::string>> Get(int32_t root, std::string_view path,
@@ -45,7 +43,7 @@ class MemoryRegistry : public Registry {
   std::string Show(int32_t root, std::string_view path, std::string_view name) const;
 
   /// Number of transactions begun on a root, outermost ones only.
-  int Transactions(int32_t root) const;
+  int Transactions(int32_t root) { return hives_[root].transactions; }
   /// Number of values set and keys created or deleted while no transaction of their hive lived.
   int WritesOutsideTransactions() const { return loose_writes_; }
 
@@ -53,7 +51,7 @@ class MemoryRegistry : public Registry {
 
   int32_t OpenKey(int32_t root, std::string_view path, uint32_t access, KeyHandle& key) override;
   int32_t CreateKey(int32_t root, std::string_view path, KeyHandle& key) override;
-  void CloseKey(KeyHandle key) override;
+  void CloseKey(KeyHandle) override {}
   int32_t QueryValue(KeyHandle key, std::string_view name, uint32_t& type,
                      std::string& data) override;
   int32_t SetValue(KeyHandle key, std::string_view name, uint32_t type,
@@ -87,10 +85,10 @@ class MemoryRegistry : public Registry {
   using Place = std::pair<int32_t, std::string>;  // root and folded path
 
   int32_t FaultOf(RegistryCall call);
+  int32_t Enter(RegistryCall call, KeyHandle handle, Key*& key);
+  void NoteWrite(int32_t root) { loose_writes_ += hives_[root].depth == 0; }
   Key& MakeKey(int32_t root, std::string_view path);
-  void NoteWrite(int32_t root);
-  Key* KeyOf(KeyHandle handle);
-  KeyHandle HandleOf(const Place& place);
+  KeyHandle HandleOf(Place place);
   std::vector<std::string> SubKeys(const Place& place) const;
 
   std::map<Place, Key> keys_;
