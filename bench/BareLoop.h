@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace vesko {
+
+struct BareLoopResult {
+  int messages = 0;
+  size_t bytes = 0;  // of the replies to TOP
+};
+
+/// The least that a check can cost: a blocking socket that sends the same commands one by one,
+/// waits for each reply, and looks at nothing but its end. The message count is STAT's. Throws
+/// std::runtime_error where a reply does not come.
+BareLoopResult RunBareLoop(uint16_t port, const std::string& user, const std::string& password,
+                           int down_lines);
+
+}  // namespace vesko

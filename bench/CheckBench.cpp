@@ -1,0 +1,200 @@
+// What a check costs beside the least that it can cost: the component's own check (window shown,
+// every message parsed and kept) and a bare blocking loop, against the same server.
+//
+//   vesko_bench_check             1,000, 10,000 and 32,767 messages from a server in memory
+//   vesko_bench_check --dovecot   10,000 messages of a Maildir behind Dovecot
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "BareLoop.h"
+#include "SampleMail.h"
+#include "config/Configuration.h"
+#include "config/mmEncrypt.h"
+#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/QtSocket.h"
+#include "desktop/linux/QtToolkit.h"
+#include "dialogs/fCheckMail.h"
+#include "e2e/Dovecot.h"
+#include "maillist/colMails.h"
+
+namespace vesko {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRounds = 3;  // of which the best counts: the machine has other things to do
+constexpr const char* kPassword = "secret";
+
+struct Pipe {
+  explicit Pipe(const std::string& command) : file(::popen(command.c_str(), "r")) {}
+  ~Pipe() { ::pclose(file); }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  FILE* file;
+};
+
+struct Cost {
+  double wall_seconds = 1e9;
+  double processor_seconds = 1e9;  // of the measured process alone, the system's part included
+};
+
+double ProcessorSeconds() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  auto seconds = [](const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+  };
+  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+template <typename Step>
+Cost Measure(Step step) {
+  const auto start = std::chrono::steady_clock::now();
+  const double processor_start = ProcessorSeconds();
+  step();
+  return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
+          ProcessorSeconds() - processor_start};
+}
+
+double PeakMegabytes() {
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+class SteadySeconds : public Clock {
+ public:
+  double Seconds() const override {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+  }
+};
+
+struct CheckResult {
+  Cost cost;
+  double megabytes = 0;  // growth of the peak of resident memory
+  int messages = 0;
+};
+
+// One check in this process, whose memory is its own.
+CheckResult RunCheck(const std::string& user, uint16_t port) {
+  int count = 1;
+  char name[] = "vesko_bench_check";
+  char* arguments[] = {name, nullptr};
+  QApplication application(count, arguments);
+  const std::unique_ptr<Toolkit> toolkit = MakeQtToolkit();
+  const std::unique_ptr<Locale> locale = MakeIcuLocale(kCodePageUtf8, "en_US");
+  const std::unique_ptr<Socket> socket = MakeQtSocket(*locale, {});
+  const SteadySeconds clock;
+  Configuration configuration;
+  colMails mails;
+  const Text password = Encrypt(FromAscii(kPassword), *locale);
+  Variant account =
+      Join({u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(port), u"0"}, kCrLf);
+  configuration.Accounts.Add(account);
+  const Text font_name;
+  fCheckMail window({*toolkit, *locale, configuration, mails, *socket, clock, font_name});
+  window.Prepare();
+  CheckResult result;
+  const double before = PeakMegabytes();
+  result.cost = Measure([&] { window.ShowModal(); });
+  result.megabytes = PeakMegabytes() - before;
+  result.messages = static_cast<int>(mails.Count());
+  return result;
+}
+
+CheckResult RunCheckInItsOwnProcess(const std::string& user, uint16_t port) {
+  const std::string self = fs::read_symlink("/proc/self/exe").string();
+  Pipe child("'" + self + "' --child " + user + " " + std::to_string(port));
+  CheckResult result;
+  if (std::fscanf(child.file, "%lf %lf %lf %d", &result.cost.wall_seconds,
+                  &result.cost.processor_seconds, &result.megabytes, &result.messages) != 4) {
+    throw std::runtime_error("the check came to nothing");
+  }
+  return result;
+}
+
+void Report(const BareLoopResult& bare, const Cost& bare_cost, const CheckResult& check) {
+  std::printf(
+      "%6d messages: bare loop %6.3f s (processor %6.3f), check %6.3f s (%6.3f), ratio %.2f\n",
+      bare.messages, bare_cost.wall_seconds, bare_cost.processor_seconds, check.cost.wall_seconds,
+      check.cost.processor_seconds, check.cost.wall_seconds / bare_cost.wall_seconds);
+  const double fetched = static_cast<double>(bare.bytes) / (1 << 20);
+  std::printf("                 fetched %.1f MB, memory grew by %.1f MB = %.2f of it\n", fetched,
+              check.megabytes, check.megabytes / fetched);
+  std::fflush(stdout);
+}
+
+void Compare(const std::string& user, uint16_t port) {
+  Cost bare_cost;
+  CheckResult best;
+  BareLoopResult bare;
+  for (int round = 0; round < kRounds; ++round) {
+    const Cost cost =
+        Measure([&] { bare = RunBareLoop(port, user, kPassword, Configuration().DownLines); });
+    if (cost.wall_seconds < bare_cost.wall_seconds) bare_cost = cost;
+    const CheckResult check = RunCheckInItsOwnProcess(user, port);
+    if (check.messages != bare.messages) throw std::runtime_error("messages are missing");
+    if (check.cost.wall_seconds < best.cost.wall_seconds) best = check;
+  }
+  Report(bare, bare_cost, best);
+}
+
+void CompareInMemory() {
+  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+  Pipe server("exec '" + (folder / "vesko_bench_memory_server").string() + "'");
+  int port = 0;
+  if (std::fscanf(server.file, "%d", &port) != 1) throw std::runtime_error("no server");
+  for (const char* count : {"1000", "10000", "32767"}) Compare(count, static_cast<uint16_t>(port));
+  std::exit(0);  // which ends the server; waiting for it would never end
+}
+
+void CompareWithDovecot() {
+  constexpr int kMessages = 10000;
+  Dovecot server(std::vector<Dovecot::Account>{{"anna", kPassword}});
+  for (int i = 1; i <= kMessages; ++i) server.Deliver("anna", SampleMail(i));
+  RunBareLoop(server.Port(), "anna", kPassword, 0);  // the server builds its index
+  Compare("anna", server.Port());
+}
+
+int Main(const std::vector<std::string>& arguments) {
+  if (arguments.size() == 3 && arguments[0] == "--child") {
+    const CheckResult result =
+        RunCheck(arguments[1], static_cast<uint16_t>(std::stoi(arguments[2])));
+    std::printf("%f %f %f %d\n", result.cost.wall_seconds, result.cost.processor_seconds,
+                result.megabytes, result.messages);
+    return 0;
+  }
+  if (arguments.empty()) {
+    CompareInMemory();
+  } else if (arguments[0] == "--dovecot") {
+    CompareWithDovecot();
+  } else {
+    return 2;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace vesko
+
+int main(int count, char** arguments) {
+  try {
+    return vesko::Main(std::vector<std::string>(arguments + 1, arguments + count));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
