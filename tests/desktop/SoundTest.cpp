@@ -111,17 +111,14 @@ TEST_F(SoundTest, WhatIsNoWaveFileIsRefused) {
     bool plays;
   };
   const Case kCases[] = {
-      {"empty", {}, false},
       {"words", "RIFF? No.", false},
       {"no format", Sample().left(12) + Sample().mid(36), false},
       {"cut off in the format", Sample().left(30), false},
       {"a chunk that promises gigabytes", SampleWith(16, "\xFF\xFF\xFF\x7F"), false},
-      {"a coded kind", SampleWith(20, "\x55"), false},
       {"too many channels", SampleWith(22, "\xFF"), false},
       {"24 bits", SampleWith(34, "\x18"), false},
       {"cut off in the samples", Sample().left(5000), true},
       {"samples that promise gigabytes", SampleWith(40, "\xFF\xFF\xFF\x7F"), true},
-      {"no samples", Sample().left(44), true},
       {"a chunk of odd length before",
        Sample().left(12) + QByteArray("LIST\1\0\0\0ab", 10) + Sample().mid(12), true},
   };

@@ -65,6 +65,17 @@ class Window : public QDialog {
   WindowEvents* events_;
 };
 
+/// What stands in a window. It scrolls where it cannot have its least height, not its favourite
+/// one.
+class Content : public QWidget {
+ public:
+  int LeastWidth() const { return layout()->totalMinimumSize().width(); }
+  int heightForWidth(int width) const override {
+    return layout()->hasHeightForWidth() ? layout()->totalMinimumHeightForWidth(width)
+                                         : layout()->totalMinimumSize().height();
+  }
+};
+
 class QtForm : public FormPeer, private Mirrored, private WindowEvents {
  public:
   QtForm(Form& form, Windows& windows)
@@ -96,12 +107,16 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
     GetMirror().SynchroniseAll();
     ForgetMeasures();
     const QSize most = LargestSize();
-    const int width = std::min(std::max(form_.Width(), LeastWidth()), most.width());
-    const int height = std::min(std::max(form_.Height(), LeastHeight(width)), most.height());
-    window_->setMinimumSize(std::min(LeastWidth(), width), std::min(LeastHeight(width), height));
+    const int least_width = content_->LeastWidth();
+    const int width = std::min(std::max(form_.Width(), least_width), most.width());
+    const int least_height = content_->heightForWidth(width);
+    const int height = std::min(std::max(form_.Height(), least_height), most.height());
+    window_->setMinimumSize(std::min(least_width, width), std::min(least_height, height));
+    AllowScrolling(least_width > width || least_height > height);
     if (width == form_.Width() && height == form_.Height()) return;
-    form_.Move(form_.Left() - (width - form_.Width()) / 2,
-               form_.Top() - (height - form_.Height()) / 2);
+    const QRect screen = AvailableScreen(windows_);
+    form_.Move(std::max(screen.left(), form_.Left() - (width - form_.Width()) / 2),
+               std::max(screen.top(), form_.Top() - (height - form_.Height()) / 2));
     form_.Resize(width, height);
   }
 
@@ -142,17 +157,25 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
 
   // A window that is too large for the screen scrolls rather than cutting anything off.
   void BuildContent() {
-    content_ = new QWidget;
+    content_ = new Content;
     content_->setLayout(BuildLayout(form_.GetLayout(), context_, peers_));
-    auto* const scroller = new QScrollArea;
-    scroller->setFrameShape(QFrame::NoFrame);
-    scroller->setWidgetResizable(true);
-    scroller->setFocusPolicy(Qt::NoFocus);
-    scroller->setWidget(content_);
+    scroller_ = new QScrollArea;
+    scroller_->setFrameShape(QFrame::NoFrame);
+    scroller_->setWidgetResizable(true);
+    scroller_->setFocusPolicy(Qt::NoFocus);
+    scroller_->setWidget(content_);
     auto* const frame = new QVBoxLayout(window_);
     frame->setContentsMargins(0, 0, 0, 0);
-    frame->addWidget(scroller);
+    frame->addWidget(scroller_);
     frame->setSizeConstraint(QLayout::SetNoConstraint);
+  }
+
+  // Where everything fits, a scroll bar could only come by a mistake: text that wraps takes more
+  // lines beside it, and so it would stay.
+  void AllowScrolling(bool allow) {
+    const auto policy = allow ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
+    scroller_->setHorizontalScrollBarPolicy(policy);
+    scroller_->setVerticalScrollBarPolicy(policy);
   }
 
   // With a default button, the one with the focus takes its place and its look; without one, Enter
@@ -219,13 +242,6 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
     for (QLayout* const layout : content_->findChildren<QLayout*>()) layout->invalidate();
   }
 
-  int LeastWidth() const { return content_->layout()->totalMinimumSize().width(); }
-  int LeastHeight(int width) const {
-    QLayout* const layout = content_->layout();
-    return layout->hasHeightForWidth() ? layout->totalMinimumHeightForWidth(width)
-                                       : layout->totalMinimumSize().height();
-  }
-
   void Leave() {
     *open_ = false;
     std::erase_if(windows_.shown, [this](const auto& shown) { return shown.form == &form_; });
@@ -260,7 +276,8 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
   Windows& windows_;
   PeerContext context_;
   Window* window_;
-  QWidget* content_ = nullptr;
+  QScrollArea* scroller_ = nullptr;
+  Content* content_ = nullptr;
   std::vector<PeerPtr> peers_;  // in the order of the layout
   std::vector<QWidget*> tab_order_;
   std::shared_ptr<bool> open_ = std::make_shared<bool>(false);

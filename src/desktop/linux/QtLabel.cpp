@@ -25,13 +25,13 @@ class TextLabel : public QLabel {
   void SetShortened(bool shortened) {
     if (shortened_ == shortened) return;
     shortened_ = shortened;
-    setSizePolicy(shortened ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setSizePolicy(shortened ? QSizePolicy::Expanding : QSizePolicy::Preferred, QSizePolicy::Fixed);
   }
 
   void SetWraps(bool wraps) {
     if (wordWrap() == wraps) return;
     setWordWrap(wraps);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     if (wraps) setSizePolicy(policy);
   }
@@ -41,7 +41,9 @@ class TextLabel : public QLabel {
     return shortened_ ? QSize(Chars(kShortestLine), LineHeight()) : QLabel::sizeHint();
   }
   QSize minimumSizeHint() const override {
-    return wordWrap() || shortened_ ? sizeHint() : QLabel::minimumSizeHint();
+    // How high it really gets depends on the width that it is given.
+    if (wordWrap()) return {WrappedSize().width(), LineHeight()};
+    return shortened_ ? sizeHint() : QLabel::minimumSizeHint();
   }
 
  protected:

@@ -20,7 +20,7 @@
 namespace vesko {
 namespace {
 
-constexpr double kUsualCharWidth = 6;
+constexpr double kUsualCharWidth = 5;
 
 /// The control's rows as they were when the view was last reset. Nothing is copied: cells are read
 /// from the control when they are painted.
@@ -68,10 +68,11 @@ class RowModel : public QAbstractTableModel {
   int columns_ = 0;
 };
 
-/// What the view reports. A press of a key or button comes when the view has handled it itself.
+/// What the view reports.
 class RowViewEvents {
  public:
   virtual ~RowViewEvents() = default;
+  virtual void MouseAims() = 0;                         // before a press counts
   virtual bool KeyPressed(const QKeyEvent& event) = 0;  // true when it was used up
   virtual void KeyHandled() = 0;
   virtual void MouseHandled(const QMouseEvent& event, int row) = 0;
@@ -114,6 +115,7 @@ class RowView : public QTreeView {
   }
 
   void mousePressEvent(QMouseEvent* event) override {
+    if (events_) events_->MouseAims();
     QTreeView::mousePressEvent(event);
     const QModelIndex index = indexAt(event->position().toPoint());
     if (events_) events_->MouseHandled(*event, index.isValid() ? index.row() : -1);
@@ -256,6 +258,9 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
     MarkChanged();  // the view has turned its arrow by itself
     Raise(Context(), [&] { list_.ClickColumn(section + 1); });
   }
+
+  // A press is for the row that stands there now.
+  void MouseAims() override { SynchroniseIfChanged(); }
 
   bool KeyPressed(const QKeyEvent& event) override {
     const int key = KeyCode(event);

@@ -6,7 +6,7 @@ namespace vesko {
 namespace {
 
 constexpr size_t kLongestLine = 1000;
-constexpr int kLongestWord = 40;
+constexpr int kLongestWord = 16;
 // Wrapping takes quadratic time in the length of a word.
 constexpr size_t kLongestUnbroken = 2000;
 constexpr QChar kZeroWidthSpace(0x200B);
