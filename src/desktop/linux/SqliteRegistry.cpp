@@ -7,14 +7,16 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <optional>
+#include <thread>
 #include <utility>
 
 namespace vesko {
 namespace {
 
-constexpr int kBusyMilliseconds = 2000;  // a save takes a few; who waits is a person
+constexpr int kBusyMilliseconds = 5000;  // a save takes a few; who waits is a person
 constexpr int kSchemaVersion = 1;
 
 /// The root key is a row as well, so that it can have values. Identifiers are never used twice:
@@ -48,7 +50,7 @@ enum Sql : size_t {
 
 constexpr std::array<const char*, kSqlCount> kSql = {
     "SELECT id FROM keys WHERE parent=?1 AND name=?2",
-    "INSERT INTO keys(parent, name) VALUES(?1, ?2)",
+    "INSERT INTO keys(parent, name) VALUES(?1, ?2) ON CONFLICT DO NOTHING",
     "SELECT type, data FROM entries WHERE key=?1 AND name=?2",
     "INSERT INTO entries(key, name, type, data) VALUES(?1, ?2, ?3, ?4)"
     " ON CONFLICT(key, name) DO UPDATE SET type=excluded.type, data=excluded.data",
@@ -96,12 +98,27 @@ bool MakeFolders(const std::string& folder) {
 }
 
 /// Creates an empty file, for its owner only, where there is none. What belongs to it (log and
-/// shared memory) is given the same access.
+/// shared memory) is given the same access. One that is there is not opened: closing it again would
+/// drop the locks of this process.
 bool MakeFile(const std::string& path) {
-  int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (file < 0) return false;
+  int file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (file < 0) return errno == EEXIST;
   close(file);
   return true;
+}
+
+/// Runs a step again while another process is making the hive: SQLite does not wait for a change
+/// of the kind of log as it does for a write.
+template <typename Step>
+int32_t WaitingWhileBusy(Step&& step) {
+  using Clock = std::chrono::steady_clock;
+  const auto end = Clock::now() + std::chrono::milliseconds(kBusyMilliseconds);
+  int32_t status = step();
+  while (status == kStatusBusy && Clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    status = step();
+  }
+  return status;
 }
 
 /// Which file a path names, and which state of it.
@@ -324,7 +341,7 @@ class Hive {
     if (!StateOf(path_)) {
       return errno == EACCES ? kStatusAccessDenied : kStatusFileNotFound;
     }
-    int32_t status = Open(path_, SQLITE_OPEN_READWRITE);
+    int32_t status = WaitingWhileBusy([this] { return Open(path_, SQLITE_OPEN_READWRITE); });
     // Without leave to write beside it, a hive with no log can be read only as it stands.
     if (status == kStatusAccessDenied) {
       status = Open(ImmutableUri(path_), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
@@ -344,10 +361,12 @@ class Hive {
     if (!MakeFolders(folder_) || !MakeFile(path_)) {
       return errno == ENOSPC || errno == EDQUOT ? kStatusDiskFull : kStatusAccessDenied;
     }
-    int32_t status = Open(path_, SQLITE_OPEN_READWRITE);
-    if (!status) status = EnsureSchema();
-    if (status) Close();
-    return status;
+    return WaitingWhileBusy([this] {
+      int32_t status = Open(path_, SQLITE_OPEN_READWRITE);
+      if (!status) status = EnsureSchema();
+      if (status) Close();
+      return status;
+    });
   }
 
   int32_t Open(const std::string& name, int flags) {
@@ -427,11 +446,10 @@ class Hive {
     return status;
   }
 
+  /// Another process may have added it a moment ago: that one counts.
   int32_t AddChild(int64_t parent, std::string_view name, int64_t& id) {
-    Use use = Prepared(kAddKey);
-    int32_t status = Write(use.Bind(parent).BindName(name));
-    if (status == kStatusSuccess) id = sqlite3_last_insert_rowid(connection_);
-    return status;
+    if (int32_t status = Write(Prepared(kAddKey).Bind(parent).BindName(name))) return status;
+    return FindChild(parent, name, id);
   }
 
   int32_t Alive(int64_t key) {
