@@ -4,18 +4,22 @@
 //   vesko_bench_check             1,000, 10,000 and 32,767 messages from a server in memory
 //   vesko_bench_check --dovecot   10,000 messages of a Maildir behind Dovecot
 
+#include <sched.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QApplication>
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "BareLoop.h"
@@ -152,13 +156,61 @@ void Compare(const std::string& user, uint16_t port) {
   Report(bare, bare_cost, best);
 }
 
+void RunOn(int core) {
+  cpu_set_t cores;
+  CPU_ZERO(&cores);
+  CPU_SET(core, &cores);
+  ::sched_setaffinity(0, sizeof cores, &cores);
+}
+
+// The server in memory, as a process of its own; ended with the object.
+class MemoryServer {
+ public:
+  explicit MemoryServer(int core) {
+    const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+    const std::string program = (folder / "vesko_bench_memory_server").string();
+    int ends[2];
+    if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
+    process_ = ::fork();
+    if (process_ == 0) {
+      RunOn(core);
+      ::dup2(ends[1], STDOUT_FILENO);
+      ::execl(program.c_str(), program.c_str(), nullptr);
+      ::_exit(127);
+    }
+    ::close(ends[1]);
+    char line[16] = {};
+    if (::read(ends[0], line, sizeof line - 1) > 0) port_ = std::atoi(line);
+    ::close(ends[0]);
+  }
+  ~MemoryServer() {
+    ::kill(process_, SIGTERM);
+    ::waitpid(process_, nullptr, 0);
+  }
+  MemoryServer(const MemoryServer&) = delete;
+  MemoryServer& operator=(const MemoryServer&) = delete;
+
+  uint16_t Port() const { return static_cast<uint16_t>(port_); }
+
+ private:
+  pid_t process_ = -1;
+  int port_ = 0;
+};
+
+// Client and server take turns, so where the system puts them decides what a turn costs: on one
+// core it is the work alone, on two each turn wakes a core. Left to chance it would change by the
+// second.
 void CompareInMemory() {
-  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
-  Pipe server("exec '" + (folder / "vesko_bench_memory_server").string() + "'");
-  int port = 0;
-  if (std::fscanf(server.file, "%d", &port) != 1) throw std::runtime_error("no server");
-  for (const char* count : {"1000", "10000", "32767"}) Compare(count, static_cast<uint16_t>(port));
-  std::exit(0);  // which ends the server; waiting for it would never end
+  constexpr int kClientCore = 0;
+  RunOn(kClientCore);
+  const int cores = std::thread::hardware_concurrency() > 1 ? 2 : 1;
+  for (int server_core = 0; server_core < cores; ++server_core) {
+    const bool same = server_core == kClientCore;
+    std::printf("%s\n", same ? "Server on the same core:" : "Server on a core of its own:");
+    const MemoryServer server(server_core);
+    if (server.Port() == 0) throw std::runtime_error("the server does not start");
+    for (const char* count : {"1000", "10000", "32767"}) Compare(count, server.Port());
+  }
 }
 
 void CompareWithDovecot() {
