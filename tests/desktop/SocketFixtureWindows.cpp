@@ -1,0 +1,35 @@
+#include <windows.h>
+
+#include "desktop/SocketFixture.h"
+#include "desktop/windows/WinSocket.h"
+
+namespace vesko {
+
+std::unique_ptr<Socket> MakeTestSocket(const Locale& locale, const std::string& certificate_file,
+                                       std::vector<int32_t> tls_ports) {
+  return MakeWinSocket(locale, certificate_file, std::move(tls_ports));
+}
+
+void TurnEventLoop(std::chrono::milliseconds longest_wait) {
+  MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(longest_wait.count()), QS_ALLINPUT,
+                              MWMO_INPUTAVAILABLE);
+  MSG message;
+  if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+}
+
+size_t OpenDescriptors() {
+  DWORD count = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &count);
+  return count;
+}
+
+std::chrono::milliseconds ProcessorTime() {
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto ticks = [](FILETIME time) {
+    return static_cast<int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  };
+  return std::chrono::milliseconds((ticks(kernel) + ticks(user)) / 10000);
+}
+
+}  // namespace vesko
