@@ -10,6 +10,7 @@ namespace vesko_host {
 
 namespace {
 constexpr int kPictureSize = 48;  // logical pixels
+constexpr int kLeastWidth = 300;  // so that the caption is not cut
 
 QPushButton* ButtonFor(QAction* action, QWidget* parent) {
   auto* button = new QPushButton(action->text(), parent);
@@ -23,6 +24,7 @@ QPushButton* ButtonFor(QAction* action, QWidget* parent) {
 HostWindow::HostWindow(const QMenu& menu, std::function<void()> close)
     : close_(std::move(close)), picture_(new QLabel(this)), status_(new QLabel(this)) {
   setWindowTitle(QStringLiteral("Vesko Mail Check"));
+  setMinimumWidth(kLeastWidth);
   status_->setTextFormat(Qt::PlainText);
   auto* top = new QHBoxLayout;
   top->addWidget(picture_);
