@@ -29,6 +29,9 @@ void TurnEventLoop(std::chrono::milliseconds longest_wait);
 /// Whatever a connection could leave open in the process.
 size_t OpenDescriptors();
 
+/// False where the system shows a reset to one that only listens as the end of the connection.
+bool SystemTellsResets();
+
 /// What this process has used so far.
 std::chrono::milliseconds ProcessorTime();
 

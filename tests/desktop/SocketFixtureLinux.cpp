@@ -29,6 +29,8 @@ size_t OpenDescriptors() {
   return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 
+bool SystemTellsResets() { return true; }
+
 std::chrono::milliseconds ProcessorTime() {
   return std::chrono::milliseconds(std::clock() * 1000 / CLOCKS_PER_SEC);
 }

@@ -23,6 +23,11 @@ size_t OpenDescriptors() {
   return count;
 }
 
+// Wine does not.
+bool SystemTellsResets() {
+  return GetProcAddress(GetModuleHandleW(L"ntdll"), "wine_get_version") == nullptr;
+}
+
 std::chrono::milliseconds ProcessorTime() {
   FILETIME created, ended, kernel, user;
   GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);

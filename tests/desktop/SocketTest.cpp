@@ -109,6 +109,7 @@ TEST_F(SocketTest, KeepsWhatThePeerSaidBeforeItClosed) {
 
 TEST_F(SocketTest, ReportsAResetWithoutAWordOfWhatWasSent) {
   for (bool while_sending : {false, true}) {
+    if (!while_sending && !SystemTellsResets()) continue;
     LoopbackPeer peer;
     ASSERT_TRUE(Meet(peer));
     socket_->SendData(u"PASS secret\r\n");

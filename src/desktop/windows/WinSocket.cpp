@@ -8,6 +8,7 @@
 #include "desktop/windows/Background.h"
 #include "desktop/windows/WinLookup.h"
 #include "desktop/windows/WinTcpStream.h"
+#include "desktop/windows/WinTlsStream.h"
 
 namespace vesko {
 namespace {
@@ -43,7 +44,8 @@ class WinSocket final : public Socket, public ByteStreamListener {
 
   void SendData(TextView text) override {
     if (state_ != SocketState::kConnected) throw RunTimeError(kSocketWrongState);
-    tcp_.Send(locale_.ToBytes(text));
+    const std::string bytes = locale_.ToBytes(text);
+    tls_ ? tls_->Send(bytes) : tcp_.Send(bytes);
   }
 
   Text GetData() override { return std::exchange(text_, {}); }
@@ -51,6 +53,7 @@ class WinSocket final : public Socket, public ByteStreamListener {
   void Close() override {
     background_.Cancel();
     tcp_.Close();
+    tls_.reset();
     text_.clear();
     decoder_->Reset();
     state_ = SocketState::kClosed;
@@ -65,10 +68,14 @@ class WinSocket final : public Socket, public ByteStreamListener {
 
   void LookedUp(HostLookup lookup) {
     if (lookup.error != 0) return Failed(lookup.error, SocketErrorText(lookup.error));
-    // Better no connection than an open one to a port that is meant to be encrypted.
-    if (IsTlsPort()) return Failed(kSocketConnectionAborted, Text(kNoCommonTlsWords));
     state_ = SocketState::kConnecting;
-    tcp_.Open(*this, std::move(lookup.addresses), static_cast<uint16_t>(local_port_));
+    ByteStreamListener* listener = this;
+    if (IsTlsPort()) {
+      WinTlsStream::Peer peer{host_, NetworkName(host_), certificate_file_};
+      tls_ = std::make_unique<WinTlsStream>(tcp_, background_, std::move(peer), *this);
+      listener = tls_.get();
+    }
+    tcp_.Open(*listener, std::move(lookup.addresses), static_cast<uint16_t>(local_port_));
   }
 
   void Opened() override { state_ = SocketState::kConnected; }
@@ -108,6 +115,7 @@ class WinSocket final : public Socket, public ByteStreamListener {
 
   Background background_;
   WinTcpStream tcp_;
+  std::unique_ptr<WinTlsStream> tls_;  // over tcp_, on a TLS port
 };
 
 }  // namespace

@@ -68,6 +68,7 @@ void WinTcpStream::Send(std::string_view bytes) {
 }
 
 void WinTcpStream::FailLater(int system_error) {
+  late_error_ = system_error;
   PostMessageW(window_.Get(), message_, 0, WSAMAKESELECTREPLY(FD_CLOSE, system_error));
 }
 
@@ -143,10 +144,11 @@ void WinTcpStream::Readable() {
 // The system says so once, though data may still wait; so the message is posted on until it is
 // read.
 void WinTcpStream::PeerClosing(int error) {
+  if (error == 0) error = late_error_;
   if (error != 0) return Fail(error);
   const int size = recv(socket_, piece_.get(), kPieceSize, 0);
   if (size > 0) {
-    FailLater(0);
+    PostMessageW(window_.Get(), message_, 0, WSAMAKESELECTREPLY(FD_CLOSE, 0));
     return listener_->BytesArrived({piece_.get(), static_cast<size_t>(size)});
   }
   if (size < 0 && WSAGetLastError() != WSAEWOULDBLOCK) return Fail(WSAGetLastError());
@@ -172,6 +174,7 @@ void WinTcpStream::CloseSocket() {
   if (socket_ != INVALID_SOCKET) closesocket(std::exchange(socket_, INVALID_SOCKET));
   message_ = After(message_);
   peer_closed_ = false;
+  late_error_ = 0;
   blocked_ = false;
 }
 

@@ -80,6 +80,7 @@ class WinTcpStream final : public ByteStream {
   std::vector<WinAddress> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
+  int late_error_ = 0;  // waits for the message pump to be reported
   std::string unsent_;
 };
 
