@@ -76,7 +76,7 @@ LoopbackPeer::LoopbackPeer(const char* address, int backlog) {
 
 LoopbackPeer::~LoopbackPeer() {
   Close();
-  StopListening();
+  CloseDescriptor(listener_);
 }
 
 bool LoopbackPeer::Accept() {
@@ -106,16 +106,6 @@ std::string LoopbackPeer::Receive(size_t most) {
   return bytes;
 }
 
-std::string LoopbackPeer::ReceiveAll(size_t size) {
-  std::string bytes;
-  while (bytes.size() < size) {
-    std::string piece = Receive();
-    if (piece.empty()) break;
-    bytes += piece;
-  }
-  return bytes;
-}
-
 void LoopbackPeer::Close() {
   if (fd_ >= 0) CloseDescriptor(std::exchange(fd_, -1));
 }
@@ -124,10 +114,6 @@ void LoopbackPeer::Reset() {
   const linger at_once{1, 0};
   SetOption(fd_, SO_LINGER, at_once);
   Close();
-}
-
-void LoopbackPeer::StopListening() {
-  if (listener_ >= 0) CloseDescriptor(std::exchange(listener_, -1));
 }
 
 int32_t DeadPort() { return LoopbackPeer().Port(); }

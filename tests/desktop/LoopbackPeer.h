@@ -21,10 +21,8 @@ class LoopbackPeer {
   int32_t ClientPort() const;
   bool Send(const std::string& bytes);
   std::string Receive(size_t most = 65536);  // empty at the end of the connection
-  std::string ReceiveAll(size_t size);
   void Close();
   void Reset();
-  void StopListening();
   intptr_t Descriptor() const { return fd_; }
 
  private:

@@ -89,7 +89,9 @@ TEST_F(QtListViewTest, ClicksSelectAndReportOnce) {
 TEST_F(QtListViewTest, TheMenuKeepsASelectionOfSeveralRows) {
   Fill(10);
   PopupMenu menu;
-  menu.items = {{u"Set Read", u"Ctrl+R"}};
+  menu.items = {{u"Set &SPAM", u"Ctrl+S"}, {u"-", u""}, {u"Set Read", u"Ctrl+R"}};
+  std::string chosen;
+  menu.on_click = [&](int index) { chosen += std::to_string(index) + " "; };
   std::vector<QPoint> places;
   list.on_mouse_down = [&](int buttons, int row) {
     if (!(buttons & kRightButton)) return;
@@ -98,8 +100,10 @@ TEST_F(QtListViewTest, TheMenuKeepsASelectionOfSeveralRows) {
       list.SetSelected(row, true);
     }
     Soon([&] {
-      places.push_back(QApplication::activePopupWidget()->pos());
-      QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+      QWidget* const popup = QApplication::activePopupWidget();
+      places.push_back(popup->pos());
+      for (const auto key : {Qt::Key_Down, Qt::Key_Down}) QTest::keyClick(popup, key);
+      QTest::keyClick(popup, places.size() == 1 ? Qt::Key_Return : Qt::Key_Escape);
     });
     toolkit->ShowPopup(form, menu);
   };
@@ -113,6 +117,7 @@ TEST_F(QtListViewTest, TheMenuKeepsASelectionOfSeveralRows) {
     QTest::keyClick(View(), Qt::Key_F10, Qt::ShiftModifier);
     QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
     QApplication::sendEvent(View()->viewport(), &key);
+    EXPECT_EQ(chosen, "2 ");
     ASSERT_EQ(places.size(), 4u);
     EXPECT_EQ(places[2], places[3]);
     EXPECT_TRUE(WindowOf(list)->geometry().contains(places[2]));

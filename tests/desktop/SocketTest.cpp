@@ -101,9 +101,10 @@ TEST_F(SocketTest, KeepsWhatThePeerSaidBeforeItClosed) {
   ASSERT_TRUE(RunToState(SocketState::kClosing));
   EXPECT_EQ(ErrorOf([&] { socket_->SendData(u"QUIT\r\n"); }), kSocketWrongState);
   EXPECT_EQ(socket_->GetData(), u"-ERR bye\r\n");
+  const milliseconds before = ProcessorTime();
+  RunFor(milliseconds(300));
+  EXPECT_LT(ProcessorTime() - before, milliseconds(100)) << "waiting must cost nothing";
   EXPECT_EQ(arrivals_, 2) << "the text, and the end";
-  RunFor(kAWhile);
-  EXPECT_EQ(arrivals_, 2);
   EXPECT_TRUE(errors_.empty());
 }
 
@@ -183,7 +184,10 @@ TEST_F(SocketTest, NeitherLosesDataNorBlocksWhenThePeerDoesNotRead) {
   RunFor(milliseconds(300));
   EXPECT_LT(ProcessorTime() - before, milliseconds(100)) << "waiting must cost nothing";
   std::string received;
-  Beside reader([&] { received = peer.ReceiveAll(sent.size()); });
+  Beside reader([&] {
+    for (std::string piece = "x"; received.size() < sent.size() && !piece.empty();)
+      received += piece = peer.Receive();
+  });
   ASSERT_TRUE(RunUntil([&] { return reader.Done(); }));
   EXPECT_TRUE(received == sent);
 }
@@ -294,7 +298,7 @@ TEST_F(SocketTest, LeavesNothingBehindAfterAThousandConnections) {
     ASSERT_TRUE(Meet(peer)) << i;
     socket_->Close();
   }
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_TRUE(RunToDescriptors(before)) << OpenDescriptors() - before;
 }
 
 TEST_F(SocketTest, BindsTheLocalPortThatWasAskedFor) {
@@ -303,17 +307,6 @@ TEST_F(SocketTest, BindsTheLocalPortThatWasAskedFor) {
   socket_->SetLocalPort(local_port);
   ASSERT_TRUE(Meet(peer));
   EXPECT_EQ(peer.ClientPort(), local_port);
-}
-
-TEST_F(SocketTest, WaitsWithoutTheProcessor) {
-  LoopbackPeer peer;
-  ASSERT_TRUE(Meet(peer));
-  const milliseconds before = ProcessorTime();
-  RunFor(milliseconds(300));
-  peer.Close();
-  ASSERT_TRUE(RunToState(SocketState::kClosing));
-  RunFor(milliseconds(300));
-  EXPECT_LT(ProcessorTime() - before, milliseconds(100));
 }
 
 }  // namespace

@@ -84,7 +84,6 @@ TEST_F(SocketTlsTest, GivesUpAtOnceOnAServerThatSpeaksNoTls) {
     const char* greeting;  // null: closes at once
     TextView words;
   } kCases[] = {
-      {"+OK POP3 server ready\r\n", u"does not encrypt"},
       {"+OK\r\n", u"does not encrypt"},
       {nullptr, u"closed the connection"},
   };
@@ -119,7 +118,7 @@ TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
     EXPECT_EQ(socket_->State(), SocketState::kClosed);
   }
   EXPECT_TRUE(errors_.empty());
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_TRUE(RunToDescriptors(before)) << OpenDescriptors() - before;
 }
 
 }  // namespace

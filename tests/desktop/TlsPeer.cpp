@@ -59,8 +59,7 @@ std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certific
     if (!peer.Accept()) return outcome;
     std::unique_ptr<SSL, decltype(&SSL_free)> ssl(SSL_new(context.get()), SSL_free);
     SSL_set_fd(ssl.get(), static_cast<int>(peer.Descriptor()));
-    outcome.handshake = SSL_accept(ssl.get()) == 1;
-    if (outcome.handshake) {
+    if (SSL_accept(ssl.get()) == 1) {
       const char* name = SSL_get_servername(ssl.get(), TLSEXT_NAMETYPE_host_name);
       outcome.server_name = name ? name : "";
       SSL_write(ssl.get(), "+OK ready\r\n", 11);

@@ -22,7 +22,6 @@ std::string ToPem(const Certificate& certificate);
 
 /// What the server's side of a TLS connection saw.
 struct TlsOutcome {
-  bool handshake = false;
   std::string server_name;  // as the client asked for it
   std::string received;     // one read's application data
 };
