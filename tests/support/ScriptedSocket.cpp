@@ -78,10 +78,10 @@ bool ScriptedSocket::DeliverNext() {
   if (step && step->kind == Step::Kind::kAfter) return DeliverWait(*step);
   const bool fails = step && step->kind == Step::Kind::kFails;
   if (state_ == SocketState::kResolvingHost && !(fails && step->number == kSocketHostNotFound)) {
-    return Advance(SocketState::kConnecting);
+    return state_ = SocketState::kConnecting, true;
   }
   if (fails) return FailNow(), true;
-  if (state_ == SocketState::kConnecting) return Advance(SocketState::kConnected);
+  if (state_ == SocketState::kConnecting) return state_ = SocketState::kConnected, true;
   if (!step || step->kind == Step::Kind::kClient) return false;
   if (step->kind == Step::Kind::kPeerCloses) return PeerClosesNow(), true;
   return SendPiece(*step), true;
@@ -93,11 +93,6 @@ bool ScriptedSocket::DeliverWait(const Step& step) {
   due_ = kNever;
   steps_.pop_front();
   return DeliverNext();
-}
-
-bool ScriptedSocket::Advance(SocketState state) {
-  state_ = state;
-  return true;
 }
 
 void ScriptedSocket::SendPiece(const Step& step) {

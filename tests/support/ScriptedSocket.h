@@ -75,7 +75,6 @@ class ScriptedSocket : public Socket {
 
   const Step* Next() const { return steps_.empty() ? nullptr : &steps_.front(); }
   bool DeliverWait(const Step& step);
-  bool Advance(SocketState state);
   void SendPiece(const Step& step);
   void PeerClosesNow();
   void FailNow();

@@ -113,20 +113,15 @@ std::unique_ptr<FormPeer> ScriptedToolkit::Realise(Form& form) {
   return std::make_unique<Peer>(form, *this);
 }
 
-ScriptedToolkit::Driver ScriptedToolkit::NextDriver(const std::string& form) {
-  std::deque<Driver>& waiting = drivers_[form];
-  if (waiting.empty()) return {};
-  Driver driver = std::move(waiting.front());
-  waiting.pop_front();
-  return driver;
-}
-
 void ScriptedToolkit::RunModal(Form& form) {
   const std::string name = form.Name();
-  if (const Driver driver = NextDriver(name)) {
-    driver(form);
-  } else {
+  std::deque<Driver>& waiting = drivers_[name];
+  if (waiting.empty()) {
     ADD_FAILURE() << "nobody expected " << name;
+  } else {
+    const Driver driver = std::move(waiting.front());
+    waiting.pop_front();
+    driver(form);
   }
   if (!realised_.contains(&form) || !form.IsLoaded()) return;
   ADD_FAILURE() << "nobody unloaded " << name;

@@ -81,8 +81,6 @@ class ScriptedToolkit : public Toolkit {
     ScriptedToolkit& toolkit_;
   };
 
-  Driver NextDriver(const std::string& form);
-
   OwnPump own_pump_{*this};
   Pump& pump_;
   std::map<std::string, std::deque<Driver>> drivers_;
