@@ -3,7 +3,6 @@
 #include <set>
 #include <vector>
 
-#include "base/RunTimeError.h"
 #include "platform/Shell.h"
 
 namespace vesko {
@@ -23,29 +22,13 @@ class FakeShell : public Shell {
   int desktop_mail_client_asked = 0;   // calls so far
   int desktop_mail_account_asked = 0;  // calls so far
 
-  std::optional<uint32_t> FileAttributes(const Text& path) override {
-    if (folders.contains(path)) return kAttributeDirectory;
-    return files.contains(path) ? std::optional(0u) : std::nullopt;
-  }
-  void Start(const Text& program) override {
-    if (unstartable.contains(program) || !files.contains(program)) {
-      throw RunTimeError(kFileNotFound);
-    }
-    started.push_back(program);
-  }
+  std::optional<uint32_t> FileAttributes(const Text& path) override;
+  void Start(const Text& program) override;
   Text OwnFolder() override { return own_folder; }
   Text OwnName() override { return u"VeskoEx"; }
   char16_t PathSeparator() const override { return separator; }
-  Text DesktopMailClient() override {
-    ++desktop_mail_client_asked;
-    return desktop_mail_client;
-  }
-  std::optional<ForeignAccount> DesktopMailAccount(int32_t k) override {
-    ++desktop_mail_account_asked;
-    const size_t index = static_cast<size_t>(k) - 1;
-    if (index >= desktop_mail_accounts.size()) return std::nullopt;
-    return desktop_mail_accounts[index];
-  }
+  Text DesktopMailClient() override;
+  std::optional<ForeignAccount> DesktopMailAccount(int32_t k) override;
 };
 
 }  // namespace vesko
