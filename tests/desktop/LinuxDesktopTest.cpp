@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <thread>
 
 #include "VeskoEx/Automation.h"
@@ -8,6 +7,7 @@
 #include "desktop/linux/IcuLocale.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "desktop/linux/SqliteRegistry.h"
+#include "support/TempFolder.h"
 
 namespace vesko {
 namespace {
@@ -25,19 +25,17 @@ TEST(LinuxDesktopTest, TheMachinesRegistryNamesTheCodePage) {
       {"949", kRegBinary, 0, HostCodePage()},
   };
   for (const auto& row : rows) {
-    char name[] = "/tmp/vesko-desktop-XXXXXX";
-    const std::string folder = mkdtemp(name);
-    const auto registry = MakeSqliteRegistry(folder, folder + "/machine");
+    const TempFolder folder;
+    const auto registry = MakeSqliteRegistry(folder.Path(), folder / "machine");
     KeyHandle key = kNoKey;
     registry->CreateKey(kLocalMachine, "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", key);
     registry->SetValue(key, "ACP", row.type, std::string_view(row.acp, 4));
-    const auto desktop = MakeLinuxDesktop({.user_hive_folder = folder,
-                                           .machine_hive_folder = folder + "/machine",
+    const auto desktop = MakeLinuxDesktop({.user_hive_folder = folder.Path(),
+                                           .machine_hive_folder = folder / "machine",
                                            .locale_name = "en_GB",
                                            .code_page = row.option,
                                            .certificate_file = ""});
     EXPECT_EQ(desktop->GetLocale().CodePage(), row.code_page) << row.acp;
-    std::filesystem::remove_all(folder);
   }
 }
 

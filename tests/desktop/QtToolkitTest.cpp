@@ -50,33 +50,29 @@ TEST_F(QtToolkitTest, WhatTheUserDoesReachesTheControls) {
   tabs.pages = {{u"One", Column({})}, {u"Two", Column({})}};
   list.AddItem(u"a");
   list.AddItem(u"b");
-  int clicks = 0, toggles = 0, changes = 0, selections = 0;
+  std::string log;
   button.on_click = [&] {
-    ++clicks;
+    log += "button ";
     throw RunTimeError(kTypeMismatch);  // ends the event and nothing else
   };
-  box.on_click = [&] { ++toggles; };
-  text.on_change = [&] { ++changes; };
-  list.on_click = [&] { ++selections; };
+  box.on_click = [&] { log += "box "; };
+  text.on_change = [&] { log += "text "; };
+  list.on_click = [&] { log += "list "; };
   AnyForm form(*toolkit, {&button, &box, &text, &list, &tabs});
   WhileShown(form, [&] {
     QTest::mouseClick(Native(button), Qt::LeftButton);
     QTest::keyClick(Native(box), Qt::Key_Space);
     QTest::keyClicks(Native(text), "ab");
     Native(list)->setFocus();  // only looking at a list selects nothing
-    EXPECT_EQ(selections, 0);
+    EXPECT_EQ(log, "button box text text ");
     QTest::keyClick(Native(list), Qt::Key_Down);
     Native<QTabWidget>(tabs)->tabBar()->setCurrentIndex(1);
     button.SetEnabled(false);
     QTest::mouseClick(Native(button), Qt::LeftButton);  // not shown disabled yet, but it is
+    log += std::to_string(box.Value()) + std::to_string(list.ListIndex());
   });
-  EXPECT_EQ(clicks, 1);
-  EXPECT_EQ(toggles, 1);
-  EXPECT_EQ(box.Value(), 1);
-  EXPECT_EQ(changes, 2);
+  EXPECT_EQ(log, "button box text text list 11");
   EXPECT_EQ(text.GetText(), u"ab");
-  EXPECT_EQ(selections, 1);
-  EXPECT_EQ(list.ListIndex(), 1);
   EXPECT_EQ(tabs.Tab(), 1);
 }
 
@@ -198,26 +194,23 @@ TEST_F(QtToolkitTest, EnterEscapeAndClosing) {
 TEST_F(QtToolkitTest, ATextBoxGetsItsKeysFirst) {
   TextBox box("txt");
   CommandButton ok("cmdOk");
-  std::vector<int> keys;
-  int clicks = 0;
+  std::string log;
   bool use_up = true;
   box.on_key_down = [&](int key) {
-    keys.push_back(key);
+    log += std::to_string(key) + " ";
     return use_up;
   };
-  ok.on_click = [&] { ++clicks; };
+  ok.on_click = [&] { log += "ok "; };
   AnyForm form(*toolkit, {&box, &ok});
   form.SetDefaultButton(ok);
   WhileShown(form, [&] {
     QTest::keyClick(Native(box), Qt::Key_Return);
     QTest::keyClick(Native(box), Qt::Key_A);
-    EXPECT_EQ(clicks, 0);
     EXPECT_EQ(box.GetText(), u"");
     use_up = false;
     QTest::keyClick(Native(box), Qt::Key_Enter);
   });
-  EXPECT_EQ(keys, (std::vector<int>{kKeyReturn, 'A', kKeyReturn}));
-  EXPECT_EQ(clicks, 1);
+  EXPECT_EQ(log, "13 65 13 ok ");
 }
 
 TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
@@ -239,14 +232,14 @@ TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
     EXPECT_TRUE(Native(box)->hasFocus());
     form.SetFirstInTabOrder(list);
     Settle();
-    std::vector<std::string> order;
+    std::string order;
     list.SetFocus();
     for (int i = 0; i < 4; ++i) {
       QWidget* const focus = WindowOf(box)->focusWidget();
-      order.push_back(focus->objectName().toStdString());
+      order += focus->objectName().toStdString() + " ";
       QTest::keyClick(focus, Qt::Key_Tab);
     }
-    EXPECT_EQ(order, (std::vector<std::string>{"lst", "cmd", "txt", "txtOther"}));
+    EXPECT_EQ(order, "lst cmd txt txtOther ");
     for (const auto& [control, expected] : {std::pair<const Control&, const char*>{box, "Name"},
                                             {other, "Port"},
                                             {list, "Keywords"},
@@ -260,10 +253,7 @@ TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
 TEST_F(QtToolkitTest, AHugeBodyIsShownInPartAndKeptWhole) {
   TextBox body("txt");
   body.SetMultiLine(true);
-  body.SetReadOnly(true);
-  Text huge = u"first\r\nNUL_ and bell\u0007";
-  huge[10] = u'\0';
-  huge += Text(25'000'000, u'x');
+  const Text huge = Text(u"first\r\nNUL\0 and bell\u0007", 21) + Text(25'000'000, u'x');
   AnyForm form(*toolkit, {&body});
   WhileShown(form, [&] {
     auto* const edit = Native<QPlainTextEdit>(body);
@@ -276,7 +266,6 @@ TEST_F(QtToolkitTest, AHugeBodyIsShownInPartAndKeptWhole) {
     EXPECT_LT(edit->toPlainText().size(), 1'000'000);
     EXPECT_EQ(body.GetText().size(), huge.size());
     body.SetText(u"short\r\n");
-    body.SetReadOnly(false);
     Settle();
     edit->moveCursor(QTextCursor::End);
     QTest::keyClicks(edit, "x");
@@ -353,43 +342,34 @@ TEST_F(QtToolkitTest, AWindowMayGoInTheMiddleOfItsOwnEvent) {
 TEST_F(QtToolkitTest, ThePumpSleepsWithoutProcessorTimeAndWakesForAnything) {
   Pump& pump = toolkit->GetPump();
   for (int i = 0; i < 5; ++i) pump.RunPending(milliseconds(0));
-  double begin = Seconds();
+  const double begin = Seconds();
   const std::clock_t worked = std::clock();
   while (Seconds() - begin < 0.3) pump.RunPending(milliseconds(300));
   EXPECT_LT(static_cast<double>(std::clock() - worked) / CLOCKS_PER_SEC, 0.05);
-  EXPECT_LT(Seconds() - begin, 1);
-
-  for (const bool queued : {true, false}) {
-    bool delivered = false;
-    begin = Seconds();
-    if (queued)
-      QMetaObject::invokeMethod(
-          qApp, [&] { delivered = true; }, Qt::QueuedConnection);
-    if (!queued) QTimer::singleShot(20, qApp, [&] { delivered = true; });
-    while (!delivered) pump.RunPending(milliseconds(10'000));
-    EXPECT_LT(Seconds() - begin, 2);
-  }
+  bool queued = false, timed = false;
+  QMetaObject::invokeMethod(
+      qApp, [&] { queued = true; }, Qt::QueuedConnection);
+  while (!queued) pump.RunPending(milliseconds(10'000));
+  QTimer::singleShot(20, qApp, [&] { timed = true; });
+  while (!timed) pump.RunPending(milliseconds(10'000));
+  EXPECT_LT(Seconds() - begin, 3);
 }
 
 TEST_F(QtToolkitTest, FilesArePickedByFilterAndExtension) {
   const QTemporaryDir folder;
   QFile(folder.filePath("ding.wav")).open(QIODevice::WriteOnly);
-  QFile(folder.filePath("program")).open(QIODevice::WriteOnly);
-  const std::pair<const char*, const char*> kCases[] = {
-      {"ding.wav", "ding.wav"}, {"ding", "ding.wav"}, {"program", "program"}, {nullptr, nullptr}};
-  for (const auto& [typed, picked] : kCases) {
-    Soon([&, typed = typed] {
+  for (const char* typed : {"ding.wav", "ding", ""}) {
+    Soon([&, typed] {
       auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-      EXPECT_EQ(dialog->windowTitle(), "Select Wave File");
       EXPECT_EQ(dialog->nameFilters(), (QStringList{"All Files (*)", "Wave Files (*.wav *.au)"}));
       dialog->setDirectory(folder.path());
-      if (!typed) return dialog->reject();
+      if (!*typed) return dialog->reject();
       dialog->findChild<QLineEdit*>()->setText(typed);
       QMetaObject::invokeMethod(dialog, "accept");
     });
-    const Text path = toolkit->OpenFile(
-        u"Select Wave File", u"All Files (*.*)|*.*|Wave Files (*.wav)|*.wav;*.au", u"wav");
-    EXPECT_EQ(QString::fromStdU16String(path), picked ? folder.filePath(picked) : QString());
+    const Text path =
+        toolkit->OpenFile(u"", u"All Files (*.*)|*.*|Wave Files (*.wav)|*.wav;*.au", u"wav");
+    EXPECT_EQ(QString::fromStdU16String(path), *typed ? folder.filePath("ding.wav") : QString());
   }
 }
 
