@@ -148,7 +148,7 @@ class AutomationObject final : public _cVeskoEx {
   }
 
   explicit AutomationObject(AutomationServer& server)
-      : lock_(server), state_(server.ShareState()), component_(*state_) {}
+      : server_(server), lock_(server), state_(server.ShareState()), component_(*state_) {}
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -169,13 +169,16 @@ class AutomationObject final : public _cVeskoEx {
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     if (count == nullptr) return E_POINTER;
-    *count = 0;
+    *count = server_.TypeInfo() ? 1 : 0;
     return S_OK;
   }
 
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
-    if (info != nullptr) *info = nullptr;
-    return E_NOTIMPL;
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    if (!server_.TypeInfo()) return E_NOTIMPL;
+    if (index != 0) return DISP_E_BADINDEX;
+    return Guard([&] { return server_.TypeInfo()(info); });
   }
 
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID,
@@ -300,6 +303,7 @@ class AutomationObject final : public _cVeskoEx {
     });
   }
 
+  AutomationServer& server_;
   ServerLock lock_;
   std::shared_ptr<ComponentState> state_;
   cVeskoEx component_;

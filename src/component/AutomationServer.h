@@ -17,7 +17,11 @@ class AutomationServer {
   /// Raises a run-time error where the machine cannot show windows.
   using NewDesktop = std::function<std::unique_ptr<Desktop>()>;
 
-  explicit AutomationServer(NewDesktop new_desktop) : new_desktop_(std::move(new_desktop)) {}
+  /// Loads the description of the dual interface; empty where the system has no such thing.
+  using NewTypeInfo = std::function<HRESULT(ITypeInfo** info)>;
+
+  explicit AutomationServer(NewDesktop new_desktop, NewTypeInfo new_type_info = {})
+      : new_desktop_(std::move(new_desktop)), new_type_info_(std::move(new_type_info)) {}
   AutomationServer(const AutomationServer&) = delete;
   AutomationServer& operator=(const AutomationServer&) = delete;
 
@@ -31,6 +35,8 @@ class AutomationServer {
   void Lock() noexcept { ++alive_; }
   void Unlock() noexcept { --alive_; }
 
+  const NewTypeInfo& TypeInfo() const { return new_type_info_; }
+
   /// The objects' state, with the desktop under it; both go with the last holder. To be called on
   /// the user-interface thread. Raises what NewDesktop raises.
   std::shared_ptr<ComponentState> ShareState();
@@ -43,6 +49,7 @@ class AutomationServer {
   };
 
   NewDesktop new_desktop_;
+  NewTypeInfo new_type_info_;
   std::atomic<long> alive_{0};
   std::weak_ptr<Shared> shared_;
 };

@@ -12,6 +12,8 @@ namespace {
 
 constexpr char kClasses[] = "SOFTWARE\\Classes";
 constexpr char kTypeLibraryName[] = "Vesko ActiveX Dll 1.0";
+// The system's own: carries calls of a described interface from one thread to another.
+constexpr char kDescribedInterfaces[] = "{00020424-0000-0000-C000-000000000046}";
 
 std::string Folder(const std::string& library) {
   const size_t separator = library.find_last_of("/\\");
@@ -21,7 +23,8 @@ std::string Folder(const std::string& library) {
 /// One hive's part of a registration. The first failure ends it as a run-time error.
 class ClassKeys {
  public:
-  ClassKeys(Registry& registry, int32_t root) : registry_(registry), root_(root) {}
+  ClassKeys(Registry& registry, int32_t root, const std::string& platform)
+      : registry_(registry), root_(root), platform_(platform) {}
 
   void Write(const std::string& library) {
     Set(ProgIdKey(), "", kProgId);
@@ -36,14 +39,19 @@ class ClassKeys {
     Set(TypeLibraryKey() + "\\1.0", "", kTypeLibraryName);
     Set(TypeLibraryKey() + "\\1.0\\FLAGS", "", "0");
     Set(TypeLibraryKey() + "\\1.0\\HELPDIR", "", Folder(library));
+    if (!platform_.empty()) WriteDescription(library);
   }
 
   void Remove() {
-    RemoveTree(ProgIdKey());
     RemoveTree(ClassKey());
-    RemoveTree(TypeLibraryKey());
-    for (const std::string& above :
-         {Under("CLSID"), Under("TypeLib"), std::string(kClasses), std::string("SOFTWARE")}) {
+    RemoveTree(InterfaceKey());
+    if (!platform_.empty()) RemoveTree(DescriptionKey() + "\\" + platform_);
+    if (!HasSubKeys(DescriptionKey())) {
+      RemoveTree(ProgIdKey());
+      RemoveTree(TypeLibraryKey());
+    }
+    for (const std::string& above : {Under("CLSID"), Under("Interface"), Under("TypeLib"),
+                                     std::string(kClasses), std::string("SOFTWARE")}) {
       if (IsEmptyKey(above)) registry_.DeleteKey(root_, above);
     }
   }
@@ -64,7 +72,11 @@ class ClassKeys {
   static std::string Under(const std::string& name) { return std::string(kClasses) + "\\" + name; }
   static std::string ProgIdKey() { return Under(kProgId); }
   static std::string ClassKey() { return Under("CLSID\\" + GuidText(CLSID_cVeskoEx)); }
+  static std::string InterfaceKey() { return Under("Interface\\" + GuidText(IID__cVeskoEx)); }
   static std::string TypeLibraryKey() { return Under("TypeLib\\" + GuidText(LIBID_VeskoEx)); }
+  /// Holds a key for each platform's file. A 64-bit system gives the two kinds of host class and
+  /// interface keys of their own, but one of these.
+  static std::string DescriptionKey() { return TypeLibraryKey() + "\\1.0\\0"; }
 
   static void Require(int32_t status) {
     if (status != kStatusSuccess) throw RunTimeError(SELFREG_E_CLASS);
@@ -88,6 +100,14 @@ class ClassKeys {
     Require(status);
   }
 
+  void WriteDescription(const std::string& library) {
+    Set(DescriptionKey() + "\\" + platform_, "", library);
+    Set(InterfaceKey(), "", "_cVeskoEx");
+    Set(InterfaceKey() + "\\ProxyStubClsid32", "", kDescribedInterfaces);
+    Set(InterfaceKey() + "\\TypeLib", "", GuidText(LIBID_VeskoEx));
+    Set(InterfaceKey() + "\\TypeLib", "Version", "1.0");
+  }
+
   void RemoveTree(const std::string& path) {
     const KeyHandle key = Open(path, kKeyEnumerateSubKeys);
     if (key == kNoKey) return;
@@ -99,6 +119,15 @@ class ClassKeys {
     registry_.CloseKey(key);
     for (const std::string& name : names) RemoveTree(path + "\\" + name);
     Require(registry_.DeleteKey(root_, path));
+  }
+
+  bool HasSubKeys(const std::string& path) {
+    const KeyHandle key = Open(path, kKeyEnumerateSubKeys);
+    if (key == kNoKey) return false;
+    std::string name;
+    const bool has = registry_.EnumKey(key, 0, name) == kStatusSuccess;
+    registry_.CloseKey(key);
+    return has;
   }
 
   bool IsEmptyKey(const std::string& path) {
@@ -113,6 +142,7 @@ class ClassKeys {
 
   Registry& registry_;
   int32_t root_;
+  std::string platform_;  // empty: the library describes nothing
 };
 
 }  // namespace
@@ -126,17 +156,19 @@ std::string GuidText(REFGUID id) {
   return text;
 }
 
-HRESULT RegisterServer(Registry& registry, int32_t root, const std::string& library) {
+HRESULT RegisterServer(Registry& registry, int32_t root, const std::string& library,
+                       const std::string& platform) {
   const auto transaction = registry.BeginTransaction(root);
-  ClassKeys keys(registry, root);
+  ClassKeys keys(registry, root, platform);
   if (IgnoreErrors([&] { keys.Write(library); })) return S_OK;
   IgnoreErrors([&] { keys.Remove(); });
   return SELFREG_E_CLASS;
 }
 
-HRESULT UnregisterServer(Registry& registry, int32_t root, const std::string& library) {
+HRESULT UnregisterServer(Registry& registry, int32_t root, const std::string& library,
+                         const std::string& platform) {
   const auto transaction = registry.BeginTransaction(root);
-  ClassKeys keys(registry, root);
+  ClassKeys keys(registry, root, platform);
   const bool done = IgnoreErrors([&] {
     const std::string registered = keys.Library();
     if (registered.empty() || registered == library) keys.Remove();

@@ -71,12 +71,28 @@ TEST(RegistrationTest, AnotherCopysRegistrationIsTakenOverButNotRemoved) {
   EXPECT_TRUE(registry.HasKey(kCurrentUser, "SOFTWARE\\Classes\\VeskoEx.cVeskoEx"));
 }
 
+TEST(RegistrationTest, WhatTwoPlatformsShareStaysForTheOther) {
+  const std::string files = std::string(kTypeLibrary) + "\\1.0\\0";
+  MemoryRegistry registry;
+  ASSERT_EQ(RegisterServer(registry, kLocalMachine, "C:\\64\\VeskoEx.dll", "win64"), S_OK);
+  ASSERT_EQ(RegisterServer(registry, kLocalMachine, "C:\\32\\VeskoEx.dll", "win32"), S_OK);
+  EXPECT_EQ(registry.Show(kLocalMachine, files + "\\win64", ""), "C:\\64\\VeskoEx.dll");
+
+  EXPECT_EQ(UnregisterServer(registry, kLocalMachine, "C:\\32\\VeskoEx.dll", "win32"), S_OK);
+  EXPECT_FALSE(registry.HasKey(kLocalMachine, files + "\\win32"));
+  EXPECT_TRUE(registry.HasKey(kLocalMachine, files + "\\win64"));
+  EXPECT_TRUE(registry.HasKey(kLocalMachine, "SOFTWARE\\Classes\\VeskoEx.cVeskoEx"));
+
+  EXPECT_EQ(UnregisterServer(registry, kLocalMachine, "C:\\64\\VeskoEx.dll", "win64"), S_OK);
+  EXPECT_FALSE(registry.HasKey(kLocalMachine, "SOFTWARE"));
+}
+
 TEST(RegistrationTest, AHiveThatFailsIsToldAndLeftClean) {
-  for (int n = 1; n <= 12; ++n) {
+  for (int n = 1; n <= 17; ++n) {
     for (RegistryCall call : {RegistryCall::kCreateKey, RegistryCall::kSetValue}) {
       MemoryRegistry registry;
       registry.Fail(call, kStatusWriteFault, n);
-      EXPECT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), SELFREG_E_CLASS);
+      EXPECT_EQ(RegisterServer(registry, kCurrentUser, kLibrary, "win64"), SELFREG_E_CLASS);
       EXPECT_FALSE(registry.HasKey(kCurrentUser, "SOFTWARE\\Classes\\CLSID")) << n;
     }
   }
