@@ -1,0 +1,87 @@
+#include "desktop/windows/WindowsDesktop.h"
+
+#include <windows.h>
+
+#include <charconv>
+#include <string>
+
+#include "desktop/windows/WinLocale.h"
+#include "desktop/windows/WinRegistry.h"
+#include "desktop/windows/WinShell.h"
+#include "desktop/windows/WinSocket.h"
+#include "desktop/windows/WinSound.h"
+#include "desktop/windows/WinToolkit.h"
+
+namespace vesko {
+namespace {
+
+constexpr char kCodePageKey[] = "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage";
+
+class CounterClock final : public Clock {
+ public:
+  CounterClock() {
+    LARGE_INTEGER frequency;
+    QueryPerformanceFrequency(&frequency);
+    ticks_per_second_ = static_cast<double>(frequency.QuadPart);
+  }
+
+  double Seconds() const override {
+    LARGE_INTEGER ticks;
+    QueryPerformanceCounter(&ticks);
+    return static_cast<double>(ticks.QuadPart) / ticks_per_second_;
+  }
+
+ private:
+  double ticks_per_second_ = 1;
+};
+
+/// The code page that the registry names, which takes effect for us at once and for the system
+/// after its next start; else the system's.
+int ChooseCodePage(Registry& registry) {
+  const int host = static_cast<int>(GetACP());
+  KeyHandle key = kNoKey;
+  if (registry.OpenKey(kLocalMachine, kCodePageKey, kKeyQueryValue, key) != kStatusSuccess) {
+    return host;
+  }
+  uint32_t type = 0;
+  std::string digits;
+  const int32_t status = registry.QueryValue(key, "ACP", type, digits);
+  registry.CloseKey(key);
+  int named = 0;
+  if (status == kStatusSuccess && type == kRegSz) {
+    std::from_chars(digits.data(), digits.data() + digits.size(), named);
+  }
+  return named > 0 && IsValidCodePage(static_cast<UINT>(named)) ? named : host;
+}
+
+class WindowsDesktop final : public Desktop {
+ public:
+  WindowsDesktop()
+      : registry_(MakeWinRegistry()),
+        locale_(MakeWinLocale(ChooseCodePage(*registry_))),
+        sound_(MakeWinSound(*locale_)),
+        shell_(MakeWinShell()),
+        toolkit_(MakeWinToolkit()) {}
+
+  const Locale& GetLocale() override { return *locale_; }
+  Registry& GetRegistry() override { return *registry_; }
+  std::unique_ptr<Socket> NewSocket() override { return MakeWinSocket(*locale_); }
+  Sound& GetSound() override { return *sound_; }
+  Shell& GetShell() override { return *shell_; }
+  const Clock& GetClock() override { return clock_; }
+  Toolkit& GetToolkit() override { return *toolkit_; }
+
+ private:
+  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Locale> locale_;
+  std::unique_ptr<Sound> sound_;
+  std::unique_ptr<Shell> shell_;
+  std::unique_ptr<Toolkit> toolkit_;
+  CounterClock clock_;
+};
+
+}  // namespace
+
+std::unique_ptr<Desktop> MakeWindowsDesktop() { return std::make_unique<WindowsDesktop>(); }
+
+}  // namespace vesko

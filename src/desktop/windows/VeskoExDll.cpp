@@ -1,0 +1,45 @@
+#include <windows.h>
+
+#include "component/EntryPoints.h"
+#include "component/Outcome.h"
+#include "desktop/windows/WinRegistration.h"
+#include "desktop/windows/WinRegistry.h"
+#include "desktop/windows/WindowsDesktop.h"
+
+namespace vesko {
+namespace {
+
+/// Whom a registration is for, by the words after regsvr32's /i.
+HRESULT RootFor(LPCWSTR words, int32_t& root) {
+  if (words == nullptr || *words == L'\0' || lstrcmpiW(words, L"machine") == 0) {
+    root = kLocalMachine;
+    return S_OK;
+  }
+  if (lstrcmpiW(words, L"user") != 0) return E_INVALIDARG;
+  root = kCurrentUser;
+  return S_OK;
+}
+
+}  // namespace
+
+AutomationServer& TheServer() {
+  static auto* server = new AutomationServer([] { return MakeWindowsDesktop(); }, LoadTypeInfo);
+  return *server;
+}
+
+HRESULT RegisterLibrary() { return RegisterOnWindows(*MakeWinRegistry(), kLocalMachine); }
+
+HRESULT UnregisterLibrary() { return UnregisterOnWindows(*MakeWinRegistry(), kLocalMachine); }
+
+}  // namespace vesko
+
+extern "C" HRESULT STDAPICALLTYPE DllInstall(BOOL install, LPCWSTR words) {
+  return vesko::Guard([&] {
+    int32_t root = 0;
+    const HRESULT known = vesko::RootFor(words, root);
+    if (FAILED(known)) return known;
+    const auto registry = vesko::MakeWinRegistry();
+    return install ? vesko::RegisterOnWindows(*registry, root)
+                   : vesko::UnregisterOnWindows(*registry, root);
+  });
+}
