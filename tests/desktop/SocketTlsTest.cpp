@@ -105,8 +105,10 @@ TEST_F(SocketTlsTest, GivesUpAtOnceOnAServerThatSpeaksNoTls) {
 }
 
 TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
-  const size_t before = OpenDescriptors();
+  size_t before = 0;
   for (int turns = 0; turns < 20; ++turns) {
+    // The first look-up opens what the process keeps for all that follow.
+    if (turns == 1) before = OpenDescriptors();
     auto outcome = ServeTls(peer_, good_, TLS1_3_VERSION);
     socket_->on_data_arrival = [&] { socket_->Close(); };
     socket_->Connect(u"localhost", peer_.Port());
