@@ -4,7 +4,6 @@
 #include <grp.h>
 #include <netinet/in.h>
 #include <pwd.h>
-#include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -13,7 +12,6 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <thread>
 
@@ -60,9 +58,6 @@ bool Greets(uint16_t port) {
 
 Dovecot::Dovecot(std::vector<Account> accounts) {
   if (!fs::exists(kProgram)) throw std::runtime_error("the package dovecot-pop3d is missing");
-  std::string pattern = (fs::temp_directory_path() / "vesko-dovecot-XXXXXX").string();
-  if (!::mkdtemp(pattern.data())) throw std::runtime_error("no folder: " + pattern);
-  folder_ = pattern;
   const passwd* owner = ::getuid() == 0 ? ::getpwnam("nobody") : ::getpwuid(::getuid());
   owner_ = owner->pw_name;
   uid_ = owner->pw_uid;
@@ -77,16 +72,10 @@ Dovecot::Dovecot(std::vector<Account> accounts) {
     if (Start()) return;
     Stop();
   }
-  std::string log = Log();
-  fs::remove_all(folder_);
-  throw std::runtime_error("Dovecot does not start: " + log);
+  throw std::runtime_error("Dovecot does not start: " + temporary_.Read("log"));
 }
 
-Dovecot::~Dovecot() {
-  Stop();
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
-}
+Dovecot::~Dovecot() { Stop(); }
 
 fs::path Dovecot::Maildir(const std::string& user) const { return folder_ / "mail" / user; }
 
@@ -169,11 +158,6 @@ std::set<std::string> Dovecot::Files(const std::string& user) const {
     }
   }
   return names;
-}
-
-std::string Dovecot::Log() const {
-  std::ifstream file(folder_ / "log");
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void Dovecot::GiveAway(const fs::path& path) const {

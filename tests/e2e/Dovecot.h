@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "support/TempFolder.h"
+
 namespace vesko {
 
 /// A Dovecot of its own: POP3 on a free port of 127.0.0.1, its configuration, mail and run-time
@@ -24,8 +26,6 @@ class Dovecot {
   /// when it does not.
   explicit Dovecot(std::vector<Account> accounts);
   ~Dovecot();
-  Dovecot(const Dovecot&) = delete;
-  Dovecot& operator=(const Dovecot&) = delete;
 
   uint16_t Port() const { return port_; }
 
@@ -41,10 +41,10 @@ class Dovecot {
   void WriteConfiguration(const std::vector<Account>& accounts) const;
   bool Start();
   void Stop();
-  std::string Log() const;
   void GiveAway(const std::filesystem::path& path) const;
 
-  std::filesystem::path folder_;
+  TempFolder temporary_;
+  const std::filesystem::path folder_ = temporary_.Path();
   std::string owner_ = "nobody";  // who the server's processes and the mail belong to
   uid_t uid_ = 0;
   gid_t gid_ = 0;

@@ -1,10 +1,6 @@
 #include "e2e/Machine.h"
 
-#include <stdlib.h>
-
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+#include <filesystem>
 
 #include "config/mRegistry.h"
 #include "config/mmEncrypt.h"
@@ -12,9 +8,7 @@
 namespace vesko {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::unique_ptr<Desktop> MakeDesktop(const fs::path& folder) {
+std::unique_ptr<Desktop> MakeDesktop(const TempFolder& folder) {
   LinuxDesktopOptions options;
   options.user_hive_folder = folder / "user";
   options.machine_hive_folder = folder / "machine";
@@ -25,29 +19,13 @@ std::unique_ptr<Desktop> MakeDesktop(const fs::path& folder) {
 
 Variant Record(const TestAccount& account, const Locale& locale) {
   return Join({account.user, account.server, account.user, Encrypt(account.password, locale),
-               Decimal(account.port), account.save_password ? u"1" : u"0", u""},
+               Decimal(account.port), u"1", u""},
               kCrLf);
-}
-
-std::string ReadFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace
 
-Machine::Machine() {
-  std::string pattern = (fs::temp_directory_path() / "vesko-e2e-XXXXXX").string();
-  if (!::mkdtemp(pattern.data())) throw std::runtime_error("no folder: " + pattern);
-  folder_ = pattern;
-}
-
-Machine::~Machine() {
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
-}
-
-Machine::Session::Session(const fs::path& folder) : desktop_(MakeDesktop(folder)) {}
+Machine::Session::Session(const TempFolder& folder) : desktop_(MakeDesktop(folder)) {}
 
 void Machine::SetUp(const std::vector<TestAccount>& accounts, int32_t wait_time) {
   auto desktop = MakeDesktop(folder_);
@@ -65,10 +43,10 @@ void Machine::SetUp(const std::vector<TestAccount>& accounts, int32_t wait_time)
 }
 
 bool Machine::HivesHold(const std::string& bytes) const {
-  for (const auto& entry : fs::recursive_directory_iterator(folder_)) {
-    if (entry.is_regular_file() && ReadFile(entry.path()).find(bytes) != std::string::npos) {
-      return true;
-    }
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.Path())) {
+    if (!entry.is_regular_file()) continue;
+    const std::string file = folder_.Read(entry.path().lexically_relative(folder_.Path()).string());
+    if (file.find(bytes) != std::string::npos) return true;
   }
   return false;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +8,7 @@
 #include "component/ComponentState.h"
 #include "component/cVeskoEx.h"
 #include "desktop/linux/LinuxDesktop.h"
+#include "support/TempFolder.h"
 
 namespace vesko {
 
@@ -17,21 +17,15 @@ struct TestAccount {
   Text password;
   int32_t port = 0;
   Text server = u"127.0.0.1";
-  bool save_password = true;
 };
 
 /// A user's machine with the real Linux desktop; its hives are in a folder of their own.
 class Machine {
  public:
-  Machine();
-  ~Machine();
-  Machine(const Machine&) = delete;
-  Machine& operator=(const Machine&) = delete;
-
   /// One life of the component, from its creation to its end.
   class Session {
    public:
-    explicit Session(const std::filesystem::path& folder);
+    explicit Session(const TempFolder& folder);
 
    private:
     std::unique_ptr<Desktop> desktop_;
@@ -50,7 +44,7 @@ class Machine {
   bool HivesHold(const std::string& bytes) const;
 
  private:
-  std::filesystem::path folder_;
+  TempFolder folder_;
 };
 
 }  // namespace vesko
