@@ -58,48 +58,22 @@ VARIANT Make(VARTYPE type) {
   value.vt = type;
   return value;
 }
-VARIANT Int32(LONG number) {
-  VARIANT value = Make(VT_I4);
-  value.lVal = number;
-  return value;
-}
-VARIANT Double(double number) {
-  VARIANT value = Make(VT_R8);
-  value.dblVal = number;
-  return value;
-}
-VARIANT Word(VARTYPE type, int16_t number) {
+template <typename Field>
+VARIANT Make(VARTYPE type, Field VARIANT::*field, std::type_identity_t<Field> content) {
   VARIANT value = Make(type);
-  value.iVal = number;
+  value.*field = content;
   return value;
 }
-VARIANT Wide(int64_t number) {
-  VARIANT value = Make(VT_I8);
-  value.llVal = number;
-  return value;
-}
-VARIANT Unsigned(ULONG number) {
-  VARIANT value = Make(VT_UI4);
-  value.ulVal = number;
-  return value;
-}
-VARIANT Omitted() {
-  VARIANT value = Make(VT_ERROR);
-  value.scode = DISP_E_PARAMNOTFOUND;
-  return value;
-}
-template <typename Pointed>
-VARIANT ByReference(VARTYPE type, Pointed* pointed) {
-  VARIANT value = Make(static_cast<VARTYPE>(VT_BYREF | type));
-  value.byref = pointed;
-  return value;
+VARIANT Int32(LONG number) { return Make(VT_I4, &VARIANT::lVal, number); }
+VARIANT Double(double number) { return Make(VT_R8, &VARIANT::dblVal, number); }
+VARIANT ByReference(VARTYPE type, void* pointed) {
+  return Make(static_cast<VARTYPE>(VT_BYREF | type), &VARIANT::byref, pointed);
 }
 
-DISPID IdOf(IDispatch* object, std::u16string name) {
-  LPOLESTR names[] = {name.data()};
-  DISPID id = 0;
-  object->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
-  return id;
+/// A call of a member, as scripts make it.
+HRESULT Call(IDispatch* object, DISPID id, DISPPARAMS parameters = {}, VARIANT* result = nullptr,
+             WORD flags = kLateBound, UINT* bad = nullptr, EXCEPINFO* exception = nullptr) {
+  return object->Invoke(id, IID_NULL, 0, flags, &parameters, result, exception, bad);
 }
 
 TEST_F(AutomationTest, NamesAreFoundWithoutRegardToCase) {
@@ -108,12 +82,8 @@ TEST_F(AutomationTest, NamesAreFoundWithoutRegardToCase) {
     const char16_t* name;
     DISPID id;
   } rows[] = {
-      {u"IsBusy", 1},    {u"ISBUSY", 1},
-      {u"setfont", 2},   {u"Configure", 3},
-      {u"CHECKtime", 4}, {u"CheckMail", 5},
-      {u"viewmail", 6},  {u"", DISPID_UNKNOWN},
-      {u"CheckMai", -1}, {u"CheckMail ", DISPID_UNKNOWN},
-      {u"Check", -1},    {u"İsBusy", DISPID_UNKNOWN},
+      {u"ISBUSY", 1},   {u"setfont", 2}, {u"Configure", 3}, {u"CHECKtime", 4},   {u"CheckMail", 5},
+      {u"viewmail", 6}, {u"", -1},       {u"CheckMai", -1}, {u"CheckMail ", -1}, {u"İsBusy", -1},
   };
   for (const auto& row : rows) {
     std::u16string name = row.name;
@@ -144,28 +114,22 @@ TEST_F(AutomationTest, CallsThatDoNotFitGetTheStandardCodes) {
     UINT named;
     HRESULT outcome;
   } rows[] = {
-      {"property", 1, DISPATCH_PROPERTYGET, 0, 0, S_OK},
       {"property, late bound", 1, kLateBound, 0, 0, S_OK},
-      {"method", 4, DISPATCH_METHOD, 0, 0, S_OK},
       {"method, late bound", 4, kLateBound, 0, 0, S_OK},
       {"property called", 1, DISPATCH_METHOD, 0, 0, DISP_E_MEMBERNOTFOUND},
       {"method read", 4, DISPATCH_PROPERTYGET, 0, 0, DISP_E_MEMBERNOTFOUND},
       {"read-only property set", 1, DISPATCH_PROPERTYPUT, 1, 1, DISP_E_MEMBERNOTFOUND},
       {"default member", DISPID_VALUE, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
-      {"unknown member", DISPID_UNKNOWN, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
-      {"behind the last member", 7, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
+      {"unknown member", 7, kLateBound, 0, 0, DISP_E_MEMBERNOTFOUND},
       {"one argument too many", 4, kLateBound, 1, 0, DISP_E_BADPARAMCOUNT},
       {"one argument missing", 2, kLateBound, 1, 0, DISP_E_BADPARAMCOUNT},
-      {"three for two", 2, kLateBound, 3, 0, DISP_E_BADPARAMCOUNT},
       {"named argument", 2, kLateBound, 2, 1, DISP_E_NONAMEDARGS},
   };
   for (const auto& row : rows) {
-    VARIANT arguments[] = {Int32(1), Int32(2), Int32(3)};
+    VARIANT arguments[] = {Int32(1), Int32(2)};
     DISPID named[] = {0};
-    DISPPARAMS parameters = {arguments, named, row.arguments, row.named};
-    const HRESULT outcome =
-        object->Invoke(row.id, IID_NULL, 0, row.flags, &parameters, nullptr, nullptr, nullptr);
-    EXPECT_EQ(outcome, row.outcome) << row.name;
+    const DISPPARAMS parameters = {arguments, named, row.arguments, row.named};
+    EXPECT_EQ(Call(object, row.id, parameters, nullptr, row.flags), row.outcome) << row.name;
   }
   DISPPARAMS none = {};
   EXPECT_EQ(object->Invoke(1, IID_IDispatch, 0, kLateBound, &none, nullptr, nullptr, nullptr),
@@ -182,13 +146,9 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
   BSTR gulim = SysAllocString(u"Gulim");
   BSTR with_nul = SysAllocStringLen(u"A\0B", 3);
   BSTR digits = SysAllocString(u" 17 ");
-  VARIANT text = Make(VT_BSTR);
-  text.bstrVal = gulim;
-  VARIANT nul_text = text;
-  nul_text.bstrVal = with_nul;
-  VARIANT digit_text = text;
-  digit_text.bstrVal = digits;
-  VARIANT null_text = Make(VT_BSTR);
+  const VARIANT text = Make(VT_BSTR, &VARIANT::bstrVal, gulim);
+  const VARIANT nul_text = Make(VT_BSTR, &VARIANT::bstrVal, with_nul);
+  VARIANT digit_text = Make(VT_BSTR, &VARIANT::bstrVal, digits);
   LONG number = 8;
   VARIANT text_reference = ByReference(VT_BSTR, &gulim);
   VARIANT loop = Make(VT_BYREF | VT_VARIANT);
@@ -206,11 +166,11 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
   } rows[] = {
       {"as declared", text, Int32(7), S_OK, u"Gulim", 7},
       {"text with a NUL within", nul_text, Int32(7), S_OK, inner_nul, 7},
-      {"null text", null_text, Int32(7), S_OK, u"", 7},
-      {"short integer", text, Word(VT_I2, -7), S_OK, u"Gulim", -7},
-      {"boolean", text, Word(VT_BOOL, VARIANT_TRUE), S_OK, u"Gulim", -1},
+      {"null text", Make(VT_BSTR), Int32(7), S_OK, u"", 7},
+      {"short integer", text, Make(VT_I2, &VARIANT::iVal, -7), S_OK, u"Gulim", -7},
+      {"boolean", text, Make(VT_BOOL, &VARIANT::iVal, VARIANT_TRUE), S_OK, u"Gulim", -1},
       {"half to even", text, Double(2.5), S_OK, u"Gulim", 2},
-      {"64-bit handle", text, Wide(0x7FFFFFFF), S_OK, u"Gulim", 0x7FFFFFFF},
+      {"64-bit handle", text, Make(VT_I8, &VARIANT::llVal, 0x7FFFFFFF), S_OK, u"Gulim", 0x7FFFFFFF},
       {"digits", text, digit_text, S_OK, u"Gulim", 17},
       {"empty", Make(VT_EMPTY), Make(VT_EMPTY), S_OK, u"", 0},
       {"number for text", Int32(12), Int32(7), S_OK, u"12", 7},
@@ -220,15 +180,12 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
       {"text for a number", text, text, kMismatch, u"", kFontArgument},
       {"null value", text, Make(VT_NULL), kMismatch, u"", kFontArgument},
       {"object for text", Make(VT_DISPATCH), Int32(7), kMismatch, u"", kNameArgument},
-      {"array", Make(VT_ARRAY | VT_UI1), Int32(7), kMismatch, u"", kNameArgument},
-      {"reference to nothing", ByReference(VT_BSTR, static_cast<BSTR*>(nullptr)), Int32(7),
-       kMismatch, u"", kNameArgument},
-      {"reference to an array", ByReference(VT_ARRAY, &number), Int32(7), kMismatch, u"",
+      {"reference to nothing", ByReference(VT_BSTR, nullptr), Int32(7), kMismatch, u"",
        kNameArgument},
       {"reference to itself", loop, Int32(7), kMismatch, u"", kNameArgument},
-      {"left out", text, Omitted(), DISP_E_PARAMNOTOPTIONAL, u"", kFontArgument},
+      {"left out", text, Make(VT_ERROR, &VARIANT::scode, DISP_E_PARAMNOTFOUND),
+       DISP_E_PARAMNOTOPTIONAL, u"", kFontArgument},
       {"too large", text, Double(2147483648.0), DISP_E_OVERFLOW, u"", kFontArgument},
-      {"too large, unsigned", text, Unsigned(0x80000000), DISP_E_OVERFLOW, u"", kFontArgument},
       {"no number", text, Double(std::nan("")), DISP_E_OVERFLOW, u"", kFontArgument},
   };
   for (const auto& row : rows) {
@@ -236,11 +193,9 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
     state->font_name.clear();
     state->font_handle = 0;
     VARIANT reversed[] = {row.font, row.font_name};
-    DISPPARAMS parameters = {reversed, nullptr, 2, 0};
     VARIANT result = Int32(5);
     UINT bad = 99;
-    EXPECT_EQ(object->Invoke(2, IID_NULL, 0, kLateBound, &parameters, &result, nullptr, &bad),
-              row.outcome);
+    EXPECT_EQ(Call(object, 2, {reversed, nullptr, 2, 0}, &result, kLateBound, &bad), row.outcome);
     EXPECT_EQ(result.vt, VT_EMPTY);
     EXPECT_EQ(state->font_name, row.expected_name);
     const UINT number_or_index = SUCCEEDED(row.outcome) ? state->font_handle : bad;
@@ -257,12 +212,11 @@ TEST_F(AutomationTest, LateAndEarlyBoundCallsAnswerAlike) {
   state->configuration.CheckInterval = 25;
   state->busy = true;
 
-  DISPPARAMS none = {};
   VARIANT result;
-  EXPECT_EQ(object->Invoke(1, IID_NULL, 0, kLateBound, &none, &result, nullptr, nullptr), S_OK);
+  EXPECT_EQ(Call(object, 1, {}, &result), S_OK);
   EXPECT_EQ(result.vt, VT_BOOL);
   EXPECT_EQ(result.boolVal, VARIANT_TRUE);
-  EXPECT_EQ(object->Invoke(4, IID_NULL, 0, kLateBound, &none, &result, nullptr, nullptr), S_OK);
+  EXPECT_EQ(Call(object, 4, {}, &result), S_OK);
   EXPECT_EQ(result.vt, VT_I4);
   EXPECT_EQ(result.lVal, 25);
 
@@ -321,20 +275,6 @@ TEST_F(AutomationTest, TheFactoryRefusesWhatItCannotMake) {
   factory->Release();
 }
 
-TEST_F(AutomationTest, TheLibraryIsNeededWhileAnythingIsAlive) {
-  EXPECT_TRUE(server_.CanUnload());
-  IClassFactory* factory = Factory();
-  EXPECT_FALSE(server_.CanUnload());
-  factory->LockServer(TRUE);
-  factory->Release();
-  EXPECT_FALSE(server_.CanUnload());
-  IDispatch* object = NewObject();
-  server_.Unlock();
-  EXPECT_FALSE(server_.CanUnload());
-  object->Release();
-  EXPECT_TRUE(server_.CanUnload());
-}
-
 TEST_F(AutomationTest, ObjectsShareTheStateUntilTheLastIsGone) {
   IDispatch* first = NewObject();
   const FakeDesktop* made = desktop_;
@@ -345,8 +285,16 @@ TEST_F(AutomationTest, ObjectsShareTheStateUntilTheLastIsGone) {
   EXPECT_EQ(server_.ShareState()->font_name, u"Gulim");
   second->Release();
   EXPECT_EQ(desktop_, nullptr);
+  EXPECT_TRUE(server_.CanUnload());
 
+  IClassFactory* factory = Factory();
+  EXPECT_FALSE(server_.CanUnload());
+  factory->LockServer(TRUE);
+  factory->Release();
+  EXPECT_FALSE(server_.CanUnload());
   IDispatch* third = NewObject();
+  server_.Unlock();
+  EXPECT_FALSE(server_.CanUnload());
   EXPECT_EQ(server_.ShareState()->font_name, u"");
   third->Release();
 }
@@ -359,22 +307,18 @@ TEST_F(AutomationTest, TheLastReferenceMayGoWhileAWindowIsOpen) {
     EXPECT_FALSE(server_.CanUnload());
     window.Unload();
   });
-  DISPPARAMS none = {};
-  EXPECT_EQ(object->Invoke(IdOf(object, u"Configure"), IID_NULL, 0, kLateBound, &none, nullptr,
-                           nullptr, nullptr),
-            S_OK);
+  EXPECT_EQ(Call(object, 3), S_OK);
 }
 
 TEST_F(AutomationTest, NoExceptionReachesTheClient) {
   auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
-  DISPPARAMS none = {};
   EXCEPINFO exception = {};
   const auto invoke = [&](auto thrown) {
     desktop_->toolkit.On("fConfig", [=](Form& window) {
       window.Unload();
       throw thrown;
     });
-    return object->Invoke(3, IID_NULL, 0, kLateBound, &none, nullptr, &exception, nullptr);
+    return Call(object, 3, {}, nullptr, kLateBound, nullptr, &exception);
   };
   EXPECT_EQ(invoke(RunTimeError(5, u"VeskoEx.fConfig", u"Wrong")), DISP_E_EXCEPTION);
   EXPECT_EQ(exception.scode, static_cast<SCODE>(0x800A0005));
@@ -388,26 +332,18 @@ TEST_F(AutomationTest, NoExceptionReachesTheClient) {
 }
 
 TEST(CreationTest, AFailedDesktopIsACodeAndLeavesNothingAlive) {
-  const struct {
-    std::function<void()> fail;
-    HRESULT outcome;
-  } rows[] = {
-      {[] { throw RunTimeError(static_cast<int32_t>(0x800705B3)); },
-       static_cast<HRESULT>(0x800705B3)},
+  const std::pair<std::function<void()>, HRESULT> rows[] = {
       {[] { throw RunTimeError(53); }, static_cast<HRESULT>(0x800A0035)},
       {[] { throw std::bad_alloc(); }, E_OUTOFMEMORY},
       {[] { throw 1; }, E_UNEXPECTED},
   };
-  for (const auto& row : rows) {
-    AutomationServer server([&]() -> std::unique_ptr<Desktop> {
-      row.fail();
-      return nullptr;
-    });
+  for (const auto& [fail, outcome] : rows) {
+    AutomationServer server([&]() -> std::unique_ptr<Desktop> { return fail(), nullptr; });
     void* factory = nullptr;
     ASSERT_EQ(server.GetClassObject(CLSID_cVeskoEx, IID_IClassFactory, &factory), S_OK);
     void* object = &object;
     auto* classes = static_cast<IClassFactory*>(factory);
-    EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, &object), row.outcome);
+    EXPECT_EQ(classes->CreateInstance(nullptr, IID_IDispatch, &object), outcome);
     EXPECT_EQ(object, nullptr);
     classes->Release();
     EXPECT_TRUE(server.CanUnload());

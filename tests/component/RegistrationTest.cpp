@@ -1,18 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
+#include <tuple>
 
 #include "VeskoEx/Host.h"
 #include "VeskoEx/VeskoEx.h"
 #include "component/Registration.h"
 #include "desktop/linux/LinuxRegistration.h"
 #include "support/MemoryRegistry.h"
+#include "support/TempFolder.h"
 
 namespace vesko {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr char kLibrary[] = "/opt/mail/libVeskoEx.so";
 constexpr char kClass[] = "SOFTWARE\\Classes\\CLSID\\{63A46929-8458-4AA5-8CB6-4BD1B0873CC2}";
@@ -23,11 +22,7 @@ TEST(RegistrationTest, WritesTheKeysThatHostsLookFor) {
   MemoryRegistry registry;
   for (int times = 0; times < 2; ++times) {
     ASSERT_EQ(RegisterServer(registry, kCurrentUser, kLibrary), S_OK);
-    const struct {
-      std::string path;
-      const char* name;
-      std::string text;
-    } rows[] = {
+    const std::tuple<std::string, const char*, std::string> rows[] = {
         {"SOFTWARE\\Classes\\VeskoEx.cVeskoEx\\CLSID", "", std::string(kClass).substr(23)},
         {kClass, "", "VeskoEx.cVeskoEx"},
         {std::string(kClass) + "\\ProgID", "", "VeskoEx.cVeskoEx"},
@@ -36,9 +31,9 @@ TEST(RegistrationTest, WritesTheKeysThatHostsLookFor) {
         {std::string(kClass) + "\\TypeLib", "", std::string(kTypeLibrary).substr(25)},
         {std::string(kTypeLibrary) + "\\1.0", "", "Vesko ActiveX Dll 1.0"},
     };
-    for (const auto& row : rows) {
-      EXPECT_EQ(registry.Show(kCurrentUser, row.path, row.name), row.text) << row.path;
-      EXPECT_FALSE(registry.HasKey(kLocalMachine, row.path));
+    for (const auto& [path, name, text] : rows) {
+      EXPECT_EQ(registry.Show(kCurrentUser, path, name), text) << path;
+      EXPECT_FALSE(registry.HasKey(kLocalMachine, path));
     }
   }
   EXPECT_EQ(registry.WritesOutsideTransactions(), 0);
@@ -109,21 +104,16 @@ TEST(RegistrationTest, AHiveThatFailsIsToldAndLeftClean) {
 class ClassFileTest : public testing::Test {
  protected:
   ClassFileTest() {
-    char name[] = "/tmp/vesko-classes-XXXXXX";
-    folder_ = mkdtemp(name);
     folders_.user_classes = folder_ / "user";
-    folders_.machine_classes = folder_ / "etc" / "machine";
-    file_ = folder_ / "user" / "veskoex.cveskoex";
+    folders_.machine_classes = folder_ / "etc/machine";
   }
-  ~ClassFileTest() override { fs::remove_all(folder_); }
 
   std::string Library(const std::string& folder, const char* prog_id) {
     const auto entry = host::ReadClassFile(host::ClassFile(folder, prog_id));
     return entry ? entry->library : "(none)";
   }
 
-  fs::path folder_;
-  fs::path file_;
+  TempFolder folder_;
   LinuxFolders folders_;
   MemoryRegistry registry_;
 };
@@ -141,7 +131,7 @@ TEST_F(ClassFileTest, AnnouncesTheClassBesideTheKeys) {
   EXPECT_EQ(Library(folders_.machine_classes, kProgId), kLibrary);
   for (int times = 0; times < 2; ++times) {
     EXPECT_EQ(UnregisterOnLinux(registry_, kMachine, folders_, kLibrary), S_OK);
-    EXPECT_FALSE(fs::exists(folders_.machine_classes));
+    EXPECT_FALSE(std::filesystem::exists(folders_.machine_classes));
     EXPECT_FALSE(registry_.HasKey(kLocalMachine, "SOFTWARE"));
   }
 }
@@ -149,7 +139,7 @@ TEST_F(ClassFileTest, AnnouncesTheClassBesideTheKeys) {
 TEST_F(ClassFileTest, WhatCannotBeAnnouncedIsNotRegistered) {
   EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, "/a\nb.so"),
             SELFREG_E_CLASS);
-  std::ofstream(folders_.user_classes) << "in the folder's place";
+  folder_.Write("user", "in the folder's place");
   EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, kLibrary),
             SELFREG_E_CLASS);
   EXPECT_FALSE(registry_.HasKey(kCurrentUser, "SOFTWARE"));
@@ -157,10 +147,7 @@ TEST_F(ClassFileTest, WhatCannotBeAnnouncedIsNotRegistered) {
 
 TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
   const std::string id = "CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}";
-  const struct {
-    std::string content;
-    const char* library;
-  } rows[] = {
+  const std::pair<std::string, const char*> rows[] = {
       {"# note\nfuture=1\n" + id + "\nInprocServer32=/x=y.so", "/x=y.so"},
       {"CLSID={63a46929-8458-4aa5-8cb6-4bd1b0873cc2}\nInprocServer32=/x.so", "/x.so"},
       {"", "(none)"},
@@ -170,10 +157,9 @@ TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
       {id.substr(0, 40) + "\nInprocServer32=/x.so", "(none)"},
       {id + "}\nInprocServer32=/x.so", "(none)"},
   };
-  fs::create_directories(folders_.user_classes);
-  for (const auto& row : rows) {
-    std::ofstream(file_) << row.content;
-    EXPECT_EQ(Library(folders_.user_classes, kProgId), row.library) << row.content;
+  for (const auto& [content, library] : rows) {
+    folder_.Write("user/veskoex.cveskoex", content);
+    EXPECT_EQ(Library(folders_.user_classes, kProgId), library) << content;
   }
   EXPECT_EQ(host::ClassFile("/c", "../evil"), "");
   EXPECT_EQ(host::ClassFile("/c", ""), "");

@@ -99,23 +99,13 @@ class cVeskoExTest : public testing::Test {
 };
 
 TEST_F(cVeskoExTest, CheckTimeIsForAutomaticChecksOnly) {
-  struct Case {
-    int32_t manual, interval, expected;
-  };
-  for (const Case& c : {Case{0, 30, 30}, {1, 30, -1}, {-1, 30, -1}, {0, 0, -1}, {0, -5, -5}}) {
+  const int32_t rows[][3] = {{0, 30, 30}, {1, 30, -1}, {-1, 30, -1}, {0, 0, -1}, {0, -5, -5}};
+  for (const auto& [manual, interval, expected] : rows) {
     Object();
-    state.configuration.ManualChecking = c.manual;
-    state.configuration.CheckInterval = c.interval;
-    EXPECT_EQ(Object().CheckTime(), c.expected) << c.manual << " " << c.interval;
+    state.configuration.ManualChecking = manual;
+    state.configuration.CheckInterval = interval;
+    EXPECT_EQ(Object().CheckTime(), expected) << manual << " " << interval;
   }
-}
-
-TEST_F(cVeskoExTest, ConfigureOpensTheFirstPage) {
-  machine.toolkit.On("fConfig", Leave());
-  state.ConfigWindow().SelectPage(kOptionPage);
-  Object().Configure();
-  EXPECT_EQ(Find<TabControl>(state.ConfigWindow(), "SSTab1").Tab(), kAccountsPage);
-  EXPECT_FALSE(Object().IsBusy());
 }
 
 TEST_F(cVeskoExTest, WithoutAccountsOnlyYesLeadsToTheSettings) {
@@ -192,7 +182,10 @@ TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
 
 TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
   StoreAccount(u"one");
+  state.ConfigWindow().SelectPage(kOptionPage);
   machine.toolkit.On("fConfig", [&](Form& form) {
+    EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kAccountsPage);
+    EXPECT_TRUE(Object().IsBusy());
     state.mails.Add(std::make_shared<cMessage>(*machine.locale), u"user");
     state.configuration.DownLines = 7;
     object.reset();

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/RunTimeError.h"
 #include "config/mRegistry.h"
 #include "support/FakeShell.h"
@@ -77,25 +79,20 @@ TEST_F(mRegistryTest, TheMachinesHiveServesWhereTheUsersCannotBeMade) {
 
 TEST_F(mRegistryTest, ReadsNumbersOfEveryTypeOrKeepsTheLast) {
   memory_.PutNumber(kCurrentUser, kMain, "Down Lines", 1);
-  struct Row {
-    uint32_t type;
-    std::string data;
-    int32_t expected;
-  };
-  const Row rows[] = {{kRegDword, {4, 0, 0, 0}, 4},
-                      {kRegDwordBigEndian, {0, 0, 0, 4}, 4},
-                      {kRegSz, {' ', '2', '5', 0}, 25},
-                      {kRegSz, {'2', '5', 0, 0, 0}, 25},
-                      {kRegSz, {'a', 'b', 0}, 99},
-                      {kRegSz, {0}, 99},
-                      {kRegBinary, {1}, 99}};
+  const std::tuple<uint32_t, std::string, int32_t> rows[] = {{kRegDword, {4, 0, 0, 0}, 4},
+                                                             {kRegDwordBigEndian, {0, 0, 0, 4}, 4},
+                                                             {kRegSz, {' ', '2', '5', 0}, 25},
+                                                             {kRegSz, {'2', '5', 0, 0, 0}, 25},
+                                                             {kRegSz, {'a', 'b', 0}, 99},
+                                                             {kRegSz, {0}, 99},
+                                                             {kRegBinary, {1}, 99}};
   memory_.PutText(kCurrentUser, kMain, "Account Number", "many");
-  for (const Row& row : rows) {
-    memory_.Put(kCurrentUser, kMain, "Wait Time", row.type, row.data);
+  for (const auto& [type, data, expected] : rows) {
+    memory_.Put(kCurrentUser, kMain, "Wait Time", type, data);
     Configuration configuration;
     configuration.WaitTime = 99;
     store_.Load(configuration);
-    EXPECT_EQ(configuration.WaitTime, row.expected) << &row - rows;
+    EXPECT_EQ(configuration.WaitTime, expected) << type << " " << data;
     EXPECT_EQ(configuration.Accounts.Count(), 0);
   }
 }

@@ -42,19 +42,14 @@ TEST(ReplyBuffer, JoinsBlocksInOrderAndStartsAfresh) {
 }
 
 TEST(ReplyBuffer, CutsStatusAndDotLine) {
-  struct Row {
-    Text reply;
-    Text content;
+  const std::pair<Text, Text> rows[] = {
+      {u"+OK\r\nA: b\r\n\r\nc\r\n.\r\n", u"A: b\r\n\r\nc\r\n"},
+      {u"+OK\r\n.\r\n", u""},
+      {u"+OK\n.\r\n", u""},                            // the only line end is the dot line's
+      {u"+OK\n.\r\nxy", u"xy"},                        // nothing left to cut from
+      {u"+OK\r\na\r\n.\r\n+OK\r\n", u"a\r\n.\r\n+O"},  // what follows is taken as the end
   };
-  for (const Row& row : std::vector<Row>{
-           {u"+OK\r\nA: b\r\n\r\nc\r\n.\r\n", u"A: b\r\n\r\nc\r\n"},
-           {u"+OK\r\n.\r\n", u""},
-           {u"+OK\n.\r\n", u""},                            // the only line end is the dot line's
-           {u"+OK\n.\r\nxy", u"xy"},                        // nothing left to cut from
-           {u"+OK\r\na\r\n.\r\n+OK\r\n", u"a\r\n.\r\n+O"},  // what follows is taken as the end
-       }) {
-    EXPECT_EQ(TopContent(row.reply), row.content);
-  }
+  for (const auto& [reply, content] : rows) EXPECT_EQ(TopContent(reply), content);
 }
 
 }  // namespace

@@ -50,15 +50,13 @@ TEST(ProgressBarTest, KeepsItsRange) {
 }
 
 TEST(ListBoxTest, SelectionFollowsItsLine) {
-  struct Case {
-    int selected, removed, expected;
-  };
-  for (const Case& c : {Case{1, 0, 0}, {1, 1, -1}, {1, 2, 1}, {-1, 0, -1}}) {
+  const int rows[][3] = {{1, 0, 0}, {1, 1, -1}, {1, 2, 1}, {-1, 0, -1}};
+  for (const auto& [selected, removed, expected] : rows) {
     ListBox list("lst");
     for (const char16_t* item : {u"a", u"b", u"c"}) list.AddItem(item);
-    list.SetListIndex(c.selected);
-    list.RemoveItem(c.removed);
-    EXPECT_EQ(list.ListIndex(), c.expected) << c.selected << " " << c.removed;
+    list.SetListIndex(selected);
+    list.RemoveItem(removed);
+    EXPECT_EQ(list.ListIndex(), expected) << selected << " " << removed;
     EXPECT_EQ(list.Count(), 2);
   }
   ListBox empty("lst");
