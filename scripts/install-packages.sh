@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the purposes named: build, demo, test, package.
+# Installs the Debian packages that are missing for the purposes named: build, demo, test, package,
+# windows.
 # Does nothing, and needs no rights, where all of them are there.
 set -euo pipefail
 
@@ -11,6 +12,9 @@ demo=(fonts-dejavu-core fonts-noto-cjk)
 test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev libssl-dev openbox openssl
   pulseaudio pulseaudio-utils x11-utils xauth xdotool xvfb)
 package=(appstream desktop-file-utils dpkg-dev file man-db)
+# The library for Windows is cross-built, and run under Wine.
+windows=(cmake fonts-dejavu-core fonts-noto-cjk g++-mingw-w64-i686 g++-mingw-w64-x86-64 googletest
+  mingw-w64-tools ninja-build openbox wine wine64 xdotool xvfb)
 
 die() {
   echo "$*" >&2
@@ -29,7 +33,8 @@ wanted() {
       demo) printf '%s\n' "${demo[@]}" ;;
       test) printf '%s\n' "${test[@]}" ;;
       package) printf '%s\n' "${package[@]}" ;;
-      *) die "install-packages.sh: '$purpose' is none of build, demo, test, package" ;;
+      windows) printf '%s\n' "${windows[@]}" ;;
+      *) die "install-packages.sh: '$purpose' is none of build, demo, test, package, windows" ;;
     esac
   done
 }
@@ -58,7 +63,7 @@ disable_at_boot() {
   fi
 }
 
-[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package..."
+[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package|windows..."
 command -v dpkg-query >/dev/null || die "This needs Debian 12 or a system like it: there is no dpkg."
 
 names=$(wanted "$@" | sort -u)

@@ -1,0 +1,117 @@
+#include <VeskoExTypes.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+
+// Uses the registered component as early bound hosts do. Prints what is wrong, nothing when all is
+// right.
+
+namespace {
+
+int faults = 0;
+
+void Expect(bool true_condition, const char* words) {
+  if (true_condition) return;
+  std::printf("wrong: %s\n", words);
+  ++faults;
+}
+
+_cVeskoEx* Create() {
+  void* made = nullptr;
+  const HRESULT outcome = CoCreateInstance(__uuidof(cVeskoEx), nullptr, CLSCTX_INPROC_SERVER,
+                                           __uuidof(_cVeskoEx), &made);
+  Expect(outcome == S_OK, "an object is created for its dual interface");
+  return static_cast<_cVeskoEx*>(made);
+}
+
+void TryMembers(_cVeskoEx* mail) {
+  VARIANT_BOOL busy = VARIANT_TRUE;
+  Expect(mail->get_IsBusy(&busy) == S_OK && busy == VARIANT_FALSE, "IsBusy");
+  LONG minutes = 0;
+  Expect(mail->CheckTime(&minutes) == S_OK && minutes == -1, "CheckTime");
+  BSTR font = SysAllocString(L"Tahoma");
+  VARIANT result;
+  std::memset(&result, 0xFF, sizeof result);
+  Expect(mail->SetFont(font, 1, &result) == S_OK && result.vt == VT_EMPTY, "SetFont");
+  SysFreeString(font);
+}
+
+/// What the object tells of itself and what the registered library tells must be the vtable.
+void CompareMembers(ITypeInfo* info) {
+  const wchar_t* const kNames[] = {L"IsBusy",    L"SetFont",   L"Configure",
+                                   L"CheckTime", L"CheckMail", L"ViewMail"};
+  MEMBERID id = 1;
+  for (const wchar_t* name : kNames) {
+    BSTR found = nullptr;
+    Expect(info->GetDocumentation(id, &found, nullptr, nullptr, nullptr) == S_OK && found &&
+               lstrcmpW(found, name) == 0,
+           "the description names the members by their numbers");
+    SysFreeString(found);
+    ++id;
+  }
+}
+
+void TryDescriptions(_cVeskoEx* mail) {
+  UINT count = 0;
+  ITypeInfo* info = nullptr;
+  Expect(mail->GetTypeInfoCount(&count) == S_OK && count == 1, "the object describes itself");
+  Expect(mail->GetTypeInfo(1, 0, &info) == DISP_E_BADINDEX && !info, "there is one description");
+  if (mail->GetTypeInfo(0, 0, &info) != S_OK) return Expect(false, "GetTypeInfo");
+  CompareMembers(info);
+  info->Release();
+
+  ITypeLib* library = nullptr;
+  if (LoadRegTypeLib(LIBID_VeskoEx, 1, 0, 0, &library) != S_OK) {
+    return Expect(false, "the type library is registered");
+  }
+  Expect(library->GetTypeInfoOfGuid(__uuidof(_cVeskoEx), &info) == S_OK, "it holds the interface");
+  CompareMembers(info);
+  info->Release();
+  library->Release();
+}
+
+void TryUnloading() {
+  IClassFactory* factory = nullptr;
+  CoGetClassObject(__uuidof(cVeskoEx), CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                   reinterpret_cast<void**>(&factory));
+  CoFreeUnusedLibrariesEx(0, 0);
+  Expect(factory && GetModuleHandleW(L"VeskoEx.dll"), "the library stays while a factory lives");
+  if (factory) factory->Release();
+  // The first call notes that it is unused, the second one lets it go.
+  CoFreeUnusedLibrariesEx(0, 0);
+  CoFreeUnusedLibrariesEx(0, 0);
+  Expect(!GetModuleHandleW(L"VeskoEx.dll"), "the library goes when nothing lives");
+}
+
+DWORD WINAPI UseFromAnyThread(void*) {
+  CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+  if (_cVeskoEx* mail = Create()) {
+    TryMembers(mail);
+    mail->Release();
+  }
+  CoUninitialize();
+  return 0;
+}
+
+/// The object then lives on a thread of the system's, behind a proxy made from the description.
+void TryFromAnyThread() {
+  const HANDLE thread = CreateThread(nullptr, 0, &UseFromAnyThread, nullptr, 0, nullptr);
+  WaitForSingleObject(thread, INFINITE);
+  CloseHandle(thread);
+}
+
+}  // namespace
+
+int main() {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  if (_cVeskoEx* mail = Create()) {
+    TryMembers(mail);
+    TryDescriptions(mail);
+    mail->Release();
+    TryUnloading();
+    TryFromAnyThread();
+  }
+  CoUninitialize();
+  return faults == 0 ? 0 : 1;
+}
