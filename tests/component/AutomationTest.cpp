@@ -313,7 +313,7 @@ TEST_F(AutomationTest, TheLastReferenceMayGoWhileAWindowIsOpen) {
 TEST_F(AutomationTest, NoExceptionReachesTheClient) {
   auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
   EXCEPINFO exception = {};
-  const auto invoke = [&](auto thrown) {
+  const auto invoke = [&](const auto& thrown) {
     desktop_->toolkit.On("fConfig", [=](Form& window) {
       window.Unload();
       throw thrown;

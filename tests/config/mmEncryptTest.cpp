@@ -35,13 +35,7 @@ TEST(mmEncrypt, SevenBitPasswordsComeBackInEveryCodePage) {
 }
 
 TEST(mmEncrypt, XorIsItsOwnInverseAndMakesNoNul) {
-  const Text texts[] = {u"",
-                        u"x",
-                        u"8",
-                        Text(kKey.substr(1)) + Text(kKey) + u"4",
-                        Text(40, u'8'),
-                        u"\u00FF\u0100한",
-                        Text(32767, u'a')};
+  const Text texts[] = {u"", u"8", Text(kKey.substr(1)) + Text(kKey), u"\u00FF\u0100한"};
   for (const Text& text : texts) {
     Text once = XorWithKey(text, kKey);
     EXPECT_EQ(once.size(), text.size());

@@ -121,8 +121,7 @@ TEST_F(fConfigTest, EditedAccountsAreStoredWhenAnotherIsShown) {
 
 TEST_F(fConfigTest, PortsAreNumbersAndAccountsHaveNames) {
   Accounts({u"a"});
-  const std::pair<const char16_t*, const char16_t*> cases[] = {
-      {u"", u"110"}, {u"pop3", u"110"}, {u" 995 ", u"995"}};
+  const std::pair<Text, Text> cases[] = {{u"", u"110"}, {u"pop3", u"110"}, {u" 995 ", u"995"}};
   for (const auto& [typed, stored] : cases) {
     Show([&](Form& form) { Type(form, "txtPop3Account(4)", typed); });
     EXPECT_EQ(machine.Account(1)[kAccountPort], stored);

@@ -225,14 +225,15 @@ TEST_F(fListMailTest, LeavingForgetsDeletionMarksAndManualSpamMarks) {
   Show([&](Form&, ListView& list) { EXPECT_EQ(list.RowAt(0).image, "MailRead"); });
 }
 
-TEST_F(fListMailTest, TheLongestMailboxIsMarkedAtOnce) {
-  for (int i = 0; i < 32767; ++i) machine.AddMail(u"a@mail.example");
+TEST_F(fListMailTest, TheLongestMailboxIsSortedAndMarkedAtOnce) {
+  for (int i = 0; i < 32767; ++i) machine.AddMail(u"sender" + Decimal(i * 7919 % 11000));
   const std::clock_t start = std::clock();
   Show([](Form& form, ListView& list) {
+    list.ClickColumn(1);
     for (int key : {'A', 'R', 'S', 'I', 'I', 'N'}) list.PressKey(key, kControl);
     EXPECT_EQ(form.Caption(), u"32767 MAILS (32767 NEW MAILS, 32767 SPAM MAILS)");
   });
-  EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
+  EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
 }
 
 }  // namespace

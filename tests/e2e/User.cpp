@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
-#include <QTabBar>
 #include <QTest>
 #include <cstdlib>
 
@@ -72,11 +71,6 @@ void User::Look() {
 void User::GiveUp(const QString& why, QWidget* window) {
   ADD_FAILURE() << why.toStdString() << " at step " << next_ + 1 << " of " << steps_.size() << ": "
                 << (window ? NameOf(*window) + " " + window->windowTitle() : "").toStdString();
-  if (window) {
-    for (const QLabel* label : window->findChildren<QLabel*>()) {
-      std::printf("%s\n", label->text().toUtf8().constData());
-    }
-  }
   std::fflush(nullptr);
   std::_Exit(1);
 }
@@ -93,13 +87,6 @@ void Type(QWidget& window, const QString& text_box, const QString& text) {
   if (!found) return;
   found->selectAll();
   QTest::keyClicks(found, text);
-}
-
-void TurnToPage(QWidget& window, const QString& caption) {
-  auto* bar = Find<QTabBar>(window, {});
-  for (int i = 0; bar && i < bar->count(); ++i) {
-    if (bar->tabText(i) == caption) bar->setCurrentIndex(i);
-  }
 }
 
 QString Shown(QWidget& window, const QString& control) {

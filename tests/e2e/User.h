@@ -54,9 +54,6 @@ void Press(QWidget& window, const QString& button);
 /// Puts the text into a text box in place of what stands there, key by key.
 void Type(QWidget& window, const QString& text_box, const QString& text);
 
-/// Turns to the page of a tab control that has this caption.
-void TurnToPage(QWidget& window, const QString& caption);
-
 /// What a label, a text box or a message box shows. "" names the message box's own text.
 QString Shown(QWidget& window, const QString& control = {});
 

@@ -20,14 +20,13 @@ class LifeForm : public Form {
   }
   ~LifeForm() override { TakeDown(); }
 
-  std::function<void()> on_load, on_activate, on_close;
+  std::function<void()> on_load, on_activate;
   CommandButton button{"cmdOne"};
 
  private:
   void OnLoad() override { Note("load", on_load); }
   void OnActivate() override { Note("activate", on_activate); }
   void OnUnload() override { Note("unload", {}); }
-  void OnClose() override { on_close ? on_close() : Form::OnClose(); }
 
   void Note(const std::string& step, const std::function<void()>& action) {
     calls_.push_back(step);
@@ -67,24 +66,6 @@ TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
   form.ShowModal();
   EXPECT_EQ(toolkit.shown, Calls{"Life"});
   EXPECT_EQ(toolkit.calls.back(), "destroy Life");
-}
-
-TEST(FormTest, ClosingByTheFrameAsksTheWindow) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
-  int closings = 0;
-  form.on_close = [&] {
-    if (++closings == 2) form.Unload();
-  };
-  form.Close();
-  EXPECT_EQ(closings, 0) << "not shown yet";
-  toolkit.On("Life", [](Form& shown) {
-    shown.Close();
-    EXPECT_TRUE(shown.IsLoaded());
-    shown.Close();
-  });
-  form.ShowModal();
-  EXPECT_EQ(closings, 2);
 }
 
 TEST(FormTest, MayBeDestroyedWhileItIsShown) {

@@ -165,14 +165,10 @@ TEST_F(StrangerTest, AnInstalledCopyServesAnotherProject) {
 }
 
 TEST_F(StrangerTest, TheRegisteringProgramRefusesWhatItDoesNotUnderstand) {
-  const struct {
-    const char* arguments;
-    int status;
-  } rows[] = {
+  const std::pair<std::string, int> rows[] = {
       {" --all", 2}, {" a.so b.so", 2}, {" ''", 2}, {" /nowhere/libVeskoEx.so", 1}, {" /", 1}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(RunCommand(VESKO_REGISTER + std::string(row.arguments)).status, row.status)
-        << row.arguments;
+  for (const auto& [arguments, status] : rows) {
+    EXPECT_EQ(RunCommand(VESKO_REGISTER + arguments).status, status) << arguments;
   }
   EXPECT_TRUE(fs::is_empty(home_));
 }
