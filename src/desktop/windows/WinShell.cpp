@@ -26,9 +26,13 @@ Text OwnFile() {
   return path;
 }
 
+/// The system reads a path up to its first NUL, and would find another file.
+bool IsPath(const Text& path) { return path.find(u'\0') == Text::npos; }
+
 class WinShell final : public Shell {
  public:
   std::optional<uint32_t> FileAttributes(const Text& path) override {
+    if (!IsPath(path)) return std::nullopt;
     const DWORD attributes = GetFileAttributesW(Wide(path));
     if (attributes == INVALID_FILE_ATTRIBUTES) return std::nullopt;
     return attributes;
@@ -41,8 +45,8 @@ class WinShell final : public Shell {
     startup.dwFlags = STARTF_USESHOWWINDOW;
     startup.wShowWindow = SW_SHOWNORMAL;
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(Wide(program), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &process)) {
+    if (!IsPath(program) || !CreateProcessW(Wide(program), command.data(), nullptr, nullptr, FALSE,
+                                            0, nullptr, nullptr, &startup, &process)) {
       throw RunTimeError(kFileNotFound);
     }
     CloseHandle(process.hThread);
