@@ -52,6 +52,11 @@ class AutomationTest : public testing::Test {
   AutomationServer server_;
 };
 
+// The same character type, and on Windows another name for it.
+OLECHAR* Ole(char16_t* text) { return reinterpret_cast<OLECHAR*>(text); }
+const OLECHAR* Ole(const char16_t* text) { return reinterpret_cast<const OLECHAR*>(text); }
+Text TextOf(BSTR text) { return reinterpret_cast<const char16_t*>(text); }
+
 VARIANT Make(VARTYPE type) {
   VARIANT value;
   VariantInit(&value);
@@ -87,7 +92,7 @@ TEST_F(AutomationTest, NamesAreFoundWithoutRegardToCase) {
   };
   for (const auto& row : rows) {
     std::u16string name = row.name;
-    LPOLESTR names[] = {name.data()};
+    LPOLESTR names[] = {Ole(name.data())};
     DISPID id = 99;
     const HRESULT outcome = object->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
     EXPECT_EQ(id, row.id) << testing::PrintToString(name);
@@ -95,7 +100,7 @@ TEST_F(AutomationTest, NamesAreFoundWithoutRegardToCase) {
   }
   char16_t method[] = u"SetFont";
   char16_t argument[] = u"hFont";
-  LPOLESTR names[] = {method, argument};
+  LPOLESTR names[] = {Ole(method), Ole(argument)};
   DISPID ids[] = {99, 99};
   EXPECT_EQ(object->GetIDsOfNames(IID_NULL, names, 2, 0, ids), DISP_E_UNKNOWNNAME);
   EXPECT_EQ(ids[0], 2);
@@ -143,9 +148,9 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
   IDispatch* object = NewObject();
   const auto state = server_.ShareState();
   Text inner_nul = u"A\0B"s;
-  BSTR gulim = SysAllocString(u"Gulim");
-  BSTR with_nul = SysAllocStringLen(u"A\0B", 3);
-  BSTR digits = SysAllocString(u" 17 ");
+  BSTR gulim = SysAllocString(Ole(u"Gulim"));
+  BSTR with_nul = SysAllocStringLen(Ole(u"A\0B"), 3);
+  BSTR digits = SysAllocString(Ole(u" 17 "));
   const VARIANT text = Make(VT_BSTR, &VARIANT::bstrVal, gulim);
   const VARIANT nul_text = Make(VT_BSTR, &VARIANT::bstrVal, with_nul);
   VARIANT digit_text = Make(VT_BSTR, &VARIANT::bstrVal, digits);
@@ -230,7 +235,7 @@ TEST_F(AutomationTest, LateAndEarlyBoundCallsAnswerAlike) {
   EXPECT_EQ(reinterpret_cast<Getter>(vtable[10])(object, &minutes), S_OK);
   EXPECT_EQ(minutes, 25);
 
-  BSTR name = SysAllocString(u"Gulim");
+  BSTR name = SysAllocString(Ole(u"Gulim"));
   result = Int32(5);
   EXPECT_EQ(object->SetFont(name, 3, &result), S_OK);
   EXPECT_EQ(object->SetFont(name, 4, nullptr), S_OK);
@@ -322,8 +327,8 @@ TEST_F(AutomationTest, NoExceptionReachesTheClient) {
   };
   EXPECT_EQ(invoke(RunTimeError(5, u"VeskoEx.fConfig", u"Wrong")), DISP_E_EXCEPTION);
   EXPECT_EQ(exception.scode, static_cast<SCODE>(0x800A0005));
-  EXPECT_EQ(Text(exception.bstrSource), u"VeskoEx.fConfig");
-  EXPECT_EQ(Text(exception.bstrDescription), u"Wrong");
+  EXPECT_EQ(TextOf(exception.bstrSource), u"VeskoEx.fConfig");
+  EXPECT_EQ(TextOf(exception.bstrDescription), u"Wrong");
   SysFreeString(exception.bstrSource);
   SysFreeString(exception.bstrDescription);
   EXPECT_EQ(invoke(std::bad_alloc()), E_OUTOFMEMORY);

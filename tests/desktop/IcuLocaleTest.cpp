@@ -36,5 +36,30 @@ TEST(MakeIcuLocaleTest, TakesAnUnknownCodePageForUtf8AndAnEmptyNameForTheUsers) 
   unsetenv("LC_ALL");
 }
 
+TEST(DateFormatTest, WritesTheUsersShortFormats) {
+  const struct {
+    const char* locale;
+    DateTime date;
+    Text short_date;
+    Text short_time;
+  } kCases[] = {
+      {"en_GB", {2001, 2, 3, 4, 5, 6}, u"03/02/2001", u"04:05"},
+      {"en_US", {2001, 2, 3, 0, 5, 6}, u"2/3/01", u"12:05 AM"},
+      {"de_DE", {2001, 2, 3, 23, 59, 0}, u"03.02.01", u"23:59"},
+      {"ko_KR", {2001, 2, 3, 14, 5, 0}, u"01. 2. 3.", u"\uC624\uD6C4 2:05"},
+      // Other calendars and digits.
+      {"th_TH", {2001, 2, 3, 4, 5, 6}, u"3/2/44", u"04:05"},
+      {"fa_IR",
+       {2001, 3, 21, 4, 5, 6},
+       u"\u06F1\u06F3\u06F8\u06F0/\u06F1/\u06F1",
+       u"\u06F4:\u06F0\u06F5"},
+  };
+  for (const auto& row : kCases) {
+    auto locale = MakeIcuLocale(kCodePageUtf8, row.locale);
+    EXPECT_EQ(locale->ShortDate(row.date), row.short_date) << row.locale;
+    EXPECT_EQ(locale->ShortTime(row.date), row.short_time) << row.locale;
+  }
+}
+
 }  // namespace
 }  // namespace vesko

@@ -82,8 +82,16 @@ TEST(SqliteRegistry, ReadingCreatesNothing) {
   KeyHandle root = kNoKey;
   EXPECT_EQ(Get(*registry, "v"), "status 2");
   EXPECT_EQ(registry->OpenKey(kLocalMachine, "", kKeyQueryValue, root), kStatusFileNotFound);
+  EXPECT_EQ(registry->OpenKey(kClassesRoot, "A", kKeyQueryValue, root), kStatusInvalidHandle);
   transaction.reset();
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(SqliteRegistry, StrayPercentSignsAreNoReferences) {
+  TempFolder folder;
+  setenv("VESKO_A", "alpha", 1);
+  EXPECT_EQ(RegistryIn(folder)->ExpandEnvironment("50% of %VESKO_A%"), "50% of alpha");
+  EXPECT_EQ(RegistryIn(folder)->ExpandEnvironment("%=%VESKO_A%"), "%=alpha");
 }
 
 TEST(SqliteRegistry, FilesAreTheOwnersAlone) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 #include <string_view>
 
@@ -12,8 +12,11 @@ namespace vesko {
 class TempFolder {
  public:
   TempFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "vesko-XXXXXX").string();
-    path_ = mkdtemp(path.data());
+    std::random_device random;
+    do {
+      path_ =
+          (std::filesystem::temp_directory_path() / "vesko-").string() + std::to_string(random());
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TempFolder() {
     std::error_code ignored;

@@ -1,4 +1,9 @@
-add_library(vesko_test_locale STATIC TestLocale.cpp)
+if(WIN32)
+  add_library(vesko_test_locale STATIC TestLocaleWindows.cpp)
+  target_link_libraries(vesko_test_locale PRIVATE vesko_windows_locale)
+else()
+  add_library(vesko_test_locale STATIC TestLocaleLinux.cpp)
+  target_link_libraries(vesko_test_locale PRIVATE vesko_linux_locale)
+endif()
 target_include_directories(vesko_test_locale PUBLIC ${PROJECT_SOURCE_DIR}/tests)
-target_link_libraries(vesko_test_locale PRIVATE vesko_options vesko_linux_locale
-                      PUBLIC vesko_platform)
+target_link_libraries(vesko_test_locale PRIVATE vesko_options PUBLIC vesko_platform)

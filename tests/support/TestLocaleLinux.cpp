@@ -1,6 +1,5 @@
-#include "support/TestLocale.h"
-
 #include "desktop/linux/IcuLocale.h"
+#include "support/TestLocale.h"
 
 namespace vesko {
 

@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "base/RunTimeError.h"
+#include "desktop/linux/LinuxShell.h"
+#include "support/TempFolder.h"
+
+namespace vesko {
+namespace {
+
+/// A user's folders in a temporary one: conf, data, etc, share, bin, and a mail profile in mail.
+class LinuxShellTest : public testing::Test {
+ protected:
+  LinuxShellTest() {
+    folders_.config_home = folder_ / "conf";
+    folders_.data_home = folder_ / "data";
+    folders_.config_dirs = {folder_ / "etc"};
+    folders_.data_dirs = {folder_ / "flatpak/share", folder_ / "share"};
+    folders_.program_dirs = {folder_ / "none", folder_ / "bin"};
+    folders_.desktops = {"KDE"};
+    folders_.mail_profiles = {folder_ / "nowhere", folder_ / "mail"};
+  }
+
+  Text Path(std::string_view name) const { return FromAscii(folder_ / name); }
+  void Program(std::string_view name, std::string_view content = "#!/bin/sh\n") {
+    folder_.Write(name, content);
+    chmod((folder_ / name).c_str(), 0755);
+  }
+  void Entry(std::string_view name, std::string_view lines) {
+    folder_.Write(name, "[Desktop Entry]\nType=Application\n" + std::string(lines) + "\n");
+  }
+  /// The client's path below the temporary folder.
+  std::string Client() {
+    Text client = MakeLinuxShell(folders_)->DesktopMailClient();
+    Text prefix = Path("");
+    return client.empty() ? "" : std::string(client.begin() + prefix.size(), client.end());
+  }
+
+  /// One line an account: name|server|user|port.
+  std::string Accounts() {
+    auto shell = MakeLinuxShell(folders_);
+    Text lines;
+    for (int32_t k = 1; auto account = shell->DesktopMailAccount(k); ++k) {
+      lines += account->name + u"|" + account->server + u"|" + account->user + u"|" +
+               Decimal(account->port) + u"\n";
+    }
+    EXPECT_FALSE(shell->DesktopMailAccount(0));
+    return std::string(lines.begin(), lines.end());
+  }
+  void Preferences(const std::string& lines) {
+    folder_.Write("mail/profiles.ini", "[Profile0]\nIsRelative=1\nPath=p\n");
+    folder_.Write("mail/p/prefs.js", lines);
+  }
+  /// Preferences of accounts on servers s1, s2, …, each line given without its prefix.
+  static std::string Server(int n, const std::vector<std::string>& lines) {
+    std::string id = std::to_string(n);
+    std::string text = "user_pref(\"mail.account.a" + id + ".server\", \"s" + id + "\");\n";
+    for (const std::string& line : lines) {
+      text += "user_pref(\"mail.server.s" + id + "." + line + ");\n";
+    }
+    return text;
+  }
+  static std::string AccountList(const std::string& list) {
+    return "user_pref(\"mail.accountmanager.accounts\", \"" + list + "\");\n";
+  }
+
+  TempFolder folder_;
+  ShellFolders folders_;
+};
+
+TEST_F(LinuxShellTest, StartsAProgramAsItIsAndLeavesNoChild) {
+  std::filesystem::create_directory(folder_ / "bin");
+  std::string fifo = folder_ / "fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  const char name[] = "bin/my; touch $HOME 'client' %u";
+  Program(name, "#!/bin/sh\necho \"$# $0\" > " + fifo + "\n");
+  MakeLinuxShell(folders_)->Start(Path(name));
+  std::string line;
+  std::getline(std::ifstream(fifo), line);  // waits for the program, not for a time
+  EXPECT_EQ(line, "0 " + folder_ / name);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_F(LinuxShellTest, RefusesScriptsWithoutAnInterpreter) {
+  Program("no interpreter", "touch " + folder_ / "by-shell");
+  Program("lost", "#!/nowhere/interpreter\n");
+  for (auto* name : {"no interpreter", "lost"}) {
+    try {
+      MakeLinuxShell(folders_)->Start(Path(name));
+      ADD_FAILURE() << name;
+    } catch (const RunTimeError& error) {
+      EXPECT_EQ(error.Number(), 53);
+    }
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "by-shell"));
+}
+
+TEST_F(LinuxShellTest, MailClientIsTheFirstUsableOfThoseNamed) {
+  Program("bin/one");
+  Program("bin/two");
+  EXPECT_EQ(Client(), "");
+  Entry("data/applications/one.desktop", "Exec=one %u");
+  Entry("share/applications/sub/two.desktop", "Exec=two");
+  Entry("share/applications/gone.desktop", "Exec=gone");
+  const std::string handler = "x-scheme-handler/mailto=";
+  folder_.Write("share/applications/mimeinfo.cache", "[MIME Cache]\n" + handler + "one.desktop;");
+  EXPECT_EQ(Client(), "bin/one");
+  folder_.Write("share/applications/mimeapps.list",
+                "[Added Associations]\n" + handler + "sub-two.desktop;\n");
+  EXPECT_EQ(Client(), "bin/two");
+  folder_.Write("etc/mimeapps.list", "[Default Applications]\n" + handler + "one.desktop\n");
+  EXPECT_EQ(Client(), "bin/one");
+  folder_.Write("conf/mimeapps.list", "[Default Applications]\ntext/html=one.desktop\n" + handler +
+                                          "missing.desktop;gone.desktop; sub-two.desktop\n" +
+                                          handler + "one.desktop\n");
+  EXPECT_EQ(Client(), "bin/two");
+  folder_.Write("conf/kde-mimeapps.list", "[Default Applications]\n" + handler + "one.desktop\n");
+  EXPECT_EQ(Client(), "bin/one");
+  Entry("data/applications/one.desktop", "Exec=one\nHidden=true");
+  EXPECT_EQ(Client(), "bin/two");
+}
+
+TEST_F(LinuxShellTest, ProgramOfADesktopEntry) {
+  Program("bin/mail");
+  Program("my \"mail\"");
+  Program("100%");
+  Program("bin/flatpak");
+  Program("bin/env");
+  Program("flatpak/bin/org.mail.App");
+  folder_.Write("bin/document", "x");
+  const std::string at = folder_ / "";
+  const std::pair<std::string, const char*> rows[] = {
+      {"Exec=mail", "bin/mail"},
+      {"Exec=\"" + at + "my \\\\\"mail\\\\\"\" %U", "my \"mail\""},
+      {"Exec=" + at + "100%%", "100%"},
+      {"Exec=env A=1 B=x=y mail %u", "bin/mail"},
+      {"Exec=" + at + "bin/flatpak run --branch=x org.mail.App @@u %u @@",
+       "flatpak/bin/org.mail.App"},
+      {"TryExec=missing\nExec=mail", ""},
+      {"Exec=env -u A mail", ""},
+      {"Exec=%u", ""},
+      {"Exec=" + at + "bin", ""},
+      {"Exec=document", ""},
+      {"Exec=../bin/mail", ""},
+      {"Exec=\"\\\\", ""},
+  };
+  folder_.Write("conf/mimeapps.list",
+                "[Default Applications]\nx-scheme-handler/mailto=org.mail.App.desktop");
+  for (const auto& [lines, client] : rows) {
+    Entry("flatpak/share/applications/org.mail.App.desktop", lines);
+    EXPECT_EQ(Client(), client) << lines;
+  }
+  Entry("outside.desktop", "Exec=mail");
+  for (const std::string name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
+    folder_.Write("conf/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=" + name);
+    EXPECT_EQ(Client(), "") << name;
+  }
+}
+
+TEST_F(LinuxShellTest, ImportsPop3AccountsInTheirOrder) {
+  Preferences("// Mozilla User Preferences\n\n" + AccountList("a2,a1, a3,,a9,a4") +
+              Server(1, {"type\", \"pop3\"", "hostname\", \"pop.example\"", "userName\", \"me\""}) +
+              Server(2, {"type\", \"pop3\"", "hostname\", \"old\"", "realhostname\", \"new\"",
+                         "userName\", \"old\"", "realuserName\", \"new\"", "port\", 2110",
+                         "name\", \"Na\\\"me\\u0021\"", "password\", \"secret\""}) +
+              Server(3, {"type\", \"imap\"", "hostname\", \"imap.example\""}) +
+              Server(4, {"type\", \"pop3\"", "hostname\", \"tls\"", "socketType\", 3"}));
+  EXPECT_EQ(Accounts(),
+            "Na\"me!|new|new|2110\n"
+            "me@pop.example|pop.example|me|110\n"
+            "tls|tls||995\n");
+}
+
+TEST_F(LinuxShellTest, ForeignPreferencesAreNotTrusted) {
+  const std::string host = "|h||110\n";
+  // Lines of server 1, which has a type and a host already, and the accounts.
+  const std::pair<std::string, std::string> rows[] = {
+      {"userName\", \"u\\r\\nDELE 1\\x00\\u0085\"", "uDELE 1@h|h|uDELE 1|110\n"},
+      {"port\", 65536", "h" + host},
+      {"port\", 99999999999", "h" + host},
+      {"name\", \"unclosed", "h" + host},
+      {"name\", \"\\u12\"", "h" + host},
+      {"name\", \"\\uD800\"", "?" + host},
+      {"name\", \"" + std::string(5000, 'n') + "\"", "h" + host},
+      {"name\", ", "h" + host},
+      {"hostname\", \" \\n \"", ""},
+  };
+  for (const auto& [lines, accounts] : rows) {
+    Preferences(AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\"", lines}));
+    EXPECT_EQ(Accounts(), accounts) << lines;
+  }
+}
+
+TEST_F(LinuxShellTest, HugeAndBrokenProfilesAreLeftOut) {
+  const std::string good = AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\""});
+  const std::string broken[] = {
+      "",
+      std::string(300'000, '('),
+      "user_pref(\"mail.accountmanager.accounts\", \"a1\"",
+      std::string(17 << 20, '\n') + good,
+  };
+  for (const std::string& content : broken) {
+    Preferences(content);
+    EXPECT_EQ(Accounts(), "") << content.size();
+  }
+  std::string many;
+  for (int i = 0; i < 100'000; ++i) many += "a1,";
+  Preferences(AccountList(many) + good.substr(good.find('\n')));
+  EXPECT_EQ(Accounts(), "");
+  Preferences(good);
+  folder_.Write("mail/profiles.ini", std::string(200'000, '[') + "\n[Profile0]\nPath=/dev/zero\n" +
+                                         "[Profile0]\nPath=../../../../dev\n[x]\nPath=p\n");
+  EXPECT_EQ(Accounts(), "h|h||110\n");
+}
+
+TEST_F(LinuxShellTest, TheProfileInUseIsTheOneImported) {
+  for (std::string name : {"a", "b", "c"}) {
+    folder_.Write(
+        "mail/" + name + "/prefs.js",
+        AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"" + name + "\""}));
+  }
+  const std::string others =
+      "[Profile1]\nIsRelative=1\nPath=a\n\n[Profile0]\nIsRelative=0\nPath=" + folder_ / "mail/b" +
+      "\n";
+  const std::pair<std::string, const char*> rows[] = {
+      {others + "Default=1\n", "b"},
+      {others + "Default=1\n[Install123]\nDefault=c\nLocked=1\n", "c"},
+      {others + "[Install123]\nDefault=missing\n", "a"},
+  };
+  for (const auto& [ini, name] : rows) {
+    folder_.Write("mail/profiles.ini", ini);
+    EXPECT_EQ(Accounts(), std::string(name) + "|" + name + "||110\n") << ini;
+  }
+}
+
+}  // namespace
+}  // namespace vesko
