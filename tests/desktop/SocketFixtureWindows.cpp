@@ -4,16 +4,23 @@
 #include "desktop/windows/WinSocket.h"
 
 namespace vesko {
+namespace {
+
+EventSources& Sources() {
+  static EventSources sources;
+  return sources;
+}
+
+}  // namespace
 
 std::unique_ptr<Socket> MakeTestSocket(const Locale& locale, const std::string& certificate_file,
                                        std::vector<int32_t> tls_ports) {
-  return MakeWinSocket(locale, certificate_file, std::move(tls_ports));
+  return MakeWinSocket(locale, Sources(), certificate_file, std::move(tls_ports));
 }
 
 void TurnEventLoop(std::chrono::milliseconds longest_wait) {
-  MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(longest_wait.count()), QS_ALLINPUT,
-                              MWMO_INPUTAVAILABLE);
   MSG message;
+  if (Sources().Deliver() || Sources().Wait(static_cast<DWORD>(longest_wait.count()))) return;
   if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
 }
 

@@ -1,11 +1,25 @@
-# Tests of the socket port; those of TLS where there is a library for the server's side.
+# Tests of the socket port. The server's side of TLS is this system's, for tests on both.
 if(WIN32)
   vesko_test(socket_test SOURCES SocketTest.cpp SocketFixtureWindows.cpp LoopbackPeer.cpp
              LIBS vesko_windows_socket vesko_test_locale pthread)
+  add_executable(certificate_test SocketCertificateTest.cpp SocketFixtureWindows.cpp
+                                  TlsServerWindows.cpp LoopbackPeer.cpp)
+  target_include_directories(certificate_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(certificate_test PRIVATE vesko_windows_socket vesko_test_locale
+                                                 vesko_options GTest::gtest_main)
+  add_test(NAME windows.certificate_test
+           COMMAND ${PROJECT_SOURCE_DIR}/tests/windows/tls-test.sh ${PROJECT_BINARY_DIR}/wine-units
+                   $<TARGET_FILE:certificate_test>)
+  set_tests_properties(windows.certificate_test PROPERTIES FIXTURES_REQUIRED wine TIMEOUT 120)
 else()
   find_package(OpenSSL REQUIRED)
   find_package(Qt6 6.4 REQUIRED COMPONENTS Core Network)
-  vesko_test(socket_test SOURCES SocketTest.cpp SocketTlsTest.cpp SocketFixtureLinux.cpp
-                                 LoopbackPeer.cpp TlsPeer.cpp
-             LIBS vesko_linux_socket vesko_test_locale Qt6::Core OpenSSL::SSL)
+  add_library(vesko_tls_peer STATIC LoopbackPeer.cpp TlsPeer.cpp TlsServerLinux.cpp)
+  target_include_directories(vesko_tls_peer PUBLIC ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(vesko_tls_peer PRIVATE vesko_options PUBLIC OpenSSL::SSL)
+  vesko_test(socket_test SOURCES SocketTest.cpp SocketCertificateTest.cpp SocketTlsTest.cpp
+                                 SocketFixtureLinux.cpp
+             LIBS vesko_linux_socket vesko_test_locale vesko_tls_peer Qt6::Core)
+  add_executable(vesko-tls-server tls-server.cpp)
+  target_link_libraries(vesko-tls-server PRIVATE vesko_options vesko_tls_peer)
 endif()

@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+
+#include "desktop/SocketFixture.h"
+#include "desktop/TlsServer.h"
+
+namespace vesko {
+namespace {
+
+using SocketCertificateTest = SocketTest;
+
+TEST_F(SocketCertificateTest, IsCheckedBeforeAWordIsSaid) {
+  const auto server = MakeTlsServer();
+  NewSocket(kCodePageUtf8, server->Authorities(), {server->Port()});
+  for (const TlsCase& row : kTlsCases) {
+    SCOPED_TRACE(row.name);
+    errors_.clear();
+    text_.clear();
+    server->Serve(row);
+    socket_->Connect(row.host, server->Port());
+    if (row.words) {
+      EXPECT_TRUE(RunToState(SocketState::kError));
+      EXPECT_EQ(errors_, std::vector<int32_t>{kSocketConnectionAborted});
+      EXPECT_TRUE(Contains(words_, row.words)) << locale_->ToBytes(words_);
+      EXPECT_EQ(text_, u"");
+    } else {
+      ASSERT_TRUE(RunToText(u"+OK ready\r\n")) << locale_->ToBytes(words_);
+      EXPECT_EQ(socket_->State(), SocketState::kConnected);
+      socket_->SendData(u"USER anna\r\n");
+      EXPECT_TRUE(RunToState(SocketState::kClosing));
+      EXPECT_TRUE(errors_.empty());
+    }
+    socket_->Close();
+    EXPECT_EQ(server->Seen(), ToBeSeen(row));
+  }
+}
+
+}  // namespace
+}  // namespace vesko

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "desktop/TlsCases.h"
+
+namespace vesko {
+
+/// A server that plays the cases one after the other. The platform's own file beside this one says
+/// where it is: in this process, or in one of another system beside it.
+class TlsServer {
+ public:
+  virtual ~TlsServer() = default;
+
+  virtual int32_t Port() const = 0;
+  /// A file with the certificate of the test authority.
+  virtual std::string Authorities() const = 0;
+
+  /// Waits for the next client.
+  virtual void Serve(const TlsCase& tls_case) = 0;
+  /// What that client asked for and said, once it is gone.
+  virtual std::string Seen() = 0;
+};
+
+std::unique_ptr<TlsServer> MakeTlsServer();
+
+/// What a server should have seen.
+inline std::string ToBeSeen(const TlsCase& tls_case) {
+  return tls_case.words ? "" : "localhost: USER anna\r\n";
+}
+
+}  // namespace vesko

@@ -1,0 +1,40 @@
+#include "desktop/TlsPeer.h"
+#include "desktop/TlsServer.h"
+#include "support/TempFolder.h"
+
+namespace vesko {
+namespace {
+
+class OwnServer final : public TlsServer {
+ public:
+  OwnServer() { folder_.Write("authorities", ToPem(authority_)); }
+
+  int32_t Port() const override { return peer_.Port(); }
+  std::string Authorities() const override { return folder_ / "authorities"; }
+
+  void Serve(const TlsCase& row) override {
+    const Certificate stranger = MakeCertificate("Some Authority", 10, nullptr);
+    const Certificate* issuer = row.signer == Signer::kTestAuthority ? &authority_
+                                : row.signer == Signer::kStranger    ? &stranger
+                                                                     : nullptr;
+    outcome_ =
+        ServeTls(peer_, MakeCertificate(row.holder, row.valid_days, issuer), row.highest_version);
+  }
+
+  std::string Seen() override {
+    const TlsOutcome outcome = outcome_.get();
+    return outcome.received.empty() ? "" : outcome.server_name + ": " + outcome.received;
+  }
+
+ private:
+  TempFolder folder_;
+  const Certificate authority_ = MakeCertificate("Test Authority", 10, nullptr);
+  LoopbackPeer peer_;
+  std::future<TlsOutcome> outcome_;
+};
+
+}  // namespace
+
+std::unique_ptr<TlsServer> MakeTlsServer() { return std::make_unique<OwnServer>(); }
+
+}  // namespace vesko
