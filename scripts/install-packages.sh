@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing for the purposes named: build, demo, test, package,
-# windows.
-# Does nothing, and needs no rights, where all of them are there.
+# windows, windows32. Does nothing, and needs no rights, where all of them are there.
+# windows32 is for running 32-bit programs under Wine: it adds an architecture to the machine, and
+# does without where that cannot be had.
 set -euo pipefail
 
 build=(cmake g++ libbenchmark-dev libgl-dev libicu-dev libsqlite3-dev ninja-build pkg-config
@@ -34,7 +35,7 @@ wanted() {
       test) printf '%s\n' "${test[@]}" ;;
       package) printf '%s\n' "${package[@]}" ;;
       windows) printf '%s\n' "${windows[@]}" ;;
-      *) die "install-packages.sh: '$purpose' is none of build, demo, test, package, windows" ;;
+      *) die "install-packages.sh: '$purpose' is no purpose that it knows." ;;
     esac
   done
 }
@@ -63,27 +64,69 @@ disable_at_boot() {
   fi
 }
 
-[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package|windows..."
-command -v dpkg-query >/dev/null || die "This needs Debian 12 or a system like it: there is no dpkg."
-
-names=$(wanted "$@" | sort -u)
-missing=()
-for name in $names; do
-  installed "$name" || missing+=("$name")
-done
-[[ ${#missing[@]} -gt 0 ]] || exit 0
-
-echo "Installing: ${missing[*]}"
-if [[ $EUID -ne 0 ]] && ! command -v sudo >/dev/null; then
-  die "These packages are missing and there is neither root nor sudo to install them.
-As root: apt-get install ${missing[*]}"
-fi
+may_install() {
+  [[ $EUID -eq 0 ]] || command -v sudo >/dev/null
+}
 
 apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o Dpkg::Use-Pty=0 -o DPkg::Lock::Timeout=300)
-as_root "${apt[@]}" update
-if [[ " ${missing[*]} " == *" dovecot-"* ]]; then
-  trap allow_services EXIT
-  forbid_services
+
+install_missing() { # <purpose>...
+  local names missing=() name
+  names=$(wanted "$@" | sort -u)
+  for name in $names; do
+    installed "$name" || missing+=("$name")
+  done
+  [[ ${#missing[@]} -gt 0 ]] || return 0
+
+  echo "Installing: ${missing[*]}"
+  may_install || die "These packages are missing and there is neither root nor sudo to install them.
+As root: apt-get install ${missing[*]}"
+  as_root "${apt[@]}" update
+  if [[ " ${missing[*]} " == *" dovecot-"* ]]; then
+    trap allow_services EXIT
+    forbid_services
+  fi
+  as_root "${apt[@]}" install --no-install-recommends "${missing[@]}"
+  if [[ " ${missing[*]} " == *" dovecot-"* ]]; then disable_at_boot; fi
+}
+
+# Nothing may go for it: 64-bit Wine least of all.
+wine32=(--no-install-recommends --no-remove wine32:i386)
+
+# Tried with package lists of its own, so the machine stays as it is where the answer is no.
+can_have_i386() {
+  local lists try
+  lists=$(mktemp -d)
+  try=(apt-get -q -o "Dir::State::Lists=$lists" -o "Dir::Cache=$lists"
+    -o APT::Architectures::=amd64 -o APT::Architectures::=i386)
+  (
+    trap 'rm -rf "$lists"' EXIT
+    "${try[@]}" update && "${try[@]}" -s install "${wine32[@]}"
+  )
+}
+
+add_wine32() {
+  local had_i386=no
+  [[ $(dpkg --print-architecture) == amd64 ]] && may_install && can_have_i386 >/dev/null 2>&1 ||
+    return 1
+  if dpkg --print-foreign-architectures | grep -qx i386; then had_i386=yes; fi
+  echo "Adding the architecture i386 for 32-bit Wine"
+  if [[ $had_i386 == no ]]; then as_root dpkg --add-architecture i386; fi
+  as_root "${apt[@]}" update && as_root "${apt[@]}" install "${wine32[@]}" && return
+  if [[ $had_i386 == no ]]; then
+    as_root dpkg --remove-architecture i386 && as_root "${apt[@]}" update || true
+  fi
+  return 1
+}
+
+[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package|windows|windows32..."
+command -v dpkg-query >/dev/null || die "This needs Debian 12 or a system like it: there is no dpkg."
+
+purposes=()
+for purpose in "$@"; do
+  if [[ $purpose != windows32 ]]; then purposes+=("$purpose"); fi
+done
+install_missing "${purposes[@]}"
+if [[ " $* " == *" windows32 "* ]] && ! installed wine32:i386; then
+  add_wine32 || echo "There is no 32-bit Wine here: the 32-bit Windows library is only looked at."
 fi
-as_root "${apt[@]}" install --no-install-recommends "${missing[@]}"
-if [[ " ${missing[*]} " == *" dovecot-"* ]]; then disable_at_boot; fi
