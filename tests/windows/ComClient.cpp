@@ -37,6 +37,22 @@ void TryMembers(_cVeskoEx* mail) {
   SysFreeString(font);
 }
 
+constexpr wchar_t kWindowClass[] = L"VeskoForm";
+
+void CALLBACK CloseWindowShown(HWND, UINT, UINT_PTR, DWORD) {
+  if (const HWND shown = FindWindowW(kWindowClass, nullptr)) PostMessageW(shown, WM_CLOSE, 0, 0);
+}
+
+void TryWindow(_cVeskoEx* mail) {
+  const UINT_PTR timer = SetTimer(nullptr, 0, 50, &CloseWindowShown);
+  Expect(mail->Configure() == S_OK, "Configure returns when its window is closed");
+  KillTimer(nullptr, timer);
+  mail->Release();
+  WNDCLASSW left = {};
+  Expect(!GetClassInfoW(GetModuleHandleW(L"VeskoEx.dll"), kWindowClass, &left),
+         "the last object takes its window classes along");
+}
+
 /// What the object tells of itself and what the registered library tells must be the vtable.
 void CompareMembers(ITypeInfo* info) {
   const wchar_t* const kNames[] = {L"IsBusy",    L"SetFont",   L"Configure",
@@ -108,7 +124,7 @@ int main() {
   if (_cVeskoEx* mail = Create()) {
     TryMembers(mail);
     TryDescriptions(mail);
-    mail->Release();
+    TryWindow(mail);
     TryUnloading();
     TryFromAnyThread();
   }

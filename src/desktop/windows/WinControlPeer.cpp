@@ -6,6 +6,16 @@
 
 namespace vesko {
 
+void RegisterWindowClass(const wchar_t* name, HINSTANCE module, WNDPROC procedure) {
+  WNDCLASSW description = {};
+  description.lpfnWndProc = procedure;
+  description.hInstance = module;
+  description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  description.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
+  description.lpszClassName = name;
+  RegisterClassW(&description);  // fails harmlessly from the second time on
+}
+
 WinControlPeer::~WinControlPeer() {
   control_.SetPeer(nullptr);
   if (window_) DestroyWindow(window_);

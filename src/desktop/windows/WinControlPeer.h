@@ -25,6 +25,10 @@ struct WinContext {
   int Scaled(int logical) const { return MulDiv(logical, dots_per_inch, 96); }
 };
 
+/// A window class of this module, unless it is there. The toolkit takes it back at its end: a host
+/// may unload the library and load it again, to another place.
+void RegisterWindowClass(const wchar_t* name, HINSTANCE module, WNDPROC procedure);
+
 /// The native side of one control: a child window, its share of the layout and its messages.
 class WinControlPeer : public ControlPeer, protected Mirrored {
  public:

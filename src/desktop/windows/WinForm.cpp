@@ -10,7 +10,6 @@ namespace vesko {
 
 namespace {
 
-constexpr wchar_t kFormClass[] = L"VeskoForm";
 constexpr double kPointsToTheInch = 72;
 
 /// The size of the desktop's message font, in points.
@@ -120,13 +119,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
 
   void CreateWindowOf() {
     const HINSTANCE instance = windows_.context.instance;
-    WNDCLASSW form = {};
-    form.lpfnWndProc = Procedure;
-    form.hInstance = instance;
-    form.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    form.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
-    form.lpszClassName = kFormClass;
-    RegisterClassW(&form);  // fails harmlessly from the second time on
+    RegisterWindowClass(kFormClass, instance, Procedure);
     window_ = CreateWindowExW(kExtendedStyle, kFormClass, L"", Style(), 0, 0, 100, 100, owner_,
                               nullptr, instance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));

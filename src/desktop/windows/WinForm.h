@@ -13,6 +13,8 @@ namespace vesko {
 
 class WinForm;
 
+inline constexpr wchar_t kFormClass[] = L"VeskoForm";
+
 /// The windows that are shown at the moment, the one on top last.
 struct WinWindows {
   WinContext context;

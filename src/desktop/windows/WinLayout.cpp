@@ -14,8 +14,6 @@ namespace {
 constexpr int kMargin = 9;   // logical pixels around a window, a box or a page
 constexpr int kSpacing = 6;  // between two items
 
-constexpr wchar_t kPageClass[] = L"VeskoPage";
-
 /// A page of a tab control: passes on what its controls say to the window that holds the tabs.
 LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
@@ -41,12 +39,7 @@ LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lp
 }
 
 HWND MakePage(HWND parent, HINSTANCE instance) {
-  WNDCLASSW page = {};
-  page.lpfnWndProc = PageProcedure;
-  page.hInstance = instance;
-  page.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-  page.lpszClassName = kPageClass;
-  RegisterClassW(&page);  // fails harmlessly from the second time on
+  RegisterWindowClass(kPageClass, instance, PageProcedure);
   return CreateWindowExW(WS_EX_CONTROLPARENT, kPageClass, L"", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0,
                          0, parent, nullptr, instance, nullptr);
 }

@@ -9,6 +9,8 @@
 
 namespace vesko {
 
+inline constexpr wchar_t kPageClass[] = L"VeskoPage";  // of a page of a tab control
+
 /// Builds the native controls of a window and gives them their places.
 class WinLayout {
  public:

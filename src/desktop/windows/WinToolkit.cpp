@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "desktop/windows/WinForm.h"
+#include "desktop/windows/WinLayout.h"
 #include "desktop/windows/WinText.h"
 #include "ui/Controls.h"
 
@@ -164,6 +165,12 @@ class WinToolkit final : public Toolkit {
     const VisualStyles::Use use(styles_);
     INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
+  }
+
+  ~WinToolkit() override {
+    for (const wchar_t* name : {kFormClass, kPageClass}) {
+      UnregisterClassW(name, windows_.context.instance);
+    }
   }
 
   Pump& GetPump() override { return pump_; }
