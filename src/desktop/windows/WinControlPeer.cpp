@@ -50,6 +50,7 @@ void WinControlPeer::ShowFont() {
 
 void WinControlPeer::ShowState() {
   ShowFont();
+  if (!control_.Enabled() && GetFocus() == window_) PassFocusOn();
   if ((IsWindowEnabled(window_) != FALSE) != control_.Enabled()) {
     EnableWindow(window_, control_.Enabled());
   }
@@ -70,6 +71,10 @@ void WinControlPeer::Refresh() {
 void WinControlPeer::TakeFocus() {
   Synchronise();
   SetFocus(window_);
+}
+
+void WinControlPeer::PassFocusOn() {
+  SetFocus(GetNextDlgTabItem(GetAncestor(window_, GA_ROOT), window_, FALSE));
 }
 
 int WinControlPeer::LineHeight() const { return Measure(font_, L"Ag", 0, true).cy; }

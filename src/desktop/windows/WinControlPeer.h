@@ -54,6 +54,8 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
   virtual bool Notify(NMHDR& /*header*/, LRESULT& /*result*/) { return false; }
   /// A key that was pressed in the control; true when it was used up.
   virtual bool KeyPressed(WPARAM /*key*/) { return false; }
+  /// A key that was pressed anywhere in the window; true when it was used up.
+  virtual bool KeyPressedInWindow(WPARAM /*key*/) { return false; }
 
   void ShowNow() { Synchronise(); }
 
@@ -75,6 +77,8 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
 
  private:
   void ShowFont();
+  /// The keyboard is dead while a disabled control has the focus.
+  void PassFocusOn();
 
   Control& control_;
   HWND window_ = nullptr;

@@ -55,7 +55,7 @@ class ButtonPeer final : public WinControlPeer {
  public:
   ButtonPeer(CommandButton& button, HWND parent, WinContext& context)
       : WinControlPeer(button, context), button_(button) {
-    Create(parent, WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP);
+    Create(parent, WC_BUTTONW, BS_PUSHBUTTON | BS_NOTIFY | WS_TABSTOP);
   }
 
   int LeastWidth() const override {
@@ -123,7 +123,8 @@ class TextBoxPeer final : public WinControlPeer {
   bool GrowsDown() const override { return box_.MultiLine(); }
   int LeastWidth() const override { return context_.Scaled(120); }
   int HeightFor(int) const override {
-    return LineHeight() * (box_.MultiLine() ? 4 : 1) + context_.Scaled(8);
+    const int around = 2 * GetSystemMetrics(SM_CYEDGE) + context_.Scaled(4);
+    return LineHeight() * (box_.MultiLine() ? 4 : 1) + around;
   }
 
   bool Command(WORD code) override {

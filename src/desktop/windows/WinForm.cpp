@@ -28,13 +28,15 @@ class WinFormWindow final : public WinForm, private Mirrored {
     GiveFontSizes();
     CreateWindowOf();
     layout_ = std::make_unique<WinLayout>(form.GetLayout(), window_, windows.context);
+    GiveTooltips();
     MarkChanged();
   }
 
   ~WinFormWindow() override {
     Leave();
-    layout_.reset();
+    // Controls tell of the focus that they lose when they go.
     SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    layout_.reset();
     DestroyWindow(window_);
   }
 
@@ -68,6 +70,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     ShowWindow(window_, SW_SHOW);
     SetForegroundWindow(window_);
     FocusFirst();
+    MarkDefaultButton();
   }
 
   void Hide() override {
@@ -84,8 +87,12 @@ class WinFormWindow final : public WinForm, private Mirrored {
     if (WinControlPeer* peer = PeerOf(message.hwnd); peer && peer->KeyPressed(message.wParam)) {
       return true;
     }
+    for (WinControlPeer* peer : layout_->Peers()) {
+      if (peer->KeyPressedInWindow(message.wParam)) return true;
+    }
     if (message.wParam == VK_ESCAPE) return Escape();
     if (message.wParam == VK_RETURN && Return(message.hwnd)) return true;
+    if (message.wParam == VK_TAB) return Tab(message.hwnd);
     return IsDialogKey(message);
   }
 
@@ -123,6 +130,24 @@ class WinFormWindow final : public WinForm, private Mirrored {
     window_ = CreateWindowExW(kExtendedStyle, kFormClass, L"", Style(), 0, 0, 100, 100, owner_,
                               nullptr, instance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  }
+
+  /// They belong to the window and go with it.
+  void GiveTooltips() {
+    const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                                      WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_,
+                                      nullptr, windows_.context.instance, nullptr);
+    for (WinControlPeer* peer : layout_->Peers()) {
+      std::wstring text = OneLine(peer->GetControl().Tooltip());
+      if (text.empty()) continue;
+      TTTOOLINFOW tool = {};
+      tool.cbSize = TTTOOLINFOW_V1_SIZE;
+      tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+      tool.hwnd = window_;
+      tool.uId = reinterpret_cast<UINT_PTR>(peer->Window());
+      tool.lpszText = text.data();
+      SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    }
   }
 
   RECT FrameAround() const {
@@ -189,10 +214,36 @@ class WinFormWindow final : public WinForm, private Mirrored {
     return true;
   }
 
+  /// The system's dialog keys would leave Tab to a box of several lines, which knows what to do
+  /// with it in true dialogs only, and would take the mark off the default button.
+  bool Tab(HWND focus) {
+    const HWND next =
+        GetNextDlgTabItem(window_, focus == window_ ? nullptr : focus, GetKeyState(VK_SHIFT) < 0);
+    SendMessageW(window_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+    if (WinControlPeer* peer = PeerOf(next)) peer->TakeFocus();
+    return true;
+  }
+
+  static bool IsPushButton(HWND window) {
+    return SendMessageW(window, WM_GETDLGCODE, 0, 0) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON);
+  }
+
+  /// Makes the button that Enter presses look like it.
+  void MarkDefaultButton() {
+    const HWND focus = GetFocus();
+    const bool on_button = IsPushButton(focus);
+    for (WinControlPeer* peer : layout_->Peers()) {
+      const HWND button = peer->Window();
+      if (!IsPushButton(button)) continue;
+      const bool first = on_button ? button == focus : &peer->GetControl() == form_.DefaultButton();
+      SendMessageW(button, BM_SETSTYLE, BS_NOTIFY | (first ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON),
+                   TRUE);
+    }
+  }
+
   /// Enter belongs to the button with the focus, else to the default button.
   bool Return(HWND focus) {
-    const LRESULT wants = SendMessageW(focus, WM_GETDLGCODE, 0, 0);
-    if (wants & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) {
+    if (IsPushButton(focus)) {
       SendMessageW(focus, BM_CLICK, 0, 0);
       return true;
     }
@@ -223,6 +274,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
         if (WinControlPeer* peer = PeerOf(reinterpret_cast<HWND>(lparam))) {
           peer->Command(HIWORD(wparam));
         }
+        if (HIWORD(wparam) == BN_SETFOCUS || HIWORD(wparam) == BN_KILLFOCUS) MarkDefaultButton();
         return 0;
       case WM_NOTIFY: {
         auto& header = *reinterpret_cast<NMHDR*>(lparam);
@@ -250,8 +302,10 @@ class WinFormWindow final : public WinForm, private Mirrored {
   void KeepFocus(bool active) {
     if (!active) {
       focus_ = GetFocus();
-    } else if (focus_ && IsChild(window_, focus_)) {
+    } else if (focus_ && IsChild(window_, focus_) && IsWindowEnabled(focus_)) {
       SetFocus(focus_);
+    } else if (shown_) {
+      FocusFirst();
     }
   }
 

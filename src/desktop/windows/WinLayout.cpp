@@ -28,6 +28,11 @@ LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lp
       return 1;
     }
     case WM_CTLCOLORSTATIC:
+      // A box that cannot be typed into asks like a label, but has a ground of its own.
+      if (SendMessageW(reinterpret_cast<HWND>(lparam), WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) {
+        return DefWindowProcW(page, message, wparam, lparam);
+      }
+      [[fallthrough]];
     case WM_CTLCOLORBTN: {
       const int colour = IsThemeActive() ? COLOR_WINDOW : COLOR_3DFACE;
       SetBkColor(reinterpret_cast<HDC>(wparam), GetSysColor(colour));
@@ -98,9 +103,15 @@ class TabPeer final : public WinControlPeer {
 
   bool Notify(NMHDR& header, LRESULT&) override {
     if (header.code != static_cast<UINT>(TCN_SELCHANGE)) return false;
-    tabs_.Click(static_cast<int>(SendMessageW(Window(), TCM_GETCURSEL, 0, 0)));
-    Synchronise();
+    Turn(static_cast<int>(SendMessageW(Window(), TCM_GETCURSEL, 0, 0)));
     return true;
+  }
+
+  bool KeyPressedInWindow(WPARAM key) override {
+    const int step = StepOf(key);
+    const int count = static_cast<int>(pages_.size());
+    if (step != 0) Turn((tabs_.Tab() + step + count) % count);
+    return step != 0;
   }
 
  protected:
@@ -114,6 +125,21 @@ class TabPeer final : public WinControlPeer {
   }
 
  private:
+  static int StepOf(WPARAM key) {
+    const int modifiers = ModifiersDown();
+    if (!(modifiers & kControl)) return 0;
+    if (key == VK_TAB) return modifiers & kShift ? -1 : 1;
+    if (key == VK_NEXT) return 1;
+    return key == VK_PRIOR ? -1 : 0;
+  }
+
+  /// A control of the page that goes does not keep the focus.
+  void Turn(int tab) {
+    if (IsChild(pages_[static_cast<size_t>(tabs_.Tab())], GetFocus())) SetFocus(Window());
+    tabs_.Click(tab);
+    Synchronise();
+  }
+
   TabControl& tabs_;
   std::vector<HWND> pages_;
 };
@@ -143,7 +169,7 @@ struct WinLayout::Node {
 
   int Spacing() const { return context.Scaled(kSpacing); }
   int Margin() const { return context.Scaled(kMargin); }
-  int CaptionHeight() const { return peer->HeightFor(0); }
+  int CaptionRoom() const { return peer->HeightFor(0) + Spacing(); }
   int Gaps() const { return items.empty() ? 0 : Spacing() * static_cast<int>(items.size() - 1); }
   int Rows() const { return (static_cast<int>(items.size()) + columns - 1) / columns; }
 
@@ -243,7 +269,7 @@ struct WinLayout::Node {
 
   SIZE Around() const {
     const int margin = Margin();
-    if (!tabs) return {2 * margin, 2 * margin + CaptionHeight() / 2};
+    if (!tabs) return {2 * margin, CaptionRoom() + margin};
     const RECT page = tabs->PageArea({0, 0, 1000, 1000});
     return {1000 - (page.right - page.left) + 2 * margin,
             1000 - (page.bottom - page.top) + 2 * margin};
@@ -254,16 +280,19 @@ struct WinLayout::Node {
     if (tabs) return PlacePages(area);
     if (items.empty()) return;
     const int margin = Margin();
-    items[0]->Place({area.left + margin, area.top + margin + CaptionHeight() / 2,
-                     area.right - margin, area.bottom - margin});
+    items[0]->Place(
+        {area.left + margin, area.top + CaptionRoom(), area.right - margin, area.bottom - margin});
   }
 
   void PlacePages(const RECT& area) {
     const RECT page = tabs->PageArea(area);
     const int width = page.right - page.left;
     const int height = page.bottom - page.top;
+    // Behind its pages it cannot hide them; and it is the last to be reached by the Tab key.
+    SetWindowPos(tabs->Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (size_t i = 0; i < items.size(); ++i) {
-      SetWindowPos(tabs->Pages()[i], HWND_TOP, page.left, page.top, width, height, SWP_NOACTIVATE);
+      SetWindowPos(tabs->Pages()[i], nullptr, page.left, page.top, width, height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
       items[i]->Place({Margin(), Margin(), width - Margin(), height - Margin()});
     }
   }

@@ -17,7 +17,7 @@ class WinLayout {
   WinLayout(const Layout& layout, HWND window, WinContext& context);
   ~WinLayout();
 
-  /// In tab order: depth first, containers before their content.
+  /// Depth first, containers before their content.
   const std::vector<WinControlPeer*>& Peers() const { return peers_; }
 
   /// Least size of the content, margins included, in device pixels.
