@@ -15,7 +15,7 @@ test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev l
 package=(appstream desktop-file-utils dpkg-dev file man-db)
 # The library for Windows is cross-built, and run under Wine.
 windows=(cmake fonts-dejavu-core fonts-noto-cjk g++-mingw-w64-i686 g++-mingw-w64-x86-64 googletest
-  mingw-w64-tools ninja-build openbox wine wine64 xdotool xvfb)
+  imagemagick mingw-w64-tools ninja-build openbox wine wine64 xdotool xvfb)
 
 die() {
   echo "$*" >&2

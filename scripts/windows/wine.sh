@@ -103,9 +103,10 @@ native_build() {
   return 1
 }
 
-# start_sample_server <native build folder>: sets server_port. It ends with the script, too.
+# start_sample_server <native build folder> [<milliseconds before each answer>]: sets server_port.
+# It ends with the script, too.
 start_sample_server() {
-  coproc SERVER { exec "$1/tools/demo/vesko-demo-server"; }
+  coproc SERVER { exec "$1/tools/demo/vesko-demo-server" ${2:+"$2"}; }
   read -r -t 20 server_port <&"${SERVER[0]}"
 }
 

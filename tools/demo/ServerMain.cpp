@@ -1,4 +1,6 @@
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -7,12 +9,15 @@
 #include "demo/SampleMailbox.h"
 
 // The sample server alone, for components that run in another process or under Wine: tells its port
-// and serves until its input ends.
-int main() try {
+// and serves until its input ends. The argument is how many milliseconds each answer takes, for who
+// wants to watch a check.
+int main(int count, char** arguments) try {
   using namespace vesko::demo;
+  Pop3Faults pace;
+  if (count > 1) pace.answer_delay = std::chrono::milliseconds(std::atoi(arguments[1]));
   std::vector<Pop3Account> accounts;
   for (const char* user : kSampleUsers) accounts.push_back({user, "sample", SampleMessages(user)});
-  const Pop3Server server(std::move(accounts));
+  const Pop3Server server(std::move(accounts), pace);
   std::printf("%d\n", server.Port());
   std::fflush(stdout);
   while (std::getchar() != EOF) {

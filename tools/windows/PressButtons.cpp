@@ -2,11 +2,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 // Plays the user: waits for each of the buttons named, one after the other, in whichever window it
 // appears, tells that window's title and presses it. Ends with 1 when one does not come in time.
 // An amount of list rows is told with the title, for who wants to know what the user would see.
+// "--half-way" in place of a caption waits until a progress bar has come so far.
 
 namespace {
 
@@ -23,16 +25,22 @@ bool IsOfClass(HWND window, const wchar_t* name) {
   return lstrcmpiW(found, name) == 0;
 }
 
+bool IsHalfWay(HWND bar) {
+  constexpr UINT kGetRange = WM_USER + 7;     // PBM_GETRANGE
+  constexpr UINT kGetPosition = WM_USER + 8;  // PBM_GETPOS
+  const LRESULT maximum = SendMessageW(bar, kGetRange, FALSE, 0);
+  return maximum > 1 && SendMessageW(bar, kGetPosition, 0, 0) * 2 >= maximum;
+}
+
 struct Search {
-  std::wstring caption;
-  HWND button;
+  std::function<bool(HWND)> fits;
+  HWND found;
 };
 
 BOOL CALLBACK SeeChild(HWND child, LPARAM parameter) {
   auto& search = *reinterpret_cast<Search*>(parameter);
-  const bool fits = IsOfClass(child, L"Button") && IsWindowVisible(child) &&
-                    IsWindowEnabled(child) && TextOf(child) == search.caption;
-  if (fits) search.button = child;
+  const bool fits = IsWindowVisible(child) && search.fits(child);
+  if (fits) search.found = child;
   return !fits;
 }
 
@@ -41,21 +49,29 @@ BOOL CALLBACK SeeWindow(HWND window, LPARAM parameter) {
   if (IsWindowVisible(window) && IsWindowEnabled(window)) {
     EnumChildWindows(window, &SeeChild, parameter);
   }
-  return reinterpret_cast<Search*>(parameter)->button == nullptr;
+  return reinterpret_cast<Search*>(parameter)->found == nullptr;
 }
 
-HWND FindButton(const std::wstring& caption) {
-  Search search = {caption, nullptr};
-  EnumWindows(&SeeWindow, reinterpret_cast<LPARAM>(&search));
-  return search.button;
+HWND Await(Search search, ULONGLONG deadline) {
+  for (;;) {
+    EnumWindows(&SeeWindow, reinterpret_cast<LPARAM>(&search));
+    if (search.found || GetTickCount64() >= deadline) return search.found;
+    Sleep(kPollMilliseconds);
+  }
 }
 
 HWND AwaitButton(const std::wstring& caption, ULONGLONG deadline) {
-  for (;;) {
-    if (HWND button = FindButton(caption)) return button;
-    if (GetTickCount64() >= deadline) return nullptr;
-    Sleep(kPollMilliseconds);
-  }
+  const auto fits = [&](HWND child) {
+    return IsOfClass(child, L"Button") && IsWindowEnabled(child) && TextOf(child) == caption;
+  };
+  return Await({fits, nullptr}, deadline);
+}
+
+HWND AwaitHalfWay(ULONGLONG deadline) {
+  const auto fits = [](HWND child) {
+    return IsOfClass(child, L"msctls_progress32") && IsHalfWay(child);
+  };
+  return Await({fits, nullptr}, deadline);
 }
 
 BOOL CALLBACK TellRows(HWND child, LPARAM) {
@@ -98,13 +114,17 @@ int main(int count, char** arguments) {
       GetTickCount64() + static_cast<ULONGLONG>(std::atoi(arguments[1])) * 1000;
   for (int i = 2; i < count; ++i) {
     const std::string caption = arguments[i];
-    const HWND button = AwaitButton(std::wstring(caption.begin(), caption.end()), deadline);
-    if (!button) {
-      std::fprintf(stderr, "no button %s\n", arguments[i]);
+    const bool half_way = caption == "--half-way";
+    const HWND found = half_way
+                           ? AwaitHalfWay(deadline)
+                           : AwaitButton(std::wstring(caption.begin(), caption.end()), deadline);
+    if (!found) {
+      std::fprintf(stderr, "no %s\n", arguments[i]);
       return 1;
     }
-    Press(button);
-    AwaitGone(button, deadline);
+    if (half_way) continue;
+    Press(found);
+    AwaitGone(found, deadline);
   }
   return 0;
 }

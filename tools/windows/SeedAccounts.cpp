@@ -1,5 +1,8 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "base/Text.h"
 #include "config/mRegistry.h"
@@ -9,12 +12,21 @@
 #include "desktop/windows/WinShell.h"
 
 // Sets the user's accounts to those of the sample server on this machine. Under Wine it is told the
-// server's port, and the user is the private prefix's.
+// server's port, and the user is the private prefix's. Other accounts may be named instead of the
+// sample's: each "user:password", where an empty password is one that is not stored.
 
 namespace vesko {
 namespace {
 
-void Seed(int32_t port) {
+Variant Record(const std::string& account, int32_t port, const Locale& locale) {
+  const size_t colon = std::min(account.find(':'), account.size());
+  const Text user = FromAscii(account.substr(0, colon));
+  const Text password = FromAscii(account.substr(std::min(colon + 1, account.size())));
+  return Join({user, u"127.0.0.1", user, Encrypt(password, locale), Decimal(port), u"1", u""},
+              kCrLf);
+}
+
+void Seed(int32_t port, const std::vector<std::string>& accounts) {
   const auto registry = MakeWinRegistry();
   const auto locale = MakeWinLocale(0);
   const auto shell = MakeWinShell();
@@ -22,10 +34,8 @@ void Seed(int32_t port) {
   Configuration configuration;
   store.Load(configuration);
   configuration.Accounts.Clear();
-  for (const char* user : {"minji", "office"}) {
-    Variant record = Join({FromAscii(user), u"127.0.0.1", FromAscii(user),
-                           Encrypt(u"sample", *locale), Decimal(port), u"1", u""},
-                          kCrLf);
+  for (const std::string& account : accounts) {
+    Variant record = Record(account, port, *locale);
     configuration.Accounts.Add(record);
   }
   store.Save(configuration);
@@ -35,11 +45,13 @@ void Seed(int32_t port) {
 }  // namespace vesko
 
 int main(int count, char** arguments) {
-  const int port = count == 2 ? std::atoi(arguments[1]) : 0;
+  const int port = count > 1 ? std::atoi(arguments[1]) : 0;
   if (port < 1 || port > 65535) {
-    std::fputs("usage: vesko-seed-accounts <port>\n", stderr);
+    std::fputs("usage: vesko-seed-accounts <port> [<user>:<password>...]\n", stderr);
     return 2;
   }
-  vesko::Seed(port);
+  std::vector<std::string> accounts(arguments + 2, arguments + count);
+  if (accounts.empty()) accounts = {"minji:sample", "office:sample"};
+  vesko::Seed(port, accounts);
   return 0;
 }
