@@ -1,32 +1,23 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <random>
 #include <vector>
 
 #include "base/KeyedCollection.h"
+#include "support/ErrorOf.h"
 
 namespace vesko {
 namespace {
-
-int32_t RaisedBy(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST(KeyedCollection, RefusesKnownKeysAndWrongPositions) {
   KeyedCollection<int> numbers;
   numbers.RemoveFirst();
   numbers.Add(1, u"a");
   numbers.Add(2, u"A");  // keys compare exactly
-  EXPECT_EQ(RaisedBy([&] { numbers.Add(3, u"a"); }), kKeyAlreadyPresent);
-  EXPECT_EQ(RaisedBy([&] { numbers.Item(0); }), kSubscriptOutOfRange);
-  EXPECT_EQ(RaisedBy([&] { numbers.Item(3); }), kSubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { numbers.Add(3, u"a"); }), kKeyAlreadyPresent);
+  EXPECT_EQ(ErrorOf([&] { numbers.Item(0); }), kSubscriptOutOfRange);
+  EXPECT_EQ(ErrorOf([&] { numbers.Item(3); }), kSubscriptOutOfRange);
   EXPECT_EQ(*numbers.Find(u"a"), 1);
   EXPECT_FALSE(numbers.Remove(u"b"));
   EXPECT_EQ(numbers.Count(), 2u);
@@ -43,7 +34,7 @@ TEST(KeyedCollection, KeepsOrderAndKeysThroughChanges) {
     const bool is_known = known != expected.end();
     const unsigned choice = i > 19000 ? 9 : random() % 10;  // at last nothing is left
     if (choice < 5) {
-      EXPECT_EQ(RaisedBy([&] { actual.Add(value, Decimal(value)); }) != 0, is_known);
+      EXPECT_EQ(ErrorOf([&] { actual.Add(value, Decimal(value)); }) != 0, is_known);
       if (!is_known) expected.push_back(value);
     } else if (choice < 9) {
       EXPECT_EQ(actual.Remove(Decimal(value)), is_known);

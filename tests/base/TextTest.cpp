@@ -3,22 +3,11 @@
 #include <algorithm>
 #include <random>
 
-#include "base/RunTimeError.h"
 #include "base/Text.h"
+#include "support/ErrorOf.h"
 
 namespace vesko {
 namespace {
-
-// The number of the run-time error that a call raises, 0 where it raises none.
-template <typename Call>
-int32_t ErrorOf(Call call) {
-  try {
-    call();
-    return 0;
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
-}
 
 // Few different characters, some of which share a half with another.
 Text RandomText(std::mt19937& random, size_t size) {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "base/RunTimeError.h"
 #include "base/cCollect.h"
+#include "support/ErrorOf.h"
 
 namespace vesko {
 namespace {
@@ -108,13 +108,7 @@ TEST(cCollect, ReplacesInPlace) {
   };
   for (const Row& row : rows) {
     cCollect list = ListOf(before);
-    int32_t error = 0;
-    try {
-      list.RepIace(row.position, Text(u" x"));
-    } catch (const RunTimeError& raised) {
-      error = raised.Number();
-    }
-    EXPECT_EQ(error, row.error) << &row - rows;
+    EXPECT_EQ(ErrorOf([&] { list.RepIace(row.position, Text(u" x")); }), row.error) << &row - rows;
     EXPECT_EQ(ValuesOf(list), row.after) << &row - rows;
   }
 }

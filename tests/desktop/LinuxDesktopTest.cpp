@@ -3,10 +3,10 @@
 #include <thread>
 
 #include "VeskoEx/Automation.h"
-#include "base/RunTimeError.h"
 #include "desktop/linux/IcuLocale.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "desktop/linux/SqliteRegistry.h"
+#include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 
 namespace vesko {
@@ -42,13 +42,7 @@ TEST(LinuxDesktopTest, TheMachinesRegistryNamesTheCodePage) {
 TEST(LinuxDesktopTest, OnlyTheThreadOfTheWindowsCanHaveOne) {
   const auto first = MakeLinuxDesktop();
   int32_t error = 0;
-  std::thread([&] {
-    try {
-      MakeLinuxDesktop();
-    } catch (const RunTimeError& raised) {
-      error = raised.Number();
-    }
-  }).join();
+  std::thread([&] { error = ErrorOf([] { MakeLinuxDesktop(); }); }).join();
   EXPECT_EQ(error, RPC_E_WRONG_THREAD);
 }
 

@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <csignal>
 
-#include "base/RunTimeError.h"
 #include "desktop/linux/LinuxShell.h"
+#include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 
 namespace vesko {
@@ -90,12 +90,7 @@ TEST_F(LinuxShellTest, RefusesScriptsWithoutAnInterpreter) {
   Program("no interpreter", "touch " + folder_ / "by-shell");
   Program("lost", "#!/nowhere/interpreter\n");
   for (auto* name : {"no interpreter", "lost"}) {
-    try {
-      MakeLinuxShell(folders_)->Start(Path(name));
-      ADD_FAILURE() << name;
-    } catch (const RunTimeError& error) {
-      EXPECT_EQ(error.Number(), 53);
-    }
+    EXPECT_EQ(ErrorOf([&] { MakeLinuxShell(folders_)->Start(Path(name)); }), 53) << name;
   }
   EXPECT_FALSE(std::filesystem::exists(folder_ / "by-shell"));
 }

@@ -4,8 +4,8 @@
 
 #include <atomic>
 
-#include "base/RunTimeError.h"
 #include "desktop/SocketFixture.h"
+#include "support/ErrorOf.h"
 
 namespace vesko {
 namespace {
@@ -35,15 +35,6 @@ class Beside {
   std::atomic<bool> done_ = false;
   pthread_t thread_{};
 };
-
-int32_t ErrorOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST_F(SocketTest, HoldsAConversationWithWhateverAddressTheNameLeadsTo) {
   for (auto [host, address] :

@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <functional>
 
-#include "base/RunTimeError.h"
 #include "desktop/linux/QtSound.h"
+#include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 
 namespace vesko {
@@ -70,13 +70,8 @@ class SoundTest : public testing::Test {
   static inline std::unique_ptr<SoundServer> server_;
 };
 
-int32_t ErrorOf(Sound& sound, const Text& path) {
-  try {
-    sound.Play(path);
-    return 0;
-  } catch (const RunTimeError& error) {
-    return error.Number();
-  }
+int32_t Playing(Sound& sound, const Text& path) {
+  return ErrorOf([&] { sound.Play(path); });
 }
 
 QByteArray Sample() {
@@ -104,7 +99,7 @@ TEST_F(SoundTest, WhatIsNoWaveFileIsRefused) {
   const TempFolder folder;
   const Text path = FromAscii(folder / "sample.wav");
   for (const Text& wrong : {Text(), path, FromAscii(folder.Path()), Text(u"/dev/zero")}) {
-    EXPECT_EQ(ErrorOf(*sound, wrong), kInvalidProcedureCall);
+    EXPECT_EQ(Playing(*sound, wrong), kInvalidProcedureCall);
   }
   const struct {
     const char* name;
@@ -122,7 +117,7 @@ TEST_F(SoundTest, WhatIsNoWaveFileIsRefused) {
   };
   for (const auto& test : kCases) {
     folder.Write("sample.wav", test.content.toStdString());
-    EXPECT_EQ(ErrorOf(*sound, path), test.plays ? 0 : kInvalidProcedureCall) << test.name;
+    EXPECT_EQ(Playing(*sound, path), test.plays ? 0 : kInvalidProcedureCall) << test.name;
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
   }
 }
@@ -137,7 +132,7 @@ TEST(NoSoundTest, WithoutASoundServerThereIsNothingToPlayOn) {
     const std::unique_ptr<Sound> sound = MakeQtSound();
     const bool good =
         sound->OutputDevices() == 0 &&
-        ErrorOf(*sound, QString(VESKO_SAMPLE).toStdU16String()) == kInvalidProcedureCall &&
+        Playing(*sound, QString(VESKO_SAMPLE).toStdU16String()) == kInvalidProcedureCall &&
         taken.elapsed() < 1000;
     std::_Exit(good ? 0 : 1);
   };

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "base/RunTimeError.h"
 #include "message/DisplayDate.h"
+#include "support/ErrorOf.h"
 #include "support/TestLocale.h"
 
 namespace vesko {
@@ -10,15 +10,6 @@ namespace {
 class DisplayDateTest : public ::testing::Test {
  protected:
   Text Format(const Text& date) { return FormatSendDate(*locale_, date); }
-
-  int32_t ErrorOf(const Text& date) {
-    try {
-      Format(date);
-      return 0;
-    } catch (const RunTimeError& error) {
-      return error.Number();
-    }
-  }
 
   std::unique_ptr<Locale> locale_ = MakeTestLocale();
 };
@@ -63,11 +54,12 @@ TEST_F(DisplayDateTest, ShowsWhatIsNoDateTwiceInItsNewShape) {
 
 TEST_F(DisplayDateTest, RaisesWhatItsCallersMustExpect) {
   for (const Text date : {u"", u"   ", u"1 Jan", u"Mon, 1 Jan", u"Mon 1, Jan 2001"}) {
-    EXPECT_EQ(ErrorOf(date), kSubscriptOutOfRange) << ::testing::PrintToString(date);
+    EXPECT_EQ(ErrorOf([&] { Format(date); }), kSubscriptOutOfRange)
+        << ::testing::PrintToString(date);
   }
   for (const Text date : {u"1 Jan xx 10:00", u"1 Jan 0x", u"1 Jan 2001 ab:00 PM",
                           u"1 Jan 2001 :00 PM", u"1 Jan 2001  PM"}) {
-    EXPECT_EQ(ErrorOf(date), kTypeMismatch) << ::testing::PrintToString(date);
+    EXPECT_EQ(ErrorOf([&] { Format(date); }), kTypeMismatch) << ::testing::PrintToString(date);
   }
 }
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <random>
 
-#include "base/RunTimeError.h"
 #include "message/cEncode.h"
+#include "support/ErrorOf.h"
 #include "support/TestLocale.h"
 
 namespace vesko {
@@ -44,12 +44,7 @@ class EncodeTest : public ::testing::Test {
   }
 
   static int32_t ErrorIn(int code_page, const Text& data, int32_t code) {
-    try {
-      ConvIn(code_page, data, code);
-      return 0;
-    } catch (const RunTimeError& error) {
-      return error.Number();
-    }
+    return ErrorOf([&] { ConvIn(code_page, data, code); });
   }
 };
 

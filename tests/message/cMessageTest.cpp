@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "base/RunTimeError.h"
 #include "message/cEncode.h"
 #include "message/cMessage.h"
+#include "support/ErrorOf.h"
 #include "support/TestLocale.h"
 
 namespace vesko {
@@ -24,15 +24,6 @@ class MessageTest : public ::testing::Test {
 
   // A message with this header and no body.
   cMessage ParseHeader(const Text& header) { return Parse(header + u"\r\n\r\n"); }
-
-  int32_t ErrorOf(cMessage& message, const Text& text) {
-    try {
-      message.CreateFromText(text);
-      return 0;
-    } catch (const RunTimeError& error) {
-      return error.Number();
-    }
-  }
 
   std::unique_ptr<Locale> locale_ = MakeTestLocale(949);
 };
@@ -133,7 +124,8 @@ TEST_F(MessageTest, AMalformedDateLeavesTheFieldsBeforeIt) {
     cMessage message(*locale_);
     Text text = u"Sender: s\r\nSender: t\r\nFrom: f\r\nSubject: a\r\n b\r\nDate: " + date +
                 u"\r\nTo: z\r\n\r\nbody";
-    EXPECT_EQ(ErrorOf(message, text), date == u"1 Jan xx" ? kTypeMismatch : kSubscriptOutOfRange);
+    EXPECT_EQ(ErrorOf([&] { message.CreateFromText(text); }),
+              date == u"1 Jan xx" ? kTypeMismatch : kSubscriptOutOfRange);
     EXPECT_EQ(message.Sender + message.From + message.Subject, u"tfa b ");
     EXPECT_EQ(message.MessageTo, u"");
     EXPECT_EQ(message.MessageBody, u"body");
