@@ -1,62 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "base/RunTimeError.h"
 #include "component/cVeskoEx.h"
 #include "dialogs/fCheckMail.h"
 #include "dialogs/fConfig.h"
-#include "support/FakeMachine.h"
+#include "support/FakeDesktop.h"
 
 namespace vesko {
 namespace {
-
-class NotingSound : public Sound {
- public:
-  int OutputDevices() override { return 1; }
-  void Play(const Text& path) override {
-    played.push_back(path);
-    throw RunTimeError(kInvalidProcedureCall);  // which stops nothing
-  }
-
-  std::vector<Text> played;
-};
-
-/// Passes on to the machine's socket, which outlives it.
-class SocketHandle : public Socket {
- public:
-  explicit SocketHandle(Socket& socket) : socket_(socket) {
-    socket_.on_data_arrival = [this] { on_data_arrival(); };
-    socket_.on_error = [this](int32_t number, const Text& words) { on_error(number, words); };
-  }
-  SocketState State() const override { return socket_.State(); }
-  void SetLocalPort(int32_t port) override { socket_.SetLocalPort(port); }
-  void Connect(const Text& host, int32_t port) override { socket_.Connect(host, port); }
-  void SendData(TextView text) override { socket_.SendData(text); }
-  Text GetData() override { return socket_.GetData(); }
-  void Close() override { socket_.Close(); }
-
- private:
-  Socket& socket_;
-};
-
-class MachineDesktop : public Desktop {
- public:
-  explicit MachineDesktop(FakeMachine& machine) : machine_(machine) {}
-
-  const Locale& GetLocale() override { return *machine_.locale; }
-  Registry& GetRegistry() override { return machine_.registry; }
-  std::unique_ptr<Socket> NewSocket() override {
-    return std::make_unique<SocketHandle>(machine_.socket);
-  }
-  Sound& GetSound() override { return sound; }
-  Shell& GetShell() override { return machine_.shell; }
-  const Clock& GetClock() override { return machine_.clock; }
-  Toolkit& GetToolkit() override { return machine_.toolkit; }
-
-  NotingSound sound;
-
- private:
-  FakeMachine& machine_;
-};
 
 constexpr char16_t kConfigQuestion[] =
     u"You have no POP3 mail account. Config POP3 mail account now ?";
@@ -89,12 +39,11 @@ class cVeskoExTest : public testing::Test {
     const std::vector<ScriptedToolkit::Message> expected = {
         {u"You have no mail not read.", u"", MessageIcon::kInformation}};
     EXPECT_EQ(machine.toolkit.messages, expected);
-    EXPECT_TRUE(desktop.sound.played.empty());
+    EXPECT_TRUE(machine.sound.played.empty());
   }
 
-  FakeMachine machine;
-  MachineDesktop desktop{machine};
-  ComponentState state{desktop};
+  FakeDesktop machine;
+  ComponentState state{machine};
   std::unique_ptr<cVeskoEx> object;
 };
 
@@ -128,7 +77,7 @@ TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
   machine.socket.conversations = {OneMessage(u"a@mail.example")};
   machine.pump.on_turn = [&](int) { EXPECT_TRUE(Object().IsBusy()); };
   machine.toolkit.On("fListMail", [&](Form& form) {
-    EXPECT_EQ(desktop.sound.played, std::vector<Text>{machine.configuration.SoundFile});
+    EXPECT_EQ(machine.sound.played, std::vector<Text>{machine.configuration.SoundFile});
     EXPECT_EQ(form.Caption(), u"1 MAILS (0 NEW MAILS, 0 SPAM MAILS)");
     EXPECT_EQ(Read(form, "txtBody"), u"Hi\r\n");
     form.Close();
@@ -138,7 +87,7 @@ TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
   EXPECT_FALSE(Object().IsBusy());
 
   machine.socket.conversations = {OneMessage(u"a@mail.example")};
-  desktop.sound.played.clear();
+  machine.sound.played.clear();
   Object().CheckMail();  // the message is known and read
   ExpectNoNewMail();
 }

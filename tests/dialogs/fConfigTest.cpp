@@ -213,7 +213,7 @@ TEST_F(fConfigTest, CancelAndClosingDiscardEveryEdit) {
 
 TEST_F(fConfigTest, KeywordsAreAddedRenamedAndDeleted) {
   machine.toolkit.Input(u"@three.example");
-  machine.toolkit.CancelInput();
+  machine.toolkit.On("InputBox", [](Form& box) { Press(box, "cmdCancel"); });
   machine.toolkit.On("InputBox", [](Form& box) {
     EXPECT_EQ(box.Caption(), u"Rename Spam Mail");
     EXPECT_EQ(Read(box, "txtAnswer"), u"@two.example");
@@ -257,9 +257,7 @@ TEST_F(fConfigTest, PicksFilesAndPlaysTheSound) {
   });
   EXPECT_EQ(played, std::vector<Text>{u"new.wav"});
   EXPECT_EQ(machine.configuration.DefaultEmailClient, u"client.exe");
-  ASSERT_EQ(machine.toolkit.file_questions.size(), 4u);
-  EXPECT_EQ(machine.toolkit.file_questions[0].default_extension, u"wav");
-  EXPECT_EQ(machine.toolkit.file_questions[2].default_extension, u"exe");
+  EXPECT_EQ(machine.toolkit.extensions, (std::vector<Text>{u"wav", u"wav", u"exe", u"exe"}));
   EXPECT_EQ(machine.toolkit.messages.size(), 1u) << "the help";
 }
 

@@ -2,17 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace vesko {
 namespace {
 
-std::string Fold(std::string_view name) {
-  std::string folded(name);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
-  }
-  return folded;
-}
+char Fold(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
 std::string_view Leaf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
 
@@ -21,15 +16,11 @@ std::string_view Parent(std::string_view path) {
   return at == std::string_view::npos ? std::string_view() : path.substr(0, at);
 }
 
-template <typename Values>
-auto FindValue(Values& values, std::string_view name) {
-  return std::find_if(values.begin(), values.end(),
-                      [&](const auto& value) { return Fold(value.name) == Fold(name); });
-}
-
-bool IsRoot(int32_t root) { return root == kCurrentUser || root == kLocalMachine; }
-
 }  // namespace
+
+bool MemoryRegistry::NameLess::operator()(std::string_view a, std::string_view b) const {
+  return std::ranges::lexicographical_compare(a, b, {}, Fold, Fold);
+}
 
 class MemoryRegistry::Transaction : public RegistryTransaction {
  public:
@@ -52,25 +43,21 @@ void MemoryRegistry::PutNumber(int32_t root, std::string_view path, std::string_
 
 void MemoryRegistry::Put(int32_t root, std::string_view path, std::string_view name, uint32_t type,
                          std::string_view data) {
-  auto& values = MakeKey(root, path).values;
-  auto found = FindValue(values, name);
-  if (found == values.end()) found = values.insert(found, Value{std::string(name), 0, {}});
-  found->type = type;
-  found->data = data;
+  MakeKey(root, path)[std::string(name)] = {type, std::string(data)};
 }
 
 bool MemoryRegistry::HasKey(int32_t root, std::string_view path) const {
-  return keys_.contains({root, Fold(path)});
+  return hives_.at(root).keys.contains(path);
 }
 
-std::optional<std::pair<uint32_t, std::string>> MemoryRegistry::Get(int32_t root,
-                                                                    std::string_view path,
-                                                                    std::string_view name) const {
-  auto key = keys_.find({root, Fold(path)});
-  if (key == keys_.end()) return std::nullopt;
-  auto found = FindValue(key->second.values, name);
-  if (found == key->second.values.end()) return std::nullopt;
-  return std::pair(found->type, found->data);
+std::optional<MemoryRegistry::Value> MemoryRegistry::Get(int32_t root, std::string_view path,
+                                                         std::string_view name) const {
+  const auto& keys = hives_.at(root).keys;
+  const auto key = keys.find(path);
+  if (key == keys.end()) return std::nullopt;
+  const auto found = key->second.find(name);
+  if (found == key->second.end()) return std::nullopt;
+  return found->second;
 }
 
 std::string MemoryRegistry::Show(int32_t root, std::string_view path, std::string_view name) const {
@@ -85,80 +72,77 @@ std::string MemoryRegistry::Show(int32_t root, std::string_view path, std::strin
 
 int32_t MemoryRegistry::OpenKey(int32_t root, std::string_view path, uint32_t, KeyHandle& key) {
   if (int32_t status = FaultOf(RegistryCall::kOpenKey)) return status;
-  if (!IsRoot(root)) return kStatusInvalidHandle;
+  if (!hives_.contains(root)) return kStatusInvalidHandle;
   if (!HasKey(root, path)) return kStatusFileNotFound;
-  key = HandleOf({root, Fold(path)});
+  key = HandleOf(root, path);
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::CreateKey(int32_t root, std::string_view path, KeyHandle& key) {
   if (int32_t status = FaultOf(RegistryCall::kCreateKey)) return status;
-  if (!IsRoot(root)) return kStatusInvalidHandle;
+  if (!hives_.contains(root)) return kStatusInvalidHandle;
   NoteWrite(root);
   MakeKey(root, path);
-  key = HandleOf({root, Fold(path)});
+  key = HandleOf(root, path);
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::QueryValue(KeyHandle key, std::string_view name, uint32_t& type,
                                    std::string& data) {
-  Key* found;
-  if (int32_t status = Enter(RegistryCall::kQueryValue, key, found)) return status;
-  auto value = FindValue(found->values, name);
-  if (value == found->values.end()) return kStatusFileNotFound;
-  type = value->type;
-  data = value->data;
+  Values* values;
+  if (int32_t status = Enter(RegistryCall::kQueryValue, key, values)) return status;
+  const auto value = values->find(name);
+  if (value == values->end()) return kStatusFileNotFound;
+  std::tie(type, data) = value->second;
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::SetValue(KeyHandle key, std::string_view name, uint32_t type,
                                  std::string_view data) {
-  Key* found;
-  if (int32_t status = Enter(RegistryCall::kSetValue, key, found)) return status;
-  const auto& [root, path] = handles_[key - 1];
-  NoteWrite(root);
-  Put(root, path, name, type, data);
+  Values* values;
+  if (int32_t status = Enter(RegistryCall::kSetValue, key, values)) return status;
+  NoteWrite(handles_[key - 1].first);
+  (*values)[std::string(name)] = {type, std::string(data)};
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::EnumKey(KeyHandle key, uint32_t index, std::string& name) {
-  Key* found;
-  if (int32_t status = Enter(RegistryCall::kEnumKey, key, found)) return status;
-  auto names = SubKeys(handles_[key - 1]);
+  Values* values;
+  if (int32_t status = Enter(RegistryCall::kEnumKey, key, values)) return status;
+  const auto names = SubKeys(handles_[key - 1]);
   if (index >= names.size()) return kStatusNoMoreItems;
   name = names[index];
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::EnumValue(KeyHandle key, uint32_t index, std::string& name) {
-  Key* found;
-  if (int32_t status = Enter(RegistryCall::kEnumValue, key, found)) return status;
-  if (index >= found->values.size()) return kStatusNoMoreItems;
-  name = found->values[index].name;
+  Values* values;
+  if (int32_t status = Enter(RegistryCall::kEnumValue, key, values)) return status;
+  if (index >= values->size()) return kStatusNoMoreItems;
+  name = std::next(values->begin(), index)->first;
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::DeleteKey(int32_t root, std::string_view path) {
   if (int32_t status = FaultOf(RegistryCall::kDeleteKey)) return status;
-  if (!HasKey(root, path)) return kStatusFileNotFound;
-  if (!SubKeys({root, Fold(path)}).empty()) return kStatusAccessDenied;
+  auto& keys = hives_.at(root).keys;
+  const auto key = keys.find(path);
+  if (key == keys.end()) return kStatusFileNotFound;
+  if (!SubKeys({root, key->first}).empty()) return kStatusAccessDenied;
   NoteWrite(root);
-  keys_.erase({root, Fold(path)});
+  keys.erase(key);
   return kStatusSuccess;
 }
 
 int32_t MemoryRegistry::DeleteValue(KeyHandle key, std::string_view name) {
-  Key* found;
-  if (int32_t status = Enter(RegistryCall::kDeleteValue, key, found)) return status;
-  auto value = FindValue(found->values, name);
-  if (value == found->values.end()) return kStatusFileNotFound;
+  Values* values;
+  if (int32_t status = Enter(RegistryCall::kDeleteValue, key, values)) return status;
   NoteWrite(handles_[key - 1].first);
-  found->values.erase(value);
-  return kStatusSuccess;
+  return values->erase(std::string(name)) ? kStatusSuccess : kStatusFileNotFound;
 }
 
 std::unique_ptr<RegistryTransaction> MemoryRegistry::BeginTransaction(int32_t root) {
-  return std::make_unique<Transaction>(hives_[root]);
+  return std::make_unique<Transaction>(hives_.at(root));
 }
 
 std::string MemoryRegistry::ExpandEnvironment(std::string_view text) {
@@ -181,33 +165,34 @@ int32_t MemoryRegistry::FaultOf(RegistryCall call) {
   return faults_.extract(fault).mapped().status;
 }
 
-/// The key of a handle, where the operation is not to fail.
-int32_t MemoryRegistry::Enter(RegistryCall call, KeyHandle handle, Key*& key) {
+/// The values of a handle's key, where the operation is not to fail.
+int32_t MemoryRegistry::Enter(RegistryCall call, KeyHandle handle, Values*& values) {
   if (int32_t status = FaultOf(call)) return status;
   if (handle < 1 || handle > handles_.size()) return kStatusInvalidHandle;
-  auto found = keys_.find(handles_[handle - 1]);
-  if (found == keys_.end()) return kStatusKeyDeleted;
-  key = &found->second;
+  const auto& [root, path] = handles_[handle - 1];
+  auto& keys = hives_.at(root).keys;
+  const auto found = keys.find(path);
+  if (found == keys.end()) return kStatusKeyDeleted;
+  values = &found->second;
   return kStatusSuccess;
 }
 
-MemoryRegistry::Key& MemoryRegistry::MakeKey(int32_t root, std::string_view path) {
-  for (std::string_view at = path; !at.empty(); at = Parent(at)) {
-    Key& made = keys_[{root, Fold(at)}];
-    if (made.name.empty()) made.name = Leaf(at);
-  }
-  return keys_[{root, Fold(path)}];
+MemoryRegistry::Values& MemoryRegistry::MakeKey(int32_t root, std::string_view path) {
+  auto& keys = hives_.at(root).keys;
+  for (std::string_view at = path; !at.empty(); at = Parent(at)) keys[std::string(at)];
+  return keys[std::string(path)];
 }
 
-KeyHandle MemoryRegistry::HandleOf(Place place) {
-  handles_.push_back(std::move(place));
+KeyHandle MemoryRegistry::HandleOf(int32_t root, std::string_view path) {
+  handles_.emplace_back(root, path);
   return handles_.size();
 }
 
 std::vector<std::string> MemoryRegistry::SubKeys(const Place& place) const {
+  const auto& [root, parent] = place;
   std::vector<std::string> names;
-  for (const auto& [at, key] : keys_) {
-    if (at.first == place.first && Parent(at.second) == place.second) names.push_back(key.name);
+  for (const auto& [path, values] : hives_.at(root).keys) {
+    if (std::ranges::equal(Parent(path), parent, {}, Fold, Fold)) names.emplace_back(Leaf(path));
   }
   return names;
 }

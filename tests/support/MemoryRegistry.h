@@ -36,14 +36,14 @@ class MemoryRegistry : public Registry {
   void Put(int32_t root, std::string_view path, std::string_view name, uint32_t type,
            std::string_view data);
   bool HasKey(int32_t root, std::string_view path) const;
-  /// Type and raw data; nothing where there is no such value.
-  std::optional<std::pair<uint32_t, std::string>> Get(int32_t root, std::string_view path,
-                                                      std::string_view name) const;
+  using Value = std::pair<uint32_t, std::string>;  // type and raw data
+  /// Nothing where there is no such value.
+  std::optional<Value> Get(int32_t root, std::string_view path, std::string_view name) const;
   /// A text value up to its first NUL, or a number in decimal; "(none)" where there is none.
   std::string Show(int32_t root, std::string_view path, std::string_view name) const;
 
   /// Number of transactions begun on a root, outermost ones only.
-  int Transactions(int32_t root) { return hives_[root].transactions; }
+  int Transactions(int32_t root) { return hives_.at(root).transactions; }
   /// Number of values set and keys created or deleted while no transaction of their hive lived.
   int WritesOutsideTransactions() const { return loose_writes_; }
 
@@ -64,35 +64,32 @@ class MemoryRegistry : public Registry {
   std::string ExpandEnvironment(std::string_view text) override;
 
  private:
-  struct Value {
-    std::string name;
-    uint32_t type = 0;
-    std::string data;
+  /// Names compare without regard to case.
+  struct NameLess {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const;
   };
-  struct Key {
-    std::string name;
-    std::vector<Value> values;
-  };
+  using Values = std::map<std::string, Value, NameLess>;
   struct Fault {
     int32_t status;
     int countdown;  // 0: every call
   };
   struct Hive {
-    int depth = 0;         // of open transactions
-    int transactions = 0;  // outermost ones so far
+    std::map<std::string, Values, NameLess> keys;  // by path
+    int depth = 0;                                 // of open transactions
+    int transactions = 0;                          // outermost ones so far
   };
   class Transaction;
-  using Place = std::pair<int32_t, std::string>;  // root and folded path
+  using Place = std::pair<int32_t, std::string>;  // root and path
 
   int32_t FaultOf(RegistryCall call);
-  int32_t Enter(RegistryCall call, KeyHandle handle, Key*& key);
-  void NoteWrite(int32_t root) { loose_writes_ += hives_[root].depth == 0; }
-  Key& MakeKey(int32_t root, std::string_view path);
-  KeyHandle HandleOf(Place place);
+  int32_t Enter(RegistryCall call, KeyHandle handle, Values*& values);
+  void NoteWrite(int32_t root) { loose_writes_ += hives_.at(root).depth == 0; }
+  Values& MakeKey(int32_t root, std::string_view path);
+  KeyHandle HandleOf(int32_t root, std::string_view path);
   std::vector<std::string> SubKeys(const Place& place) const;
 
-  std::map<Place, Key> keys_;
-  std::map<int32_t, Hive> hives_;
+  std::map<int32_t, Hive> hives_{{kCurrentUser, {}}, {kLocalMachine, {}}};
   std::map<RegistryCall, Fault> faults_;
   std::vector<Place> handles_;
   int loose_writes_ = 0;

@@ -102,13 +102,6 @@ void ScriptedToolkit::Input(const Text& text) {
   });
 }
 
-void ScriptedToolkit::CancelInput() {
-  On("InputBox", [](Form& form) {
-    Type(form, "txtAnswer", u"thrown away");
-    Press(form, "cmdCancel");
-  });
-}
-
 std::unique_ptr<FormPeer> ScriptedToolkit::Realise(Form& form) {
   return std::make_unique<Peer>(form, *this);
 }
@@ -132,9 +125,8 @@ void ScriptedToolkit::ShowMessage(const Text& text, const Text& title, MessageIc
   messages.push_back({text, title, icon});
 }
 
-Text ScriptedToolkit::OpenFile(const Text& title, const Text& filter,
-                               const Text& default_extension) {
-  file_questions.push_back({title, filter, default_extension});
+Text ScriptedToolkit::OpenFile(const Text&, const Text&, const Text& default_extension) {
+  extensions.push_back(default_extension);
   if (files.empty()) return {};
   Text file = std::move(files.front());
   files.pop_front();
@@ -147,10 +139,6 @@ void ScriptedToolkit::ShowPopup(Form&, PopupMenu& menu) {
 
 void ScriptedToolkit::Invalidate(Form&, Control& control) {
   calls.push_back("invalidate " + control.Name());
-}
-
-void ScriptedToolkit::OwnPump::RunPending(std::chrono::milliseconds) {
-  if (toolkit_.on_run_pending) toolkit_.on_run_pending();
 }
 
 std::vector<Control*> LaidOut(const Layout& layout) {

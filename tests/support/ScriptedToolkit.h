@@ -29,15 +29,9 @@ class ScriptedToolkit : public Toolkit {
     MessageIcon icon;
     friend bool operator==(const Message&, const Message&) = default;
   };
-  struct FileQuestion {
-    Text title;
-    Text filter;
-    Text default_extension;
-    friend bool operator==(const FileQuestion&, const FileQuestion&) = default;
-  };
 
-  /// With a pump of the test's own; without, pending events are what `on_run_pending` does.
-  explicit ScriptedToolkit(Pump* pump = nullptr) : pump_(pump ? *pump : own_pump_) {}
+  /// With a pump of the test's own; without, nothing is ever pending.
+  explicit ScriptedToolkit(Pump* pump = nullptr) : pump_(pump ? *pump : idle_pump_) {}
   ~ScriptedToolkit() override;
 
   /// What the user does at the next showing of a window of this name that has no script yet.
@@ -47,16 +41,14 @@ class ScriptedToolkit : public Toolkit {
   /// the caption is empty. Where `expected` is given, the box must ask just that.
   void Answer(const Text& caption, const Text& expected = {});
 
-  /// The user types into the next input box and presses OK, or Cancel.
+  /// The user types into the next input box and presses OK.
   void Input(const Text& text);
-  void CancelInput();
 
   std::vector<std::string> shown;  // names of windows, in order
   std::vector<Message> messages;
-  std::deque<Text> files;  // what the user picks next; none: nothing
-  std::vector<FileQuestion> file_questions;
+  std::deque<Text> files;        // what the user picks next; none: nothing
+  std::vector<Text> extensions;  // of the files asked for
   std::function<void(PopupMenu&)> on_popup;
-  std::function<void()> on_run_pending;
   std::string focus;               // name of the control that was given the focus last
   std::vector<std::string> calls;  // of the windows' native sides, "show fConfig"
   Rect screen{0, 0, 1920, 1080};
@@ -72,16 +64,11 @@ class ScriptedToolkit : public Toolkit {
 
  private:
   class Peer;
-  class OwnPump : public Pump {
-   public:
-    explicit OwnPump(ScriptedToolkit& toolkit) : toolkit_(toolkit) {}
-    void RunPending(std::chrono::milliseconds longest_wait) override;
-
-   private:
-    ScriptedToolkit& toolkit_;
+  struct IdlePump : Pump {
+    void RunPending(std::chrono::milliseconds) override {}
   };
 
-  OwnPump own_pump_{*this};
+  IdlePump idle_pump_;
   Pump& pump_;
   std::map<std::string, std::deque<Driver>> drivers_;
   std::set<const Form*> realised_;
