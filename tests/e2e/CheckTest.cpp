@@ -1,10 +1,6 @@
-#include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <netdb.h>
 
 #include <QAbstractButton>
-#include <mutex>
-#include <string_view>
 
 #include "demo/Pop3Server.h"
 #include "demo/SampleMailbox.h"
@@ -15,8 +11,6 @@ namespace vesko {
 namespace {
 
 using demo::Pop3Server;
-
-std::mutex slow_name;  // looking up "slow.example" takes as long as this is held
 
 User::Deed PressDeed(const QString& button) {
   return [button](QWidget& window) { Press(window, button); };
@@ -75,38 +69,5 @@ TEST(Check, AsksForAMissingPasswordAndStoresItScrambled) {
   session.component.CheckMail();
 }
 
-TEST(Check, CancelEndsItWhileTheNameIsStillLookedUp) {
-  Machine machine;
-  machine.SetUp({{u"kim", u"secret", kPop3Port, u"slow.example"}});
-  auto session = machine.NewSession();
-  std::lock_guard nobody_answers(slow_name);
-  User user;
-  user.In(
-      "fCheckMail",
-      [](QWidget& window) {
-        return Shown(window, "lblProgress") == "Resolving host 'slow.example' ...";
-      },
-      PressDeed("cmdCancel"));
-  user.In("MessageBox", [](QWidget& window) {
-    EXPECT_EQ(Shown(window), "You have no mail not read.");
-    window.close();
-  });
-  session.component.CheckMail();
-}
-
 }  // namespace
 }  // namespace vesko
-
-// Stands before the system's own in the search order of the dynamic linker.
-extern "C" __attribute__((visibility("default"))) int getaddrinfo(const char* host,
-                                                                  const char* service,
-                                                                  const addrinfo* hints,
-                                                                  addrinfo** result) {
-  if (host && std::string_view(host) == "slow.example") {
-    std::lock_guard wait(vesko::slow_name);
-    return EAI_NONAME;
-  }
-  static const auto next =
-      reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
-  return next(host, service, hints, result);
-}

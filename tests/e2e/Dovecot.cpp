@@ -1,62 +1,39 @@
 #include "e2e/Dovecot.h"
 
-#include <arpa/inet.h>
 #include <grp.h>
-#include <netinet/in.h>
 #include <pwd.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <csignal>
 #include <fstream>
 #include <stdexcept>
-#include <thread>
 
 namespace vesko {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 constexpr const char* kProgram = "/usr/sbin/dovecot";
 
-sockaddr_in Loopback(uint16_t port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(port);
-  return address;
-}
-
 // Free at this moment; Dovecot has no way to choose and tell one itself.
 uint16_t FreePort() {
-  int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in address = Loopback(0);
-  socklen_t size = sizeof address;
-  ::bind(fd, reinterpret_cast<sockaddr*>(&address), size);
-  ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
-  ::close(fd);
-  return ntohs(address.sin_port);
+  QTcpServer server;
+  server.listen(QHostAddress::LocalHost);
+  return server.serverPort();
 }
 
 bool Greets(uint16_t port) {
-  int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  timeval limit{10, 0};
-  ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-  sockaddr_in address = Loopback(port);
-  char first = 0;
-  bool greets = ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-                ::recv(fd, &first, 1, 0) == 1 && first == '+';
-  ::close(fd);
-  return greets;
+  QTcpSocket client;
+  client.connectToHost(QHostAddress::LocalHost, port);
+  return client.waitForReadyRead() && client.read(1) == "+";
 }
 
 }  // namespace
 
-Dovecot::Dovecot(std::vector<Account> accounts) {
+Dovecot::Dovecot(const std::vector<Account>& accounts) {
   if (!fs::exists(kProgram)) throw std::runtime_error("the package dovecot-pop3d is missing");
   const passwd* owner = ::getuid() == 0 ? ::getpwnam("nobody") : ::getpwuid(::getuid());
   owner_ = owner->pw_name;
@@ -66,16 +43,20 @@ Dovecot::Dovecot(std::vector<Account> accounts) {
     for (const char* part : {"new", "cur", "tmp"})
       fs::create_directories(Maildir(account.user) / part);
   }
+  server_.setProcessChannelMode(QProcess::ForwardedChannels);
+  server_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
   for (int tries = 3; tries > 0; --tries) {
     port_ = FreePort();
     WriteConfiguration(accounts);
     if (Start()) return;
-    Stop();
   }
   throw std::runtime_error("Dovecot does not start: " + temporary_.Read("log"));
 }
 
-Dovecot::~Dovecot() { Stop(); }
+Dovecot::~Dovecot() {
+  server_.terminate();
+  server_.waitForFinished();
+}
 
 fs::path Dovecot::Maildir(const std::string& user) const { return folder_ / "mail" / user; }
 
@@ -112,31 +93,13 @@ void Dovecot::WriteConfiguration(const std::vector<Account>& accounts) const {
 
 bool Dovecot::Start() {
   GiveAway(folder_);
-  const std::string configuration = (folder_ / "dovecot.conf").string();
-  const pid_t parent = ::getpid();
-  process_ = ::fork();
-  if (process_ == 0) {
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (::getppid() != parent) ::_exit(1);
-    ::execl(kProgram, kProgram, "-F", "-c", configuration.c_str(), nullptr);
-    ::_exit(127);
-  }
+  server_.start(kProgram, {"-F", "-c", QString::fromStdString(folder_ / "dovecot.conf")});
   for (int tries = 0; tries < 200; ++tries) {
     if (Greets(port_)) return true;
-    if (::waitpid(process_, nullptr, WNOHANG) == process_) {
-      process_ = -1;
-      return false;
-    }
-    std::this_thread::sleep_for(50ms);
+    server_.waitForFinished(50);
+    if (server_.state() == QProcess::NotRunning) return false;
   }
   return false;
-}
-
-void Dovecot::Stop() {
-  if (process_ <= 0) return;
-  ::kill(process_, SIGTERM);
-  ::waitpid(process_, nullptr, 0);
-  process_ = -1;
 }
 
 std::string Dovecot::Deliver(const std::string& user, const std::string& message) {

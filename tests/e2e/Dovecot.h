@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <QProcess>
 #include <cstdint>
 #include <filesystem>
 #include <set>
@@ -24,7 +25,7 @@ class Dovecot {
 
   /// Returns when the server accepts connections. Throws std::runtime_error with the server's log
   /// when it does not.
-  explicit Dovecot(std::vector<Account> accounts);
+  explicit Dovecot(const std::vector<Account>& accounts);
   ~Dovecot();
 
   uint16_t Port() const { return port_; }
@@ -40,7 +41,6 @@ class Dovecot {
   std::filesystem::path Maildir(const std::string& user) const;
   void WriteConfiguration(const std::vector<Account>& accounts) const;
   bool Start();
-  void Stop();
   void GiveAway(const std::filesystem::path& path) const;
 
   TempFolder temporary_;
@@ -49,7 +49,7 @@ class Dovecot {
   uid_t uid_ = 0;
   gid_t gid_ = 0;
   uint16_t port_ = 0;
-  pid_t process_ = -1;
+  QProcess server_;
   int delivered_ = 0;
 };
 

@@ -41,10 +41,8 @@ TEST(AgainstDovecot, ChecksTwoAccountsAndDeletesExactlyTheSpam) {
     EXPECT_EQ(dovecot.Files("kim").size(), 100u);
     Press(window, "cmdMail(1)");
   });
-  user.In("fListMail", has_title("180 MAILS (179 NEW MAILS, 0 SPAM MAILS)"), [](QWidget& window) {
-    EXPECT_EQ(RowCount(window, "LV1"), 180);
-    Press(window, "cmdMail(3)");
-  });
+  user.In("fListMail", has_title("180 MAILS (179 NEW MAILS, 0 SPAM MAILS)"),
+          [](QWidget& window) { Press(window, "cmdMail(3)"); });
   session.component.CheckMail();
   EXPECT_EQ(dovecot.Files("kim"), kept["kim"]);
   EXPECT_EQ(dovecot.Files("lee"), kept["lee"]);

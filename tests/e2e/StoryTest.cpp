@@ -2,18 +2,17 @@
 // real mail server.
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <QCoreApplication>
+#include <QProcess>
 #include <chrono>
-#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "e2e/Dovecot.h"
 #include "support/PrivateMachine.h"
@@ -24,18 +23,10 @@ namespace {
 
 constexpr auto kPatience = std::chrono::seconds(30);
 
-std::string Output(const std::string& command) {
-  std::string output;
-  FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-  std::array<char, 4096> piece{};
-  while (size_t size = fread(piece.data(), 1, piece.size(), pipe))
-    output.append(piece.data(), size);
-  pclose(pipe);
-  while (output.ends_with('\n')) output.pop_back();
-  return output;
+/// The exit code of a command line, whose output is nobody's.
+int Shell(const std::string& command) {
+  return WEXITSTATUS(std::system((command + " >/dev/null 2>&1").c_str()));
 }
-
-int Shell(const std::string& command) { return WEXITSTATUS(std::system(command.c_str())); }
 
 bool Until(const std::function<bool()>& holds) {
   const auto end = std::chrono::steady_clock::now() + kPatience;
@@ -47,66 +38,42 @@ bool Until(const std::function<bool()>& holds) {
 }
 
 /// A process that ends with its object.
-class Process {
+class Process : public QProcess {
  public:
-  explicit Process(const std::string& command) : pid_(fork()) {
-    if (pid_ != 0) return;
-    execl("/bin/sh", "sh", "-c", ("exec " + command).c_str(), nullptr);
-    _exit(127);
+  explicit Process(const std::string& command) {
+    setProcessChannelMode(ForwardedChannels);
+    start("sh", {"-c", QString::fromStdString("exec " + command)});
   }
-  ~Process() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGTERM);
-    waitpid(pid_, nullptr, 0);
+  ~Process() override {
+    terminate();
+    waitForFinished();
   }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-
   /// The exit code, once it has ended by itself.
-  int Wait() {
-    int status = 0;
-    waitpid(std::exchange(pid_, 0), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  pid_t pid_;
+  int Wait() { return waitForFinished() && exitStatus() == NormalExit ? exitCode() : -1; }
 };
 
 /// What the person sees and does.
 class Desk {
  public:
-  static std::string FindWindow(const std::string& title) {
-    return Output("xdotool search --onlyvisible --name '^" + title + "'");
-  }
-
   /// Waits for a window and turns to it.
   static bool TurnTo(const std::string& title) {
-    const bool there = Until([&] { return !FindWindow(title).empty(); });
-    if (there) {
-      Output("xdotool search --onlyvisible --name '^" + title + "' windowactivate --sync");
-      Settle();
-    }
+    const bool there = Until([&] { return InWindow(title, ""); });
+    if (there) InWindow(title, "windowactivate --sync");
     return there;
   }
 
   static bool IsGone(const std::string& title) {
-    return Until([&] { return FindWindow(title).empty(); });
+    return Until([&] { return !InWindow(title, ""); });
   }
 
-  static void Press(const std::string& keys) {
-    Output("xdotool key --clearmodifiers --delay 40 " + keys);
-    Settle();
-  }
+  static void Press(const std::string& keys) { Xdotool("key --clearmodifiers --delay 40 " + keys); }
   static void Type(const std::string& text) {
-    Output("xdotool type --clearmodifiers --delay 20 '" + text + "'");
-    Settle();
+    Xdotool("type --clearmodifiers --delay 20 '" + text + "'");
   }
   /// Clicks at a place of a window.
   static void Click(const std::string& title, int x, int y, int button = 1) {
-    Output("xdotool search --onlyvisible --name '^" + title + "' mousemove --window %1 " +
-           std::to_string(x) + " " + std::to_string(y) + " click " + std::to_string(button));
-    Settle();
+    InWindow(title, "mousemove --window %1 " + std::to_string(x) + " " + std::to_string(y) +
+                        " click " + std::to_string(button));
   }
 
   static void Picture(const std::string& file) {
@@ -115,8 +82,16 @@ class Desk {
   }
 
  private:
-  // A person looks before the next key; a program takes some time to draw.
-  static void Settle() { std::this_thread::sleep_for(std::chrono::milliseconds(150)); }
+  static bool Xdotool(const std::string& command) {
+    const bool done = Shell("xdotool " + command) == 0;
+    // A person looks before the next key; a program takes some time to draw.
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    return done;
+  }
+  /// False where no such window is to be seen.
+  static bool InWindow(const std::string& title, const std::string& command) {
+    return Xdotool("search --onlyvisible --name '^" + title + "' " + command);
+  }
 };
 
 std::string Message(int number) {
@@ -136,7 +111,7 @@ class Story : public testing::Test {
     setenv("DISPLAY", display_.c_str(), 1);
     unsetenv("QT_QPA_PLATFORM");
     unsetenv("WAYLAND_DISPLAY");
-    ASSERT_TRUE(Until([] { return Shell("xdotool getdisplaygeometry >/dev/null 2>&1") == 0; }));
+    ASSERT_TRUE(Until([] { return Shell("xdotool getdisplaygeometry") == 0; }));
     manager_ = std::make_unique<Process>("openbox 2>/dev/null");
     ASSERT_EQ(Shell(VESKO_REGISTER " " VESKO_LIBRARY), 0);
   }
@@ -229,5 +204,6 @@ TEST_F(Story, FirstRunToCleanMailboxAndBack) {
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   vesko::EnterPrivateMachine();
+  QCoreApplication application(argc, argv);
   return RUN_ALL_TESTS();
 }

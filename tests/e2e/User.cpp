@@ -5,9 +5,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTest>
 #include <cstdlib>
@@ -19,22 +17,18 @@ using namespace std::chrono_literals;
 
 constexpr auto kPatience = 30s;
 
-QString NameOf(QWidget& window) {
-  return qobject_cast<QMessageBox*>(&window) ? "MessageBox" : window.objectName();
-}
-
 template <typename Widget>
 Widget* Find(QWidget& window, const QString& name) {
   auto* found = window.findChild<Widget*>(name);
-  EXPECT_NE(found, nullptr) << name.toStdString() << " in " << NameOf(window).toStdString();
+  EXPECT_NE(found, nullptr) << name.toStdString() << " in " << window.objectName().toStdString();
   return found;
 }
 
 }  // namespace
 
-User::User(std::chrono::milliseconds interval) {
+User::User() {
   QObject::connect(&timer_, &QTimer::timeout, [this] { Look(); });
-  timer_.start(interval);
+  timer_.start(10ms);
 }
 
 User::~User() {
@@ -51,7 +45,7 @@ void User::Look() {
   if (std::chrono::steady_clock::now() - since_ > kPatience) GiveUp("nothing happens", nullptr);
   QWidget* window = QApplication::activeModalWidget();
   if (!window || dealt_with_ == window) return;
-  const QString name = NameOf(*window);
+  const QString name = window->objectName();
   if (next_ == steps_.size() || steps_[next_].window != name) {
     if (name != "fCheckMail") GiveUp("unexpected window", window);
     return;  // a check under way needs nobody
@@ -70,7 +64,7 @@ void User::Look() {
 
 void User::GiveUp(const QString& why, QWidget* window) {
   ADD_FAILURE() << why.toStdString() << " at step " << next_ + 1 << " of " << steps_.size() << ": "
-                << (window ? NameOf(*window) + " " + window->windowTitle() : "").toStdString();
+                << (window ? window->objectName() + " " + window->windowTitle() : "").toStdString();
   std::fflush(nullptr);
   std::_Exit(1);
 }
@@ -89,13 +83,11 @@ void Type(QWidget& window, const QString& text_box, const QString& text) {
   QTest::keyClicks(found, text);
 }
 
-QString Shown(QWidget& window, const QString& control) {
-  if (auto* box = qobject_cast<QMessageBox*>(&window)) return box->text();
-  auto* found = Find<QWidget>(window, control);
-  if (auto* label = qobject_cast<QLabel*>(found)) return label->text();
+QString Shown(QWidget& window, const QString& text_box) {
+  auto* found = Find<QWidget>(window, text_box);
   if (auto* line = qobject_cast<QLineEdit*>(found)) return line->text();
   if (auto* text = qobject_cast<QPlainTextEdit*>(found)) return text->toPlainText();
-  ADD_FAILURE() << control.toStdString() << " shows no text";
+  ADD_FAILURE() << text_box.toStdString() << " shows no text";
   return {};
 }
 
@@ -108,11 +100,6 @@ QStringList Row(QWidget& window, const QString& list, int row) {
     cells += model.index(row, column).data().toString();
   }
   return cells;
-}
-
-int RowCount(QWidget& window, const QString& list) {
-  auto* view = Find<QAbstractItemView>(window, list);
-  return view ? view->model()->rowCount() : 0;
 }
 
 }  // namespace vesko

@@ -18,14 +18,12 @@ class User {
   using Condition = std::function<bool(QWidget& window)>;
   using Deed = std::function<void(QWidget& window)>;
 
-  /// Looks at the screen every `interval`.
-  explicit User(std::chrono::milliseconds interval = std::chrono::milliseconds(10));
+  User();
 
   /// Fails the test when steps are left.
   ~User();
 
-  /// The next step: when the window of this name ("fListMail", "QuestionBox", "MessageBox") is the
-  /// one in front, do this to it.
+  /// The next step: when the window of this name ("fListMail") is the one in front, do this to it.
   void In(const QString& window, Deed deed) { In(window, nullptr, std::move(deed)); }
   /// The same, but not before the condition holds.
   void In(const QString& window, Condition condition, Deed deed);
@@ -54,11 +52,10 @@ void Press(QWidget& window, const QString& button);
 /// Puts the text into a text box in place of what stands there, key by key.
 void Type(QWidget& window, const QString& text_box, const QString& text);
 
-/// What a label, a text box or a message box shows. "" names the message box's own text.
-QString Shown(QWidget& window, const QString& control = {});
+/// What a text box shows.
+QString Shown(QWidget& window, const QString& text_box);
 
-/// The texts of a list's row and the number of its rows.
+/// The texts of a list's row.
 QStringList Row(QWidget& window, const QString& list, int row);
-int RowCount(QWidget& window, const QString& list);
 
 }  // namespace vesko
