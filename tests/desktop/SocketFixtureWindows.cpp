@@ -20,7 +20,8 @@ std::unique_ptr<Socket> MakeTestSocket(const Locale& locale, const std::string& 
 
 void TurnEventLoop(std::chrono::milliseconds longest_wait) {
   MSG message;
-  if (Sources().Deliver() || Sources().Wait(static_cast<DWORD>(longest_wait.count()))) return;
+  const auto milliseconds = static_cast<DWORD>(longest_wait.count());
+  if (Sources().Deliver() || Sources().DeliverUnlessMessage(milliseconds)) return;
   if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
 }
 

@@ -11,6 +11,9 @@ namespace vesko {
 namespace {
 
 constexpr double kPointsToTheInch = 72;
+constexpr UINT_PTR kSourcesTimer = 1;
+constexpr UINT kBetweenSources = 20;  // milliseconds
+constexpr int kSourcesAtOnce = 100;
 
 /// The size of the desktop's message font, in points.
 double DesktopFontSize(int dots_per_inch) {
@@ -289,6 +292,17 @@ class WinFormWindow final : public WinForm, private Mirrored {
       case WM_GETMINMAXINFO:
         reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {least_.cx, least_.cy};
         return 0;
+      case WM_ENTERSIZEMOVE:
+      case WM_ENTERMENULOOP:
+        SetTimer(window_, kSourcesTimer, kBetweenSources, nullptr);
+        break;
+      case WM_EXITSIZEMOVE:
+      case WM_EXITMENULOOP:
+        KillTimer(window_, kSourcesTimer);
+        break;
+      case WM_TIMER:
+        DeliverSources();
+        return 0;
       case WM_ACTIVATE:
         KeepFocus(LOWORD(wparam) != WA_INACTIVE);
         return 0;
@@ -296,6 +310,16 @@ class WinFormWindow final : public WinForm, private Mirrored {
         break;
     }
     return DefWindowProcW(window_, message, wparam, lparam);
+  }
+
+  /// While the user moves the window or is in its menu the system pumps messages by itself, and a
+  /// check is to go on.
+  void DeliverSources() {
+    EventSources& sources = windows_.sources;
+    int left = kSourcesAtOnce;
+    while (left-- > 0 && (sources.Deliver() || sources.DeliverWithin(1))) {
+    }
+    GetMirror().SynchroniseIfDue();
   }
 
   /// A window does not remember by itself which of its controls had the focus.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "desktop/windows/EventSources.h"
 #include "desktop/windows/WinControlPeer.h"
 #include "ui/Form.h"
 #include "ui/Toolkit.h"
@@ -17,8 +18,9 @@ inline constexpr wchar_t kFormClass[] = L"VeskoForm";
 
 /// The windows that are shown at the moment, the one on top last.
 struct WinWindows {
-  WinContext context;
-  std::vector<WinForm*> shown;
+  EventSources& sources;
+  WinContext context = {};
+  std::vector<WinForm*> shown = {};
 
   /// Native window that a new one belongs over: ours on top, else the host's active one.
   HWND Top() const;

@@ -15,12 +15,13 @@ namespace {
 
 class WinSocket final : public Socket, public ByteStreamListener {
  public:
-  WinSocket(const Locale& locale, const std::string& certificate_file,
+  WinSocket(const Locale& locale, EventSources& sources, const std::string& certificate_file,
             std::vector<int32_t> tls_ports)
       : locale_(locale),
         decoder_(locale.NewDecoder()),
         certificate_file_(certificate_file),
-        tls_ports_(std::move(tls_ports)) {}
+        tls_ports_(std::move(tls_ports)),
+        tcp_(sources) {}
 
   ~WinSocket() override { Close(); }
 
@@ -120,9 +121,10 @@ class WinSocket final : public Socket, public ByteStreamListener {
 
 }  // namespace
 
-std::unique_ptr<Socket> MakeWinSocket(const Locale& locale, const std::string& certificate_file,
+std::unique_ptr<Socket> MakeWinSocket(const Locale& locale, EventSources& sources,
+                                      const std::string& certificate_file,
                                       std::vector<int32_t> tls_ports) {
-  return std::make_unique<WinSocket>(locale, certificate_file, std::move(tls_ports));
+  return std::make_unique<WinSocket>(locale, sources, certificate_file, std::move(tls_ports));
 }
 
 }  // namespace vesko

@@ -13,10 +13,6 @@ namespace vesko {
 namespace {
 
 constexpr int kPieceSize = 64 * 1024;
-constexpr UINT kFirstMessage = WM_APP;
-constexpr UINT kLastMessage = WM_APP + 0x3FFF;  // the end of the range for a window's own use
-
-UINT After(UINT message) { return message == kLastMessage ? kFirstMessage : message + 1; }
 
 WinAddress AnyAddress(int family, uint16_t port) {
   WinAddress any;
@@ -39,12 +35,15 @@ bool IsReset(int error) {
 
 }  // namespace
 
-WinTcpStream::WinTcpStream()
-    : window_([this](UINT message, WPARAM, LPARAM lparam) {
-        Event(message, WSAGETSELECTEVENT(lparam), WSAGETSELECTERROR(lparam));
-      }),
-      piece_(std::make_unique_for_overwrite<char[]>(kPieceSize)),
-      message_(kFirstMessage) {}
+WinTcpStream::WinTcpStream(EventSources& sources)
+    : sources_(sources),
+      event_(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
+      piece_(std::make_unique_for_overwrite<char[]>(kPieceSize)) {}
+
+WinTcpStream::~WinTcpStream() {
+  Close();
+  CloseHandle(event_);
+}
 
 void WinTcpStream::Open(ByteStreamListener& listener, std::vector<WinAddress> addresses,
                         uint16_t local_port) {
@@ -64,12 +63,31 @@ void WinTcpStream::Close() {
 
 void WinTcpStream::Send(std::string_view bytes) {
   unsent_ += bytes;
-  if (!blocked_) Flush();
+  if (state_ == State::kConnected) Flush();
 }
 
 void WinTcpStream::FailLater(int system_error) {
+  if (state_ == State::kClosed || state_ == State::kPeerClosed) return;
+  state_ = State::kFailing;
   late_error_ = system_error;
-  PostMessageW(window_.Get(), message_, 0, WSAMAKESELECTREPLY(FD_CLOSE, system_error));
+  SetEvent(event_);
+}
+
+bool WinTcpStream::Deliver() {
+  switch (state_) {
+    case State::kConnecting:
+      return FinishConnecting();
+    case State::kConnected:
+      Flush();
+      return Receive();
+    case State::kFailing:
+      Fail(late_error_);
+      return true;
+    case State::kClosed:
+    case State::kPeerClosed:
+      break;
+  }
+  return false;
 }
 
 void WinTcpStream::TryNextAddress() {
@@ -92,12 +110,12 @@ bool WinTcpStream::StartConnecting(const WinAddress& address) {
     const WinAddress local = AnyAddress(address.Family(), local_port_);
     if (bind(socket_, local.Get(), local.size) != 0) return ConnectFailed(WSAGetLastError());
   }
-  const long events = FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE;
-  if (WSAAsyncSelect(socket_, window_.Get(), message_, events) != 0 ||
+  if (WSAEventSelect(socket_, event_, FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE) != 0 ||
       (connect(socket_, address.Get(), address.size) != 0 && WSAGetLastError() != WSAEWOULDBLOCK)) {
     return ConnectFailed(WSAGetLastError());
   }
-  blocked_ = true;
+  state_ = State::kConnecting;
+  sources_.Add(*this, event_);
   return true;
 }
 
@@ -107,75 +125,57 @@ bool WinTcpStream::ConnectFailed(int error) {
   return false;
 }
 
-// What comes here was posted; the socket that it speaks of may be gone by now.
-void WinTcpStream::Event(UINT message, int event, int error) {
-  if (message != message_ || socket_ == INVALID_SOCKET || peer_closed_) return;
-  switch (event) {
-    case FD_CONNECT:
-      return FinishConnecting(error);
-    case FD_READ:
-      return error != 0 ? Fail(error) : Readable();
-    case FD_WRITE:
-      blocked_ = false;
-      return Flush();
-    case FD_CLOSE:
-      return PeerClosing(error);
-  }
-}
-
-void WinTcpStream::FinishConnecting(int error) {
+// The event may have been set by an earlier socket, or nothing may have set it.
+bool WinTcpStream::FinishConnecting() {
+  WSANETWORKEVENTS events{};
+  WSAEnumNetworkEvents(socket_, nullptr, &events);
+  if ((events.lNetworkEvents & FD_CONNECT) == 0) return false;
+  const int error = events.iErrorCode[FD_CONNECT_BIT];
   if (error != 0) {
     ConnectFailed(error);
-    return TryNextAddress();
+    TryNextAddress();
+  } else {
+    addresses_.clear();
+    state_ = State::kConnected;
+    listener_->Opened();
   }
-  addresses_.clear();
-  blocked_ = false;
-  listener_->Opened();
+  return true;
 }
 
-// One read a message: the system posts again while there is more, so a second read just to learn
-// that there is none would cost every reply a system call.
-void WinTcpStream::Readable() {
-  const int size = recv(socket_, piece_.get(), kPieceSize, 0);
-  if (size > 0) return listener_->BytesArrived({piece_.get(), static_cast<size_t>(size)});
-  if (size < 0 && WSAGetLastError() != WSAEWOULDBLOCK) Fail(WSAGetLastError());
-}
-
-// The system says so once, though data may still wait; so the message is posted on until it is
-// read.
-void WinTcpStream::PeerClosing(int error) {
-  if (error == 0) error = late_error_;
-  if (error != 0) return Fail(error);
+// A read tells all that there is to know, and lets the system set the event again. For an end that
+// comes together with data the event is set only once, so who had something asks again.
+bool WinTcpStream::Receive() {
   const int size = recv(socket_, piece_.get(), kPieceSize, 0);
   if (size > 0) {
-    PostMessageW(window_.Get(), message_, 0, WSAMAKESELECTREPLY(FD_CLOSE, 0));
-    return listener_->BytesArrived({piece_.get(), static_cast<size_t>(size)});
+    listener_->BytesArrived({piece_.get(), static_cast<size_t>(size)});
+  } else if (size == 0) {
+    state_ = State::kPeerClosed;
+    listener_->PeerClosed();
+  } else if (WSAGetLastError() != WSAEWOULDBLOCK) {
+    Fail(WSAGetLastError());
+  } else {
+    return false;
   }
-  if (size < 0 && WSAGetLastError() != WSAEWOULDBLOCK) return Fail(WSAGetLastError());
-  peer_closed_ = true;
-  listener_->PeerClosed();
+  return true;
 }
 
 // Never reports: it is called from within Send.
 void WinTcpStream::Flush() {
-  while (!unsent_.empty() && !blocked_) {
+  while (!unsent_.empty()) {
     const int size = static_cast<int>(std::min<size_t>(unsent_.size(), INT_MAX));
     const int sent = send(socket_, unsent_.data(), size, 0);
-    if (sent > 0) {
-      unsent_.erase(0, static_cast<size_t>(sent));
-    } else {
-      blocked_ = true;  // or over
+    if (sent <= 0) {
       if (WSAGetLastError() != WSAEWOULDBLOCK) FailLater(WSAGetLastError());
+      return;
     }
+    unsent_.erase(0, static_cast<size_t>(sent));
   }
 }
 
 void WinTcpStream::CloseSocket() {
   if (socket_ != INVALID_SOCKET) closesocket(std::exchange(socket_, INVALID_SOCKET));
-  message_ = After(message_);
-  peer_closed_ = false;
-  late_error_ = 0;
-  blocked_ = false;
+  sources_.Remove(*this);
+  state_ = State::kClosed;
 }
 
 void WinTcpStream::Fail(int system_error) {

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "desktop/ByteStream.h"
-#include "desktop/windows/MessageWindow.h"
+#include "desktop/windows/EventSources.h"
 
 namespace vesko {
 
@@ -36,12 +36,13 @@ struct WinAddress {
   const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
 };
 
-/// A plain TCP connection, reusable. A message of the pump costs one read into one buffer, which is
-/// what a check of many small replies lives on. Must not be destroyed from within a listener call.
-class WinTcpStream final : public ByteStream {
+/// A plain TCP connection, reusable. It reads first and waits only for what is not there yet, which
+/// is what a check of many small replies lives on. Must not be destroyed from within a listener
+/// call.
+class WinTcpStream final : public ByteStream, private EventSources::Source {
  public:
-  WinTcpStream();
-  ~WinTcpStream() override { Close(); }
+  explicit WinTcpStream(EventSources& sources);
+  ~WinTcpStream() override;
   WinTcpStream(const WinTcpStream&) = delete;
   WinTcpStream& operator=(const WinTcpStream&) = delete;
 
@@ -55,32 +56,32 @@ class WinTcpStream final : public ByteStream {
 
   void Send(std::string_view bytes) override;
 
-  /// The connection fails with a system error as soon as the pump runs.
+  /// The connection fails with a system error as soon as the sources are asked.
   void FailLater(int system_error);
 
  private:
+  enum class State { kClosed, kConnecting, kConnected, kFailing, kPeerClosed };
+
+  bool Deliver() override;
   void TryNextAddress();
   bool StartConnecting(const WinAddress& address);
   bool ConnectFailed(int error);
-  void Event(UINT message, int event, int error);
-  void FinishConnecting(int error);
-  void Readable();
-  void PeerClosing(int error);
+  bool FinishConnecting();
+  bool Receive();
   void Flush();
   void CloseSocket();
   void Fail(int system_error);
 
-  MessageWindow window_;
+  EventSources& sources_;
+  const HANDLE event_;             // set by the system for the socket, or by FailLater
   std::unique_ptr<char[]> piece_;  // what one read takes
   ByteStreamListener* listener_ = nullptr;
   SOCKET socket_ = INVALID_SOCKET;
-  UINT message_;                       // of this socket; an earlier one's may still be in the queue
-  bool peer_closed_ = false;           // reported
-  bool blocked_ = false;               // the system takes nothing more for now
+  State state_ = State::kClosed;
   std::vector<WinAddress> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
-  int late_error_ = 0;  // waits for the message pump to be reported
+  int late_error_ = 0;  // in state kFailing
   std::string unsent_;
 };
 

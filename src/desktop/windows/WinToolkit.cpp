@@ -77,13 +77,19 @@ class VisualStyles {
 
 class WinPump final : public Pump {
  public:
-  explicit WinPump(WinWindows& windows) : windows_(windows) {}
+  explicit WinPump(WinWindows& windows) : windows_(windows), sources_(windows.sources) {}
 
   void RunPending(milliseconds longest_wait) override {
     windows_.context.mirror.SynchroniseIfDue();
-    if (Deliver() || longest_wait <= milliseconds::zero()) return;
-    Sleep(longest_wait);
-    Deliver();
+    if (longest_wait <= milliseconds::zero()) {
+      sources_.Deliver();
+      DeliverMessages();
+      return;
+    }
+    if (MessagesDue() && DeliverMessages()) return;
+    const milliseconds alone = std::min(longest_wait, kSourcesAlone);
+    if (sources_.Deliver() || sources_.DeliverWithin(static_cast<DWORD>(alone.count()))) return;
+    if (!Sleep(longest_wait - alone)) DeliverMessages();
   }
 
   /// Whether the host's loop was told to end while one of ours ran, and with what.
@@ -95,16 +101,26 @@ class WinPump final : public Pump {
   }
 
  private:
+  using Clock = Mirror::Clock;
+
   // So many messages at a time that a flood of them does not keep the caller waiting.
   static constexpr int kAtOnce = 64;
+  // While the sources have something all the time, messages wait so long, which nobody feels. To
+  // look for messages with each reply of a server would cost more than the reply.
+  static constexpr milliseconds kBetweenMessages{10};
+  // So long nothing but the sources is waited for: most replies are there by then.
+  static constexpr milliseconds kSourcesAlone{5};
 
-  bool Deliver() {
+  bool MessagesDue() const { return Clock::now() >= messages_due_; }
+
+  bool DeliverMessages() {
     MSG message;
     int delivered = 0;
     while (delivered < kAtOnce && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
       Dispatch(message);
       ++delivered;
     }
+    messages_due_ = Clock::now() + kBetweenMessages;
     return delivered > 0;
   }
 
@@ -132,19 +148,22 @@ class WinPump final : public Pump {
     }
   }
 
-  void Sleep(milliseconds longest_wait) {
-    const Mirror& mirror = windows_.context.mirror;
+  /// Whether a source ended it and delivered.
+  bool Sleep(milliseconds longest_wait) {
+    Mirror& mirror = windows_.context.mirror;
     milliseconds wait = std::min(longest_wait, kUntilSomethingHappens);
     if (mirror.HasChanges()) {
-      const auto due = std::chrono::ceil<milliseconds>(mirror.Due() - Mirror::Clock::now());
+      const auto due = std::chrono::ceil<milliseconds>(mirror.Due() - Clock::now());
       wait = std::clamp(due, milliseconds::zero(), wait);
     }
-    MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(wait.count()), QS_ALLINPUT,
-                                MWMO_INPUTAVAILABLE);
-    windows_.context.mirror.SynchroniseIfDue();
+    const bool delivered = sources_.DeliverUnlessMessage(static_cast<DWORD>(wait.count()));
+    mirror.SynchroniseIfDue();
+    return delivered;
   }
 
   WinWindows& windows_;
+  EventSources& sources_;
+  Clock::time_point messages_due_{};
   bool quit_ = false;
   int quit_code_ = 0;
 };
@@ -159,7 +178,8 @@ std::wstring FilterList(const Text& filter) {
 
 class WinToolkit final : public Toolkit {
  public:
-  WinToolkit() : styles_(OwnModule()), pump_(windows_) {
+  explicit WinToolkit(EventSources& sources)
+      : styles_(OwnModule()), windows_{sources}, pump_(windows_) {
     windows_.context.instance = OwnModule();
     windows_.context.dots_per_inch = ScreenDotsPerInch();
     const VisualStyles::Use use(styles_);
@@ -275,6 +295,8 @@ class WinToolkit final : public Toolkit {
 
 }  // namespace
 
-std::unique_ptr<Toolkit> MakeWinToolkit() { return std::make_unique<WinToolkit>(); }
+std::unique_ptr<Toolkit> MakeWinToolkit(EventSources& sources) {
+  return std::make_unique<WinToolkit>(sources);
+}
 
 }  // namespace vesko

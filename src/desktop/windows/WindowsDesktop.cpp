@@ -61,17 +61,18 @@ class WindowsDesktop final : public Desktop {
         locale_(MakeWinLocale(ChooseCodePage(*registry_))),
         sound_(MakeWinSound(*locale_)),
         shell_(MakeWinShell()),
-        toolkit_(MakeWinToolkit()) {}
+        toolkit_(MakeWinToolkit(sources_)) {}
 
   const Locale& GetLocale() override { return *locale_; }
   Registry& GetRegistry() override { return *registry_; }
-  std::unique_ptr<Socket> NewSocket() override { return MakeWinSocket(*locale_); }
+  std::unique_ptr<Socket> NewSocket() override { return MakeWinSocket(*locale_, sources_); }
   Sound& GetSound() override { return *sound_; }
   Shell& GetShell() override { return *shell_; }
   const Clock& GetClock() override { return clock_; }
   Toolkit& GetToolkit() override { return *toolkit_; }
 
  private:
+  EventSources sources_;
   std::unique_ptr<Registry> registry_;
   std::unique_ptr<Locale> locale_;
   std::unique_ptr<Sound> sound_;
