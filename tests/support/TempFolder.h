@@ -8,7 +8,7 @@
 
 namespace vesko {
 
-/// A new, empty folder of one test, removed with all that is in it.
+/// A new, empty folder of one test, its owner's alone, removed with all that is in it.
 class TempFolder {
  public:
   TempFolder() {
@@ -17,6 +17,7 @@ class TempFolder {
       path_ =
           (std::filesystem::temp_directory_path() / "vesko-").string() + std::to_string(random());
     } while (!std::filesystem::create_directory(path_));
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
   }
   ~TempFolder() {
     std::error_code ignored;
