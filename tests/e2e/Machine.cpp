@@ -18,16 +18,16 @@ std::unique_ptr<Desktop> MakeDesktop(const TempFolder& folder) {
 }
 
 Variant Record(const TestAccount& account, const Locale& locale) {
-  return Join({account.user, account.server, account.user, Encrypt(account.password, locale),
+  return Join({account.user, u"127.0.0.1", account.user, Encrypt(account.password, locale),
                Decimal(account.port), u"1", u""},
               kCrLf);
 }
 
 }  // namespace
 
-Machine::Session::Session(const TempFolder& folder) : desktop_(MakeDesktop(folder)) {}
+Machine::Session Machine::NewSession() const { return {MakeDesktop(folder_)}; }
 
-void Machine::SetUp(const std::vector<TestAccount>& accounts, int32_t wait_time) {
+void Machine::SetUp(const std::vector<TestAccount>& accounts) {
   auto desktop = MakeDesktop(folder_);
   mRegistry store(desktop->GetRegistry(), desktop->GetLocale(), desktop->GetShell());
   Configuration configuration;
@@ -37,7 +37,6 @@ void Machine::SetUp(const std::vector<TestAccount>& accounts, int32_t wait_time)
     Variant record = Record(account, desktop->GetLocale());
     configuration.Accounts.Add(record);
   }
-  configuration.WaitTime = wait_time;
   configuration.SoundFile.clear();
   store.Save(configuration);
 }

@@ -16,29 +16,22 @@ struct TestAccount {
   Text user;
   Text password;
   int32_t port = 0;
-  Text server = u"127.0.0.1";
 };
 
 /// A user's machine with the real Linux desktop; its hives are in a folder of their own.
 class Machine {
  public:
   /// One life of the component, from its creation to its end.
-  class Session {
-   public:
-    explicit Session(const TempFolder& folder);
-
-   private:
-    std::unique_ptr<Desktop> desktop_;
-
-   public:
-    ComponentState state{*desktop_};
+  struct Session {
+    std::unique_ptr<Desktop> desktop;
+    ComponentState state{*desktop};
     cVeskoEx component{state};
   };
 
-  Session NewSession() const { return Session(folder_); }
+  Session NewSession() const;
 
-  /// Stores these accounts and the wait time, and the defaults for all else.
-  void SetUp(const std::vector<TestAccount>& accounts, int32_t wait_time = 20);
+  /// Stores these accounts of 127.0.0.1, and the defaults for all else.
+  void SetUp(const std::vector<TestAccount>& accounts);
 
   /// Whether the bytes stand in any file of the hives.
   bool HivesHold(const std::string& bytes) const;
