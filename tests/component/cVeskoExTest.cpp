@@ -35,13 +35,6 @@ class cVeskoExTest : public testing::Test {
     };
   }
 
-  void ExpectNoNewMail() {
-    const std::vector<ScriptedToolkit::Message> expected = {
-        {u"You have no mail not read.", u"", MessageIcon::kInformation}};
-    EXPECT_EQ(machine.toolkit.messages, expected);
-    EXPECT_TRUE(machine.sound.played.empty());
-  }
-
   FakeDesktop machine;
   ComponentState state{machine};
   std::unique_ptr<cVeskoEx> object;
@@ -89,7 +82,10 @@ TEST_F(cVeskoExTest, NewMailIsHeardAndShown) {
   machine.socket.conversations = {OneMessage(u"a@mail.example")};
   machine.sound.played.clear();
   Object().CheckMail();  // the message is known and read
-  ExpectNoNewMail();
+  const ScriptedToolkit::Message expected{u"You have no mail not read.", u"",
+                                          MessageIcon::kInformation};
+  EXPECT_EQ(machine.toolkit.messages, std::vector{expected});
+  EXPECT_TRUE(machine.sound.played.empty());
 }
 
 TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
@@ -121,7 +117,7 @@ TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
   machine.toolkit.On("fConfig", [&](Form& form) {
     EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kAccountsPage);
     EXPECT_TRUE(Object().IsBusy());
-    state.mails.Add(std::make_shared<cMessage>(*machine.locale), u"user");
+    state.mails.Add(std::make_shared<cMessage>(*machine.locale), u"ann");
     state.configuration.DownLines = 7;
     object.reset();
     EXPECT_FALSE(form.IsLoaded());

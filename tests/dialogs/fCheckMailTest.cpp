@@ -25,7 +25,7 @@ class fCheckMailTest : public testing::Test {
 TEST_F(fCheckMailTest, ShowsWhatHappensAndClosesItself) {
   machine.AddAccount(machine.Record(u"one"));
   machine.AddAccount(machine.Record(u"two"));
-  machine.socket.conversations = {OneMessage(u"a@mail.example"), EmptyMailbox()};
+  machine.socket.conversations = {OneMessage(u"a@mail.example"), Mailbox({})};
   std::vector<Text> commands;
   std::set<Text> with_next;
   machine.pump.on_turn = [&](int) {
@@ -44,11 +44,10 @@ TEST_F(fCheckMailTest, ShowsWhatHappensAndClosesItself) {
 
 TEST_F(fCheckMailTest, AsksWhetherToTryAgain) {
   machine.AddAccount(machine.Record(u"one"));
-  const Script refused = Server(u"+OK\r\n") + Client(u"USER user") + Server(u"+OK\r\n") +
-                         Client(u"PASS secret") + Server(u"-ERR no\r\n");
+  const Script refused = Server(u"+OK\r\n") + Client(u"USER ann") + Server(u"-ERR no\r\n");
   machine.socket.conversations = {refused, refused, refused};
   const Text question =
-      u"Checking mail is failed on 'one.example'.\r\nLast command was 'PASS ******'.\r\n"
+      u"Checking mail is failed on 'one.example'.\r\nLast command was 'USER ann'.\r\n"
       u"Try again ? \r\n";
   machine.toolkit.Answer(u"&Yes", question);
   machine.toolkit.Answer(u"", question);  // closing the box tries again
@@ -60,10 +59,10 @@ TEST_F(fCheckMailTest, CancelAndClosingEndTheRun) {
   machine.AddAccount(machine.Record(u"one"));
   machine.AddAccount(machine.Record(u"two"));
   for (const bool by_frame : {false, true}) {
-    const Script greeted = Server(u"+OK\r\n") + Client(u"USER user");
+    const Script greeted = Server(u"+OK\r\n") + Client(u"USER ann");
     machine.socket.conversations = {by_frame ? greeted : greeted + Client(u"QUIT")};
     machine.pump.on_turn = [&](int) {
-      if (machine.socket.sent.empty() || machine.socket.sent.back() != "USER user") return;
+      if (machine.socket.sent.empty() || machine.socket.sent.back() != "USER ann") return;
       machine.socket.sent.clear();
       machine.socket.conversations.clear();
       by_frame ? window.Close() : Press(window, "cmdCancel");

@@ -13,31 +13,7 @@ const Locale& SharedLocale() {
   return *locale;
 }
 
-Text Ok(const Text& rest = {}) { return u"+OK" + rest + u"\r\n"; }
-
 }  // namespace
-
-Script Login() {
-  return Server(Ok(u" ready")) + Client(u"USER ann") + Server(Ok()) + Client(u"PASS secret") +
-         Server(Ok());
-}
-
-Script Stat(const Text& reply) { return Client(u"STAT") + Server(Ok(u" " + reply)); }
-
-Script Top(int number, const Text& content) {
-  return Client(u"TOP " + Decimal(number) + u" 5") + Server(Ok() + content + u".\r\n");
-}
-
-Script Dele(int number) { return Client(u"DELE " + Decimal(number)) + Server(Ok()); }
-
-Script Quit() { return Client(u"QUIT") + Server(Ok(u" bye")); }
-
-Script Mailbox(const std::vector<Text>& contents) {
-  Script script = Login() + Stat(Decimal(static_cast<int64_t>(contents.size())) + u" 999");
-  int number = 0;
-  for (const Text& content : contents) script = script + Top(++number, content);
-  return script + Quit();
-}
 
 Text Mail(const Text& name) {
   return u"From: a@example.org\r\nSubject: " + name + u"\r\nMessage-ID: <" + name +

@@ -16,16 +16,6 @@
 
 namespace vesko {
 
-/// Pieces of a conversation with the rig's account.
-Script Login();
-Script Stat(const Text& reply);  // behind "+OK "
-Script Top(int number, const Text& content);
-Script Dele(int number);
-Script Quit();
-
-/// The whole check of a mailbox that holds these contents, numbered from 1.
-Script Mailbox(const std::vector<Text>& contents);
-
 /// What TOP gives of a message: its subject is `name`, its identifier too.
 Text Mail(const Text& name);
 

@@ -65,7 +65,6 @@ std::vector<Conversation> Conversations() {
       {"TOP refused is waited out", {second + Server(kNo)}, {Asked("TOP 2 5")}, {"a#1"}},
       {"QUIT refused", {Fetched(u"0 0") + Client(u"QUIT") + Server(kNo)}, {kNoBox}},
       {"QUIT not answered", {Fetched(u"0 0") + Client(u"QUIT")}},
-      {"closed after QUIT", {Fetched(u"0 0") + Client(u"QUIT") + PeerCloses()}},
       {"closed within a message",
        {second + Server(u"+OK\r\nSubject: b") + PeerCloses()},
        {Asked("TOP 2 5")},

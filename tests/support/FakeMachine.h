@@ -31,7 +31,7 @@ struct FakeMachine {
 
   Text Record(const Text& name, const Text& password = u"secret", const Text& port = u"110",
               const Text& save = u"1") const {
-    return Join({name, name + u".example", u"user", Encrypt(password, *locale), port, save, u""},
+    return Join({name, name + u".example", u"ann", Encrypt(password, *locale), port, save, u""},
                 kCrLf);
   }
   void AddAccount(const Text& record) {
@@ -56,7 +56,7 @@ struct FakeMachine {
     message->MessageID = u"<" + Decimal(static_cast<int64_t>(mails.Count())) + u"@mail.example>";
     message->MessageBody = u"body from " + from;
     message->SetIndex(static_cast<int32_t>(mails.Count() + 1));
-    mails.Add(message, u"user");
+    mails.Add(message, u"ann");
     return *message;
   }
 
@@ -73,20 +73,10 @@ struct FakeMachine {
   Text font_name;
 };
 
-/// A login of the account that FakeMachine::Record makes.
-inline Script Login() {
-  return Server(u"+OK\r\n") + Client(u"USER user") + Server(u"+OK\r\n") + Client(u"PASS secret") +
-         Server(u"+OK\r\n") + Client(u"STAT");
-}
-inline Script Quit() { return Client(u"QUIT") + Server(u"+OK\r\n"); }
-inline Script EmptyMailbox() { return Login() + Server(u"+OK 0 0\r\n") + Quit(); }
-
 /// A mailbox of one message with this sender, checked with the default settings.
 inline Script OneMessage(const Text& from) {
-  return Login() + Server(u"+OK 1 100\r\n") + Client(u"TOP 1 20") +
-         Server(u"+OK\r\nFrom: " + from +
-                u"\r\nMessage-ID: <new@mail.example>\r\n\r\nHi\r\n.\r\n") +
-         Quit();
+  const Text content = u"From: " + from + u"\r\nMessage-ID: <new@mail.example>\r\n\r\nHi\r\n";
+  return Login() + Stat(u"1 100") + Top(1, content, 20) + Quit();
 }
 
 }  // namespace vesko

@@ -7,6 +7,11 @@
 #include "base/RunTimeError.h"
 
 namespace vesko {
+namespace {
+
+Text Ok(const Text& rest = {}) { return u"+OK" + rest + u"\r\n"; }
+
+}  // namespace
 
 Script operator+(Script first, const Script& then) {
   first.steps.insert(first.steps.end(), then.steps.begin(), then.steps.end());
@@ -20,6 +25,29 @@ Script Fails(int32_t number, Text description) {
   return {{{Step::Kind::kFails, std::move(description), number}}};
 }
 Script After(double seconds) { return {{{Step::Kind::kAfter, {}, 0, seconds}}}; }
+
+Script Login() {
+  return Server(Ok(u" ready")) + Client(u"USER ann") + Server(Ok()) + Client(u"PASS secret") +
+         Server(Ok());
+}
+
+Script Stat(const Text& reply) { return Client(u"STAT") + Server(Ok(u" " + reply)); }
+
+Script Top(int number, const Text& content, int lines) {
+  return Client(u"TOP " + Decimal(number) + u" " + Decimal(lines)) +
+         Server(Ok() + content + u".\r\n");
+}
+
+Script Dele(int number) { return Client(u"DELE " + Decimal(number)) + Server(Ok()); }
+
+Script Quit() { return Client(u"QUIT") + Server(Ok(u" bye")); }
+
+Script Mailbox(const std::vector<Text>& contents) {
+  Script script = Login() + Stat(Decimal(static_cast<int64_t>(contents.size())) + u" 999");
+  int number = 0;
+  for (const Text& content : contents) script = script + Top(++number, content);
+  return script + Quit();
+}
 
 std::string Narrow(TextView text) {
   std::string bytes;

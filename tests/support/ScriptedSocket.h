@@ -38,6 +38,15 @@ Script Fails(int32_t number, Text description);
 /// What follows comes this much later.
 Script After(double seconds);
 
+/// What a server says that has an account "ann" with the password "secret".
+Script Login();
+Script Stat(const Text& reply);  // behind "+OK "
+Script Top(int number, const Text& content, int lines = 5);
+Script Dele(int number);
+Script Quit();
+/// The whole check of a mailbox that holds these contents, numbered from 1.
+Script Mailbox(const std::vector<Text>& contents);
+
 /// A socket whose servers speak by the book. Events come from DeliverNext only, one at a time.
 class ScriptedSocket : public Socket {
  public:
