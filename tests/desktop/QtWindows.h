@@ -20,8 +20,7 @@ namespace vesko {
 /// A window of whatever controls a test needs, in a column.
 class AnyForm : public Form {
  public:
-  explicit AnyForm(Toolkit& toolkit) : Form("AnyForm", toolkit) {}
-  AnyForm(Toolkit& toolkit, std::initializer_list<Control*> controls) : AnyForm(toolkit) {
+  AnyForm(Toolkit& toolkit, std::initializer_list<Control*> controls) : Form("AnyForm", toolkit) {
     std::vector<Layout> items;
     for (Control* control : controls) {
       Add(*control);
@@ -34,7 +33,6 @@ class AnyForm : public Form {
   using Form::Add;
   using Form::SetCancelButton;
   using Form::SetDefaultButton;
-  using Form::SetLayout;
   using Form::SetResizable;
 
   std::function<void()> on_activate;

@@ -65,7 +65,6 @@ TEST_F(SocketTest, ReportsWhyThereIsNoConnection) {
       {u"127.0.0.1", DeadPort(), kSocketConnectionRefused},
       {u"localhost", DeadPort(), kSocketConnectionRefused},
       {u"127.0.0.1", 0, kSocketAddressNotAvailable},
-      {u"127.0.0.1", -1, kSocketAddressNotAvailable},
       {u"127.0.0.1", 65536, kSocketAddressNotAvailable},
       {u"255.255.255.255", 110, kSocketNetworkUnreachable},
   };

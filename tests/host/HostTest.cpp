@@ -66,21 +66,13 @@ QString Status() {
 }
 
 TEST(Scheduler, WaitsTheMinutesInStepsThatATimerHolds) {
-  struct {
-    int minutes;
-    milliseconds remaining;
-  } const rows[] = {{-1, milliseconds(-1)},
-                    {0, milliseconds(-1)},
-                    {1, std::chrono::minutes(1)},
-                    {100'000, std::chrono::minutes(100'000)},
-                    {INT_MAX, std::chrono::minutes(INT_MAX)}};
-  for (const auto& row : rows) {
-    Scheduler scheduler([] {});
-    scheduler.Start(row.minutes);
-    const auto missing = row.remaining - scheduler.Remaining();
-    EXPECT_GT(missing, milliseconds(-1000)) << row.minutes;  // a coarse timer rounds
-    EXPECT_LT(missing, milliseconds(5000)) << row.minutes;
-    scheduler.Start(0);
+  Scheduler scheduler([] {});
+  for (const int minutes : {1, 100'000, INT_MAX}) {
+    scheduler.Start(minutes);
+    const auto missing = std::chrono::minutes(minutes) - scheduler.Remaining();
+    EXPECT_GT(missing, milliseconds(-1000)) << minutes;  // a coarse timer rounds
+    EXPECT_LT(missing, milliseconds(5000)) << minutes;
+    scheduler.Start(minutes % 2 - 1);  // 0 and -1: no more checks
     EXPECT_LT(scheduler.Remaining(), milliseconds(0));
   }
 }
@@ -122,26 +114,24 @@ TEST(TrayHost, LeavesABusyComponentAloneAndKnowsItsWords) {
 }
 
 TEST(TrayHost, ShowsWhatTheListWindowSaysIsNew) {
-  struct {
-    const char* caption;
-    const char* status;
-  } const rows[] = {{"5 MAILS (3 NEW MAILS, 1 SPAM MAILS)", "You have new mail."},
-                    {"Checking mail box of '(9 NEW MAILS' ...", "You have new mail."},
-                    {"5 MAILS (0 NEW MAILS, 1 SPAM MAILS)", "No new mail."},
-                    {"New Messages", "No new mail."}};
+  const std::pair<const char*, const char*> rows[] = {
+      {"5 MAILS (3 NEW MAILS, 1 SPAM MAILS)", "You have new mail."},
+      {"Checking mail box of '(9 NEW MAILS' ...", "You have new mail."},
+      {"5 MAILS (0 NEW MAILS, 1 SPAM MAILS)", "No new mail."},
+      {"New Messages", "No new mail."}};
   NotingComponent component;
   TrayHost host(component);
   host.Show();
   EXPECT_EQ(Status(), "No new mail.");
-  for (const auto& row : rows) {
-    component.during = [&] {
+  for (const auto& [caption, status] : rows) {
+    component.during = [&, caption = caption] {
       QWidget list;
-      list.setWindowTitle(row.caption);
+      list.setWindowTitle(caption);
       list.show();
     };
     host.Run("check");
     QCoreApplication::processEvents();
-    EXPECT_EQ(Status(), row.status) << row.caption;
+    EXPECT_EQ(Status(), status) << caption;
   }
 }
 
@@ -189,13 +179,9 @@ TEST(SingleInstance, HandsTheCommandToTheFirst) {
 
 TEST(Autostart, WritesAndRemovesTheEntry) {
   QStandardPaths::setTestModeEnabled(true);
-  for (int round = 0; round < 2; ++round) {
-    EXPECT_TRUE(SetAutostart(true));
-    EXPECT_TRUE(SetAutostart(true));
-    EXPECT_TRUE(AutostartIsOn());
-    EXPECT_TRUE(SetAutostart(false));
-    EXPECT_TRUE(SetAutostart(false));
-    EXPECT_FALSE(AutostartIsOn());
+  for (const bool on : {true, true, false, false, true, false}) {
+    EXPECT_TRUE(SetAutostart(on));
+    EXPECT_EQ(AutostartIsOn(), on);
   }
   QStandardPaths::setTestModeEnabled(false);
 }

@@ -84,9 +84,7 @@ ScriptedToolkit::~ScriptedToolkit() {
 
 void ScriptedToolkit::Answer(const Text& caption, const Text& expected) {
   On("QuestionBox", [caption, expected](Form& form) {
-    if (!expected.empty()) {
-      EXPECT_EQ(Find<Label>(form, "lblMessage").Caption(), expected);
-    }
+    EXPECT_EQ(Find<Label>(form, "lblMessage").Caption(), expected);
     for (Control* control : form.Controls()) {
       auto* button = dynamic_cast<CommandButton*>(control);
       if (button && !caption.empty() && button->Caption() == caption) return button->Click();

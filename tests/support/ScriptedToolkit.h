@@ -38,8 +38,8 @@ class ScriptedToolkit : public Toolkit {
   void On(const std::string& form, Driver driver) { drivers_[form].push_back(std::move(driver)); }
 
   /// The user presses the button of this caption in the next question box, or closes the box when
-  /// the caption is empty. Where `expected` is given, the box must ask just that.
-  void Answer(const Text& caption, const Text& expected = {});
+  /// the caption is empty. The box must ask just what is expected.
+  void Answer(const Text& caption, const Text& expected);
 
   /// The user types into the next input box and presses OK.
   void Input(const Text& text);

@@ -9,16 +9,12 @@ namespace {
 
 TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
   int events = 0;
-  const auto count = [&] { ++events; };
   CommandButton button("cmd");
-  button.on_click = count;
   CheckBox check("chk");
-  check.on_click = count;
   TextBox box("txt");
-  box.on_change = count;
   ListBox list("lst");
+  button.on_click = check.on_click = box.on_change = list.on_click = [&] { ++events; };
   list.AddItem(u"a");
-  list.on_click = count;
   for (Control* control : std::initializer_list<Control*>{&button, &check, &box, &list}) {
     control->SetEnabled(false);
   }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "base/RunTimeError.h"
 #include "support/ScriptedToolkit.h"
 #include "ui/Form.h"
@@ -65,14 +63,6 @@ TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
   form.on_activate = [&] { form.Unload(); };
   form.ShowModal();
   EXPECT_EQ(toolkit.shown, Calls{"Life"});
-  EXPECT_EQ(toolkit.calls.back(), "destroy Life");
-}
-
-TEST(FormTest, MayBeDestroyedWhileItIsShown) {
-  ScriptedToolkit toolkit;
-  auto form = std::make_unique<LifeForm>(toolkit);
-  toolkit.On("Life", [&](Form&) { form.reset(); });
-  form->ShowModal();
   EXPECT_EQ(toolkit.calls.back(), "destroy Life");
 }
 
