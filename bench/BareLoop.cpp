@@ -1,10 +1,14 @@
 #include "BareLoop.h"
 
+#ifdef _WIN32
+#include <winsock2.h>
+#else
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#endif
 
 #include <cstdlib>
 #include <stdexcept>
@@ -15,6 +19,30 @@
 namespace vesko {
 namespace {
 
+#ifdef _WIN32
+
+using Size = int;
+constexpr int kNoSignal = 0;
+
+SOCKET NewSocket() {
+  WSADATA data;
+  WSAStartup(MAKEWORD(2, 2), &data);
+  return ::socket(AF_INET, SOCK_STREAM, 0);
+}
+
+void CloseSocket(SOCKET socket) { ::closesocket(socket); }
+
+#else
+
+using Size = size_t;
+constexpr int kNoSignal = MSG_NOSIGNAL;
+
+int NewSocket() { return ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0); }
+
+void CloseSocket(int socket) { ::close(socket); }
+
+#endif
+
 class Connection {
  public:
   explicit Connection(uint16_t port) {
@@ -22,19 +50,19 @@ class Connection {
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    if (::connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
       throw std::runtime_error("no connection");
     }
     int on = 1;
-    ::setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    ::setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
   }
-  ~Connection() { ::close(fd_); }
+  ~Connection() { CloseSocket(socket_); }
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
   std::string_view Ask(std::string command, std::string_view end) {
     command.append("\r\n");
-    ::send(fd_, command.data(), command.size(), MSG_NOSIGNAL);
+    ::send(socket_, command.data(), static_cast<Size>(command.size()), kNoSignal);
     return Receive(end);
   }
 
@@ -42,7 +70,8 @@ class Connection {
     size_t size = 0;
     for (;;) {
       if (size == buffer_.size()) buffer_.resize(2 * size);
-      ssize_t piece = ::recv(fd_, buffer_.data() + size, buffer_.size() - size, 0);
+      const auto piece =
+          ::recv(socket_, buffer_.data() + size, static_cast<Size>(buffer_.size() - size), 0);
       if (piece <= 0) throw std::runtime_error("the server closed the connection");
       size += static_cast<size_t>(piece);
       const std::string_view reply(buffer_.data(), size);
@@ -51,7 +80,7 @@ class Connection {
   }
 
  private:
-  int fd_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  decltype(NewSocket()) socket_ = NewSocket();
   std::vector<char> buffer_ = std::vector<char>(65536);
 };
 
