@@ -57,9 +57,11 @@ class SocketTest : public testing::Test {
     };
   }
 
+  static constexpr std::chrono::seconds kPatience{60};
+
   template <typename Condition>
   bool RunUntil(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!condition()) {
       if (std::chrono::steady_clock::now() > end) return false;
       TurnEventLoop(std::chrono::milliseconds(20));

@@ -7,10 +7,8 @@ if(WIN32)
   target_include_directories(certificate_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(certificate_test PRIVATE vesko_windows_socket vesko_test_locale
                                                  vesko_options GTest::gtest_main)
-  add_test(NAME windows.certificate_test
-           COMMAND ${PROJECT_SOURCE_DIR}/tests/windows/tls-test.sh ${PROJECT_BINARY_DIR}/wine-units
-                   $<TARGET_FILE:certificate_test>)
-  set_tests_properties(windows.certificate_test PROPERTIES FIXTURES_REQUIRED wine TIMEOUT 120)
+  vesko_add_wine_test(certificate_test 1252 en_GB ${PROJECT_SOURCE_DIR}/tests/windows/tls-test.sh
+                      $<TARGET_FILE:certificate_test>)
 else()
   find_package(OpenSSL REQUIRED)
   find_package(Qt6 6.4 REQUIRED COMPONENTS Core Network)

@@ -1,20 +1,19 @@
 #!/usr/bin/env bash
-# Runs a test program under Wine, which takes language and code page from $VESKO_LANGUAGE. Before
-# the first and behind the last, "start" and "end" in a program's place.
-# usage: run-test.sh <prefix> <program>|start|end
+# Runs a test program under Wine in the prefix $VESKO_PREFIX. Wine takes language and code page from
+# $VESKO_LANGUAGE. Before the first and behind the last, "start" and "end" in a program's place.
+# usage: run-test.sh <program>|start|end
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 source "$root/scripts/windows/wine.sh"
 unset DISPLAY WAYLAND_DISPLAY
-use_prefix "$1"
-case $2 in
+# This system need not have the language, and says so.
+export LC_ALL="$VESKO_LANGUAGE.UTF-8" 2>/dev/null
+use_prefix "$VESKO_PREFIX"
+case $1 in
   start)
     leave_prefix
     start_wine
     ;;
   end) leave_prefix ;;
-  *)
-    # Not for the shell, for this system need not have the language.
-    exec env LC_ALL="$VESKO_LANGUAGE.UTF-8" "$wine" "$2" --gtest_brief
-    ;;
+  *) exec "$wine" "$1" --gtest_brief ;;
 esac

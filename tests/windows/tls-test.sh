@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Lets a Windows program under Wine go through the cases of TLS with a server of this system.
-# usage: tls-test.sh <prefix> <program>
+# usage: tls-test.sh <program>
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
@@ -12,6 +12,6 @@ fi
 coproc SERVER { exec timeout 100 "$server"; }
 server_pid=$SERVER_PID
 read -r VESKO_TLS_PORT VESKO_TLS_AUTHORITIES <&"${SERVER[0]}"
-export VESKO_TLS_PORT VESKO_TLS_AUTHORITIES VESKO_LANGUAGE=en_GB
+export VESKO_TLS_PORT VESKO_TLS_AUTHORITIES
 "$here/run-test.sh" "$@"
 wait "$server_pid"
