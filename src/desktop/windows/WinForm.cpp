@@ -274,17 +274,10 @@ class WinFormWindow final : public WinForm, private Mirrored {
         form_.Close();
         return 0;
       case WM_COMMAND:
-        if (WinControlPeer* peer = PeerOf(reinterpret_cast<HWND>(lparam))) {
-          peer->Command(HIWORD(wparam));
-        }
-        if (HIWORD(wparam) == BN_SETFOCUS || HIWORD(wparam) == BN_KILLFOCUS) MarkDefaultButton();
+        TellCommand(reinterpret_cast<HWND>(lparam), HIWORD(wparam));
         return 0;
-      case WM_NOTIFY: {
-        auto& header = *reinterpret_cast<NMHDR*>(lparam);
-        LRESULT result = 0;
-        if (WinControlPeer* peer = PeerOf(header.hwndFrom)) peer->Notify(header, result);
-        return result;
-      }
+      case WM_NOTIFY:
+        return TellNotification(*reinterpret_cast<NMHDR*>(lparam));
       case WM_SIZE:
       case WM_MOVE:
         TakeBounds();
@@ -310,6 +303,17 @@ class WinFormWindow final : public WinForm, private Mirrored {
         break;
     }
     return DefWindowProcW(window_, message, wparam, lparam);
+  }
+
+  void TellCommand(HWND control, WORD code) {
+    if (WinControlPeer* peer = PeerOf(control)) peer->Command(code);
+    if (code == BN_SETFOCUS || code == BN_KILLFOCUS) MarkDefaultButton();
+  }
+
+  LRESULT TellNotification(NMHDR& header) {
+    LRESULT result = 0;
+    if (WinControlPeer* peer = PeerOf(header.hwndFrom)) peer->Notify(header, result);
+    return result;
   }
 
   /// While the user moves the window or is in its menu the system pumps messages by itself, and a
