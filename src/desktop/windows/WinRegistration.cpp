@@ -6,23 +6,13 @@
 
 #include "VeskoEx/VeskoEx.h"
 #include "component/Registration.h"
+#include "desktop/windows/OwnModule.h"
 
 namespace vesko {
 namespace {
 
 constexpr DWORD kLongestPath = 32768;  // characters, NUL included
 constexpr const char* kPlatform = sizeof(void*) == 8 ? "win64" : "win32";
-
-// As the loader was asked for it: letters in any case, through links and short names.
-std::wstring LoadedPath() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCWSTR>(&LoadedPath), &module);
-  std::wstring path(kLongestPath, L'\0');
-  path.resize(GetModuleFileNameW(module, path.data(), kLongestPath));
-  return path;
-}
 
 std::wstring FinalPath(const std::wstring& path) {
   const HANDLE file =
@@ -69,7 +59,7 @@ std::string RegisteredPath() {
 
 }  // namespace
 
-std::wstring OwnPath() { return WithoutLongPrefix(FinalPath(LoadedPath())); }
+std::wstring OwnPath() { return WithoutLongPrefix(FinalPath(OwnModulePath())); }
 
 HRESULT RegisterOnWindows(Registry& registry, int32_t root) {
   const std::string path = RegisteredPath();

@@ -5,25 +5,19 @@
 #include <shellapi.h>
 
 #include "base/RunTimeError.h"
+#include "desktop/windows/OwnModule.h"
 
 namespace vesko {
 
 namespace {
 
 constexpr int32_t kFileNotFound = 53;
-constexpr size_t kLongestPath = 32768;  // characters, NUL included
 
 const wchar_t* Wide(const Text& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
-/// Full path of the file that holds this code: the DLL, or the program it is linked into.
 Text OwnFile() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCWSTR>(&OwnFile), &module);
-  Text path(kLongestPath, u'\0');
-  path.resize(GetModuleFileNameW(module, reinterpret_cast<wchar_t*>(path.data()), kLongestPath));
-  return path;
+  const std::wstring path = OwnModulePath();
+  return Text(path.begin(), path.end());
 }
 
 /// The system reads a path up to its first NUL, and would find another file.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "desktop/windows/OwnModule.h"
 #include "desktop/windows/WinForm.h"
 #include "desktop/windows/WinLayout.h"
 #include "desktop/windows/WinText.h"
@@ -22,14 +23,6 @@ constexpr milliseconds kUntilSomethingHappens = std::chrono::hours(1);
 constexpr size_t kLongestMessage = 4000;  // code units
 constexpr DWORD kLongestPath = 32768;     // characters, NUL included
 constexpr int kManifest = 2;              // resource of a library that names the common controls
-
-HINSTANCE OwnModule() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCWSTR>(&OwnModule), &module);
-  return module;
-}
 
 int ScreenDotsPerInch() {
   HDC screen = GetDC(nullptr);
