@@ -1,4 +1,6 @@
 #include <windows.h>
+// After windows.h, whose types it uses.
+#include <commctrl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -26,10 +28,8 @@ bool IsOfClass(HWND window, const wchar_t* name) {
 }
 
 bool IsHalfWay(HWND bar) {
-  constexpr UINT kGetRange = WM_USER + 7;     // PBM_GETRANGE
-  constexpr UINT kGetPosition = WM_USER + 8;  // PBM_GETPOS
-  const LRESULT maximum = SendMessageW(bar, kGetRange, FALSE, 0);
-  return maximum > 1 && SendMessageW(bar, kGetPosition, 0, 0) * 2 >= maximum;
+  const LRESULT maximum = SendMessageW(bar, PBM_GETRANGE, FALSE, 0);
+  return maximum > 1 && SendMessageW(bar, PBM_GETPOS, 0, 0) * 2 >= maximum;
 }
 
 struct Search {
@@ -62,22 +62,21 @@ HWND Await(Search search, ULONGLONG deadline) {
 
 HWND AwaitButton(const std::wstring& caption, ULONGLONG deadline) {
   const auto fits = [&](HWND child) {
-    return IsOfClass(child, L"Button") && IsWindowEnabled(child) && TextOf(child) == caption;
+    return IsOfClass(child, WC_BUTTONW) && IsWindowEnabled(child) && TextOf(child) == caption;
   };
   return Await({fits, nullptr}, deadline);
 }
 
 HWND AwaitHalfWay(ULONGLONG deadline) {
   const auto fits = [](HWND child) {
-    return IsOfClass(child, L"msctls_progress32") && IsHalfWay(child);
+    return IsOfClass(child, PROGRESS_CLASSW) && IsHalfWay(child);
   };
   return Await({fits, nullptr}, deadline);
 }
 
 BOOL CALLBACK TellRows(HWND child, LPARAM) {
-  constexpr UINT kGetItemCount = 0x1004;  // LVM_GETITEMCOUNT
-  if (!IsOfClass(child, L"SysListView32")) return TRUE;
-  std::printf("rows: %d\n", static_cast<int>(SendMessageW(child, kGetItemCount, 0, 0)));
+  if (!IsOfClass(child, WC_LISTVIEWW)) return TRUE;
+  std::printf("rows: %d\n", static_cast<int>(SendMessageW(child, LVM_GETITEMCOUNT, 0, 0)));
   return FALSE;
 }
 
