@@ -9,10 +9,8 @@
 #include <utility>
 
 #include "HostSystem.h"
-#include "desktop/linux/IcuLocale.h"
-#include "desktop/linux/LinuxFolders.h"
-#include "desktop/linux/LinuxShell.h"
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/linux/LinuxDesktop.h"
+#include "desktop/linux/registration/LinuxFolders.h"
 #include "support/PrivateMachine.h"
 #include "support/TempFolder.h"
 

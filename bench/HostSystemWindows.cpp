@@ -6,9 +6,7 @@
 #include <utility>
 
 #include "HostSystem.h"
-#include "desktop/windows/WinLocale.h"
-#include "desktop/windows/WinRegistry.h"
-#include "desktop/windows/WinShell.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 namespace vesko {
 namespace {

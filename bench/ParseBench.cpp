@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "message/cMessage.h"
 
 namespace vesko {

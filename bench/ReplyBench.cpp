@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "config/mmEncrypt.h"
-#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "pop3/CheckRun.h"
 
 namespace vesko {

@@ -12,9 +12,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "desktop/linux/IcuLocale.h"
-#include "desktop/linux/QtToolkit.h"
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "dialogs/fListMail.h"
 #include "support/FakeClock.h"
 #include "support/FakeShell.h"

@@ -1,4 +1,4 @@
 #pragma once
 
 // Hosts are built with the same types, so the header stands with the installed ones.
-#include "VeskoEx/Automation.h"  // IWYU pragma: export
+#include "VeskoEx/Automation.h"

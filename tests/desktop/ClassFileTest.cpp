@@ -5,7 +5,7 @@
 #include "VeskoEx/Host.h"
 #include "VeskoEx/VeskoEx.h"
 #include "component/Registration.h"
-#include "desktop/linux/LinuxRegistration.h"
+#include "desktop/linux/registration/LinuxRegistration.h"
 #include "support/MemoryRegistry.h"
 #include "support/TempFolder.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 namespace {

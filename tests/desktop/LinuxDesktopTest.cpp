@@ -3,9 +3,7 @@
 #include <thread>
 
 #include "VeskoEx/Automation.h"
-#include "desktop/linux/IcuLocale.h"
 #include "desktop/linux/LinuxDesktop.h"
-#include "desktop/linux/SqliteRegistry.h"
 #include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 

@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "desktop/linux/LinuxShell.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "desktop/QtWindows.h"
-#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 namespace {

@@ -18,7 +18,7 @@
 
 #include "base/RunTimeError.h"
 #include "desktop/QtWindows.h"
-#include "desktop/linux/QtToolkit.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 namespace {

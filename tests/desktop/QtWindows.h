@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/linux/QtToolkit.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
 

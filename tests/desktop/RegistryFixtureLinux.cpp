@@ -1,7 +1,7 @@
 #include <cstdlib>
 
 #include "desktop/RegistryFixture.h"
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "desktop/RegistryFixture.h"
-#include "desktop/windows/WinRegistry.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 namespace vesko {
 namespace {

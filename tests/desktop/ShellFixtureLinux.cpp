@@ -1,5 +1,5 @@
 #include "desktop/ShellFixture.h"
-#include "desktop/linux/LinuxShell.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 

@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "desktop/ShellFixture.h"
-#include "desktop/windows/WinShell.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 namespace vesko {
 

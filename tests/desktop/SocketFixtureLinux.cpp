@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "desktop/SocketFixture.h"
-#include "desktop/linux/QtSocket.h"
+#include "desktop/linux/LinuxDesktop.h"
 
 namespace vesko {
 

@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "desktop/SocketFixture.h"
-#include "desktop/windows/WinSocket.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 namespace vesko {
 namespace {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "desktop/linux/QtSound.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 

@@ -8,7 +8,7 @@
 #include <functional>
 #include <random>
 
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "support/TempFolder.h"
 
 namespace vesko {

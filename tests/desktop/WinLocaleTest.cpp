@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "desktop/windows/WinLocale.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 namespace vesko {
 namespace {

@@ -1,4 +1,4 @@
-#include "desktop/linux/IcuLocale.h"
+#include "desktop/linux/LinuxDesktop.h"
 #include "support/TestLocale.h"
 
 namespace vesko {

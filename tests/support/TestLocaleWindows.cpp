@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "desktop/windows/WinLocale.h"
+#include "desktop/windows/WindowsDesktop.h"
 #include "support/TestLocale.h"
 
 namespace vesko {

@@ -7,9 +7,7 @@
 #include "base/Text.h"
 #include "config/mRegistry.h"
 #include "config/mmEncrypt.h"
-#include "desktop/windows/WinLocale.h"
-#include "desktop/windows/WinRegistry.h"
-#include "desktop/windows/WinShell.h"
+#include "desktop/windows/WindowsDesktop.h"
 
 // Sets the user's accounts to those of the sample server on this machine. Under Wine it is told the
 // server's port, and the user is the private prefix's. Other accounts may be named instead of the

@@ -3,31 +3,17 @@
 #include <QApplication>
 #include <QThread>
 #include <charconv>
-#include <chrono>
 
 #include "VeskoEx/Host.h"
 #include "base/RunTimeError.h"
-#include "desktop/linux/DisplayProbe.h"
-#include "desktop/linux/IcuLocale.h"
-#include "desktop/linux/LinuxFolders.h"
-#include "desktop/linux/LinuxShell.h"
-#include "desktop/linux/QtSocket.h"
-#include "desktop/linux/QtSound.h"
-#include "desktop/linux/QtToolkit.h"
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/common/SteadyClock.h"
+#include "desktop/linux/registration/LinuxFolders.h"
+#include "desktop/linux/toolkit/DisplayProbe.h"
 
 namespace vesko {
 namespace {
 
 constexpr char kCodePageKey[] = "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage";
-
-class MonotonicClock : public Clock {
- public:
-  double Seconds() const override {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count();
-  }
-};
 
 /// The process's QApplication, which the first caller makes and nobody ends: Qt takes a second one
 /// in a process badly, and what a host still holds may need it to the last. For the same reason
@@ -108,7 +94,7 @@ class LinuxDesktop : public Desktop {
   std::unique_ptr<Sound> sound_;
   std::unique_ptr<Shell> shell_;
   std::unique_ptr<Toolkit> toolkit_;
-  MonotonicClock clock_;
+  SteadyClock clock_;
 };
 
 }  // namespace

@@ -1,11 +1,65 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "component/Desktop.h"
 
+// All that is visible of the Linux desktop: a factory for each service, and one for the whole.
+
 namespace vesko {
+
+/// Code page that goes with the name of a code set ("EUC-KR", "UTF-8", "ISO-8859-1"): 949, 932,
+/// 936, 950 for the legacy ones of Korean, Japanese and Chinese, 125x and the like for single-byte
+/// ones, else 65001. Case and punctuation of the name do not matter.
+int CodePageOfCodeSet(std::string_view code_set);
+
+/// Code page of the user's locale.
+int HostCodePage();
+
+/// A locale on ICU. An empty name is the user's locale. An unknown code page counts as 65001. For
+/// one thread: its converters are not shared safely.
+std::unique_ptr<Locale> MakeIcuLocale(int code_page, const std::string& locale_name);
+
+/// A registry of one SQLite file (write-ahead log) a hive, in two folders that are created (0700,
+/// files 0600) when something is first written. A hive that cannot be opened or written yields
+/// status codes; two processes may use one hive at once.
+std::unique_ptr<Registry> MakeSqliteRegistry(const std::string& user_folder,
+                                             const std::string& machine_folder);
+
+/// Where the desktop keeps what the shell looks up. Folders without a separator at their end;
+/// lists in order of precedence; what is not absolute is left out.
+struct ShellFolders {
+  std::string config_home;
+  std::string data_home;
+  std::vector<std::string> config_dirs;
+  std::vector<std::string> data_dirs;
+  std::vector<std::string> program_dirs;
+  std::vector<std::string> desktops;       // names of the running desktop, as its files carry them
+  std::vector<std::string> mail_profiles;  // folders that may hold a profiles.ini
+};
+
+/// By the environment, as every program of the desktop finds them.
+ShellFolders UserShellFolders();
+
+std::unique_ptr<Shell> MakeLinuxShell(const ShellFolders& folders = UserShellFolders());
+
+/// A TCP client on the event loop of the calling thread's Qt application. `certificate_file` names
+/// a PEM file of certificate authorities trusted besides the system's; it is read when the first
+/// TLS connection is made, and without effect when it cannot be read. A connection to one of
+/// `tls_ports` is TLS (1.2 or later) from its first byte. The locale must outlive the socket; the
+/// socket must not be destroyed from within one of its events.
+std::unique_ptr<Socket> MakeQtSocket(const Locale& locale, const std::string& certificate_file,
+                                     std::vector<int32_t> tls_ports = {kPop3sPort});
+
+/// Plays by the sound server of the desktop, where there is one.
+std::unique_ptr<Sound> MakeQtSound();
+
+/// Native windows by Qt widgets. Needs the process's QApplication.
+std::unique_ptr<Toolkit> MakeQtToolkit();
 
 /// Where the Linux desktop keeps things. Empty fields mean the user's own.
 struct LinuxDesktopOptions {

@@ -4,8 +4,7 @@
 
 #include "component/EntryPoints.h"
 #include "desktop/linux/LinuxDesktop.h"
-#include "desktop/linux/LinuxRegistration.h"
-#include "desktop/linux/SqliteRegistry.h"
+#include "desktop/linux/registration/LinuxRegistration.h"
 
 namespace vesko {
 namespace {

@@ -2,9 +2,8 @@
 
 #include "component/EntryPoints.h"
 #include "component/Outcome.h"
-#include "desktop/windows/WinRegistration.h"
-#include "desktop/windows/WinRegistry.h"
 #include "desktop/windows/WindowsDesktop.h"
+#include "desktop/windows/registration/WinRegistration.h"
 
 namespace vesko {
 namespace {

@@ -5,35 +5,12 @@
 #include <charconv>
 #include <string>
 
-#include "desktop/windows/WinLocale.h"
-#include "desktop/windows/WinRegistry.h"
-#include "desktop/windows/WinShell.h"
-#include "desktop/windows/WinSocket.h"
-#include "desktop/windows/WinSound.h"
-#include "desktop/windows/WinToolkit.h"
+#include "desktop/common/SteadyClock.h"
 
 namespace vesko {
 namespace {
 
 constexpr char kCodePageKey[] = "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage";
-
-class CounterClock final : public Clock {
- public:
-  CounterClock() {
-    LARGE_INTEGER frequency;
-    QueryPerformanceFrequency(&frequency);
-    ticks_per_second_ = static_cast<double>(frequency.QuadPart);
-  }
-
-  double Seconds() const override {
-    LARGE_INTEGER ticks;
-    QueryPerformanceCounter(&ticks);
-    return static_cast<double>(ticks.QuadPart) / ticks_per_second_;
-  }
-
- private:
-  double ticks_per_second_ = 1;
-};
 
 /// The code page that the registry names, which takes effect for us at once and for the system
 /// after its next start; else the system's.
@@ -78,7 +55,7 @@ class WindowsDesktop final : public Desktop {
   std::unique_ptr<Sound> sound_;
   std::unique_ptr<Shell> shell_;
   std::unique_ptr<Toolkit> toolkit_;
-  CounterClock clock_;
+  SteadyClock clock_;
 };
 
 }  // namespace

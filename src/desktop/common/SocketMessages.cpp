@@ -1,0 +1,62 @@
+#include "desktop/common/SocketMessages.h"
+
+#include "platform/Socket.h"
+
+namespace vesko {
+
+Text SocketErrorText(int32_t number) {
+  switch (number) {
+    case kSocketConnectionRefused:
+      return u"The server refused the connection. Is the port number right?";
+    case kSocketConnectionReset:
+      return u"The server broke off the connection.";
+    case kSocketTimedOut:
+      return u"The server did not answer in time.";
+    case kSocketHostUnreachable:
+      return u"The server cannot be reached.";
+    case kSocketNetworkUnreachable:
+      return u"The network of the server cannot be reached.";
+    case kSocketNetworkDown:
+      return u"The network is down.";
+    case kSocketAddressInUse:
+      return u"The local port is in use.";
+    case kSocketAddressNotAvailable:
+      return u"The address or the port is not valid.";
+    case kSocketPermissionDenied:
+      return u"The system does not permit the connection.";
+    case kSocketHostNotFound:
+      return u"Host not found.";
+    case kSocketTryAgain:
+      return u"The name of the server could not be looked up. Try again later.";
+    default:
+      return u"The connection failed.";
+  }
+}
+
+TextView CertificateFaultWords(CertificateFault fault) {
+  switch (fault) {
+    case CertificateFault::kExpired:
+      return u"It has expired.";
+    case CertificateFault::kNotYetValid:
+      return u"It is not valid yet.";
+    case CertificateFault::kOtherHost:
+      return u"It belongs to a server of another name.";
+    case CertificateFault::kSelfSigned:
+      return u"It is signed by nobody but the server itself.";
+    case CertificateFault::kUnknownAuthority:
+      return u"It is signed by an authority that is not known here.";
+    case CertificateFault::kWithdrawn:
+      return u"It has been withdrawn.";
+    case CertificateFault::kWrongPurpose:
+      return u"It is not meant for a server.";
+    case CertificateFault::kOther:
+      break;
+  }
+  return u"It cannot be verified.";
+}
+
+Text RefusedCertificateText(TextView host) {
+  return Text(u"The certificate of '").append(host).append(u"' is not accepted.");
+}
+
+}  // namespace vesko

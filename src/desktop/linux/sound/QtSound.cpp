@@ -1,0 +1,43 @@
+#include <QAudioDevice>
+#include <QAudioSink>
+#include <QMediaDevices>
+#include <QString>
+
+#include "base/RunTimeError.h"
+#include "desktop/linux/LinuxDesktop.h"
+#include "desktop/linux/sound/WaveFile.h"
+
+namespace vesko {
+namespace {
+
+// Wave files are read here and their samples go to the sound server directly. The library's own
+// sound effect loads them on a thread that a damaged file keeps busy for ever, and its media player
+// loads every codec first.
+class QtSound : public Sound {
+ public:
+  int OutputDevices() override { return static_cast<int>(QMediaDevices::audioOutputs().size()); }
+
+  void Play(const Text& path) override {
+    Stop();
+    wave_ = WaveFile::Open(QString::fromStdU16String(path));
+    if (!wave_ || OutputDevices() == 0) throw RunTimeError(kInvalidProcedureCall);
+    output_ = std::make_unique<QAudioSink>(QMediaDevices::defaultAudioOutput(), wave_->Format());
+    output_->start(wave_.get());
+    if (output_->error() != QAudio::NoError) throw RunTimeError(kInvalidProcedureCall);
+  }
+
+ private:
+  void Stop() {
+    output_.reset();
+    wave_.reset();
+  }
+
+  std::unique_ptr<WaveFile> wave_;
+  std::unique_ptr<QAudioSink> output_;  // reads from the file, so it goes first
+};
+
+}  // namespace
+
+std::unique_ptr<Sound> MakeQtSound() { return std::make_unique<QtSound>(); }
+
+}  // namespace vesko

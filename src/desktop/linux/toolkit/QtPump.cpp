@@ -1,0 +1,75 @@
+#include "desktop/linux/toolkit/QtPump.h"
+
+#include <QAbstractEventDispatcher>
+#include <QBasicTimer>
+#include <QObject>
+#include <QTimerEvent>
+#include <algorithm>
+
+namespace vesko {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = Mirror::Clock;
+
+// Wakes the event loop at a moment. Callers ask tens of thousands of times a second, nearly always
+// for a later moment than before, so a timer that runs stays as it is.
+class Alarm : public QObject {
+ public:
+  void RingBy(Clock::time_point moment) {
+    if (timer_.isActive() && armed_for_ <= moment + kTolerance) return;
+    const auto wait = std::chrono::ceil<milliseconds>(moment - Clock::now());
+    const auto count = std::clamp<milliseconds::rep>(wait.count(), 0, kLongest.count());
+    armed_for_ = moment;
+    timer_.start(static_cast<int>(count), Qt::PreciseTimer, this);
+  }
+
+ protected:
+  void timerEvent(QTimerEvent* event) override {
+    if (event->timerId() == timer_.timerId()) timer_.stop();
+  }
+
+ private:
+  // Waits come in whole milliseconds, so the same moment comes a little earlier now and then.
+  static constexpr milliseconds kTolerance{1};
+  static constexpr milliseconds kLongest{std::chrono::hours(1)};
+
+  QBasicTimer timer_;
+  Clock::time_point armed_for_{};
+};
+
+class QtPump : public Pump {
+ public:
+  explicit QtPump(Mirror& mirror) : mirror_(mirror) {
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     &alarm_, [this] { ShowBeforeSleep(); });
+  }
+
+  void RunPending(milliseconds longest_wait) override {
+    mirror_.SynchroniseIfDue();
+    QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+    if (longest_wait <= milliseconds::zero()) {
+      dispatcher->processEvents(QEventLoop::AllEvents);
+      return;
+    }
+    // Every event that is posted wakes the loop as well, so this never sleeps after a delivery.
+    alarm_.RingBy(Clock::now() + std::min(longest_wait, milliseconds(std::chrono::hours(1))));
+    dispatcher->processEvents(QEventLoop::WaitForMoreEvents);
+  }
+
+ private:
+  // A sleep of a message's round trip does not show anything yet; a longer one does.
+  void ShowBeforeSleep() {
+    mirror_.SynchroniseIfDue();
+    if (mirror_.HasChanges()) alarm_.RingBy(mirror_.Due());
+  }
+
+  Mirror& mirror_;
+  Alarm alarm_;
+};
+
+}  // namespace
+
+std::unique_ptr<Pump> MakeQtPump(Mirror& mirror) { return std::make_unique<QtPump>(mirror); }
+
+}  // namespace vesko

@@ -1,0 +1,84 @@
+#include "desktop/windows/events/Background.h"
+
+#include <utility>
+
+namespace vesko {
+namespace {
+
+constexpr UINT kFinished = WM_APP;
+
+// The library that holds this code; as often as it is taken it stays loaded.
+HMODULE TakeThisModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<LPCWSTR>(&TakeThisModule), &module);
+  return module;
+}
+
+}  // namespace
+
+struct Background::Task {
+  std::function<void()> work;
+  WPARAM number;
+  HMODULE module;
+  SRWLOCK lock = SRWLOCK_INIT;
+  HWND window;  // null when cancelled; a window that is gone may have lent its handle to another
+
+  void Tell(HWND whom) {
+    AcquireSRWLockExclusive(&lock);
+    window = whom;
+    ReleaseSRWLockExclusive(&lock);
+  }
+
+  void Finish() {
+    AcquireSRWLockExclusive(&lock);
+    if (window) PostMessageW(window, kFinished, number, 0);
+    ReleaseSRWLockExclusive(&lock);
+  }
+};
+
+Background::Background() : window_([this](UINT, WPARAM number, LPARAM) { Finished(number); }) {}
+
+void Background::Start(std::function<void()> work, std::function<void()> done) {
+  Cancel();
+  done_ = std::move(done);
+  task_ = std::make_shared<Task>();
+  task_->work = std::move(work);
+  task_->number = ++number_;
+  task_->module = TakeThisModule();
+  task_->window = window_.Get();
+  auto* owned = new std::shared_ptr<Task>(task_);
+  const HANDLE thread = CreateThread(nullptr, 0, &Run, owned, 0, nullptr);
+  if (thread) {
+    CloseHandle(thread);
+    return;
+  }
+  delete owned;
+  FreeLibrary(task_->module);
+  task_->Finish();
+}
+
+void Background::Cancel() {
+  if (task_) task_->Tell(nullptr);
+  task_.reset();
+  done_ = nullptr;
+}
+
+DWORD WINAPI Background::Run(void* task) {
+  auto* owned = static_cast<std::shared_ptr<Task>*>(task);
+  const HMODULE module = (*owned)->module;
+  (*owned)->work();
+  (*owned)->Finish();
+  delete owned;
+  // The host may have let go of the library while this ran: then this is its last code.
+  FreeLibraryAndExitThread(module, 0);
+}
+
+void Background::Finished(WPARAM number) {
+  if (!task_ || number != number_) return;
+  task_.reset();
+  const auto done = std::exchange(done_, nullptr);
+  done();
+}
+
+}  // namespace vesko

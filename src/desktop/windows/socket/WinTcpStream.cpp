@@ -1,0 +1,187 @@
+#include "desktop/windows/socket/WinTcpStream.h"
+
+#include <ws2tcpip.h>
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+#include "desktop/common/SocketMessages.h"
+#include "platform/Socket.h"
+
+namespace vesko {
+namespace {
+
+constexpr int kPieceSize = 64 * 1024;
+
+WinAddress AnyAddress(int family, uint16_t port) {
+  WinAddress any;
+  any.storage.ss_family = static_cast<decltype(any.storage.ss_family)>(family);
+  any.size = family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+  SS_PORT(&any.storage) = htons(port);
+  return any;
+}
+
+// Says of a host only that this computer has no way to it by this kind of address.
+bool IsAboutRoute(int error) {
+  return error == WSAENETUNREACH || error == WSAEADDRNOTAVAIL || error == WSAEAFNOSUPPORT;
+}
+
+// The system tells a connection that the peer broke off in several ways, by what it was doing.
+bool IsReset(int error) {
+  return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENETRESET ||
+         error == WSAESHUTDOWN;
+}
+
+}  // namespace
+
+WinTcpStream::WinTcpStream(EventSources& sources)
+    : sources_(sources),
+      event_(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
+      piece_(std::make_unique_for_overwrite<char[]>(kPieceSize)) {}
+
+WinTcpStream::~WinTcpStream() {
+  Close();
+  CloseHandle(event_);
+}
+
+void WinTcpStream::Open(ByteStreamListener& listener, std::vector<WinAddress> addresses,
+                        uint16_t local_port) {
+  listener_ = &listener;
+  addresses_ = std::move(addresses);
+  std::reverse(addresses_.begin(), addresses_.end());
+  local_port_ = local_port;
+  connect_error_ = 0;
+  TryNextAddress();
+}
+
+void WinTcpStream::Close() {
+  CloseSocket();
+  addresses_.clear();
+  unsent_.clear();
+}
+
+void WinTcpStream::Send(std::string_view bytes) {
+  unsent_ += bytes;
+  if (state_ == State::kConnected) Flush();
+}
+
+void WinTcpStream::FailLater(int system_error) {
+  if (state_ == State::kClosed || state_ == State::kPeerClosed) return;
+  state_ = State::kFailing;
+  late_error_ = system_error;
+  SetEvent(event_);
+}
+
+bool WinTcpStream::Deliver() {
+  switch (state_) {
+    case State::kConnecting:
+      return FinishConnecting();
+    case State::kConnected:
+      Flush();
+      return Receive();
+    case State::kFailing:
+      Fail(late_error_);
+      return true;
+    case State::kClosed:
+    case State::kPeerClosed:
+      break;
+  }
+  return false;
+}
+
+void WinTcpStream::TryNextAddress() {
+  while (!addresses_.empty()) {
+    const WinAddress address = addresses_.back();
+    addresses_.pop_back();
+    if (StartConnecting(address)) return;
+  }
+  Fail(connect_error_);
+}
+
+bool WinTcpStream::StartConnecting(const WinAddress& address) {
+  socket_ = WSASocketW(address.Family(), SOCK_STREAM, IPPROTO_TCP, nullptr, 0, WSA_FLAG_OVERLAPPED);
+  if (socket_ == INVALID_SOCKET) return ConnectFailed(WSAGetLastError());
+  SetHandleInformation(reinterpret_cast<HANDLE>(socket_), HANDLE_FLAG_INHERIT, 0);
+  // A command waits for its reply, so holding it back to fill a packet only loses time.
+  const BOOL on = TRUE;
+  setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+  if (local_port_ != 0) {
+    const WinAddress local = AnyAddress(address.Family(), local_port_);
+    if (bind(socket_, local.Get(), local.size) != 0) return ConnectFailed(WSAGetLastError());
+  }
+  if (WSAEventSelect(socket_, event_, FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE) != 0 ||
+      (connect(socket_, address.Get(), address.size) != 0 && WSAGetLastError() != WSAEWOULDBLOCK)) {
+    return ConnectFailed(WSAGetLastError());
+  }
+  state_ = State::kConnecting;
+  sources_.Add(*this, event_);
+  return true;
+}
+
+bool WinTcpStream::ConnectFailed(int error) {
+  CloseSocket();
+  if (connect_error_ == 0 || !IsAboutRoute(error)) connect_error_ = error;
+  return false;
+}
+
+// The event may have been set by an earlier socket, or nothing may have set it.
+bool WinTcpStream::FinishConnecting() {
+  WSANETWORKEVENTS events{};
+  WSAEnumNetworkEvents(socket_, nullptr, &events);
+  if ((events.lNetworkEvents & FD_CONNECT) == 0) return false;
+  const int error = events.iErrorCode[FD_CONNECT_BIT];
+  if (error != 0) {
+    ConnectFailed(error);
+    TryNextAddress();
+  } else {
+    addresses_.clear();
+    state_ = State::kConnected;
+    listener_->Opened();
+  }
+  return true;
+}
+
+// A read tells all that there is to know, and lets the system set the event again. For an end that
+// comes together with data the event is set only once, so who had something asks again.
+bool WinTcpStream::Receive() {
+  const int size = recv(socket_, piece_.get(), kPieceSize, 0);
+  if (size > 0) {
+    listener_->BytesArrived({piece_.get(), static_cast<size_t>(size)});
+  } else if (size == 0) {
+    state_ = State::kPeerClosed;
+    listener_->PeerClosed();
+  } else if (WSAGetLastError() != WSAEWOULDBLOCK) {
+    Fail(WSAGetLastError());
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// Never reports: it is called from within Send.
+void WinTcpStream::Flush() {
+  while (!unsent_.empty()) {
+    const int size = static_cast<int>(std::min<size_t>(unsent_.size(), INT_MAX));
+    const int sent = send(socket_, unsent_.data(), size, 0);
+    if (sent <= 0) {
+      if (WSAGetLastError() != WSAEWOULDBLOCK) FailLater(WSAGetLastError());
+      return;
+    }
+    unsent_.erase(0, static_cast<size_t>(sent));
+  }
+}
+
+void WinTcpStream::CloseSocket() {
+  if (socket_ != INVALID_SOCKET) closesocket(std::exchange(socket_, INVALID_SOCKET));
+  sources_.Remove(*this);
+  state_ = State::kClosed;
+}
+
+void WinTcpStream::Fail(int system_error) {
+  Close();
+  const int32_t number = IsReset(system_error) ? kSocketConnectionReset : system_error;
+  listener_->Failed(number, SocketErrorText(number));
+}
+
+}  // namespace vesko
