@@ -1,6 +1,0 @@
-if(WIN32)
-  return()
-endif()
-add_library(vesko_test_machine STATIC PrivateMachine.cpp)
-target_include_directories(vesko_test_machine PUBLIC ${PROJECT_SOURCE_DIR}/tests)
-target_link_libraries(vesko_test_machine PRIVATE vesko_options)
