@@ -32,7 +32,11 @@ class LargeMessageSocket : public Socket, public Pump {
     if (text.starts_with(u"TOP")) left_ = size_;
     if (text.starts_with(u"TOP")) reply_ += u"Subject: large\r\nMessage-ID: <1>\r\n\r\n";
   }
-  Text GetData() override { return std::exchange(reply_, {}); }
+  Text GetData() override {
+    received_ += reply_.size();
+    return std::exchange(reply_, {});
+  }
+  uint64_t BytesReceived() const override { return received_; }
   void Close() override { state_ = SocketState::kClosed; }
 
   void RunPending(std::chrono::milliseconds) override {
@@ -52,6 +56,7 @@ class LargeMessageSocket : public Socket, public Pump {
   const size_t size_;
   const size_t piece_;
   size_t left_ = 0;
+  uint64_t received_ = 0;
   SocketState state_ = SocketState::kClosed;
   Text reply_;
 };

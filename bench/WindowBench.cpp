@@ -44,6 +44,7 @@ class NoSocket : public Socket {
   void Connect(const Text&, int32_t) override {}
   void SendData(TextView) override {}
   Text GetData() override { return {}; }
+  uint64_t BytesReceived() const override { return 0; }
   void Close() override {}
 };
 

@@ -45,7 +45,8 @@ class Socket {
  public:
   virtual ~Socket() = default;
 
-  /// Text has arrived (GetData will return some), or the peer has closed (State is kClosing).
+  /// Data has arrived, or the peer has closed (State is kClosing). GetData returns nothing when all
+  /// that came is a part of a character: it is a sign of life nevertheless.
   std::function<void()> on_data_arrival;
 
   /// The connection failed; State is kError. The number is one of the platform-independent ones
@@ -68,6 +69,10 @@ class Socket {
 
   /// All text that has arrived and was not taken yet; may be empty.
   virtual Text GetData() = 0;
+
+  /// How many bytes of the peer's have arrived on this connection, decrypted ones with TLS and those
+  /// of an incomplete character included; 0 after Close. Their text may take twice the memory.
+  virtual uint64_t BytesReceived() const = 0;
 
   /// Drops the connection and all that waits. State is kClosed when it returns; safe in any state
   /// and from within an event.

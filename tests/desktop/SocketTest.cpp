@@ -145,15 +145,19 @@ TEST_F(SocketTest, DoesNotBreakACharacterThatArrivesInPieces) {
     text_.clear();
     LoopbackPeer peer;
     ASSERT_TRUE(Meet(peer));
-    for (const char* byte = row.bytes; *byte != '\0'; ++byte) {
-      peer.Send(std::string(1, *byte));
-      RunFor(milliseconds(2));
+    arrivals_ = 0;
+    for (int sent = 1; row.bytes[sent - 1] != '\0'; ++sent) {
+      peer.Send(std::string(1, row.bytes[sent - 1]));
+      ASSERT_TRUE(RunUntil([&] { return arrivals_ == sent; })) << "half a character is an arrival";
+      EXPECT_EQ(socket_->BytesReceived(), static_cast<uint64_t>(sent));
     }
-    EXPECT_TRUE(RunToText(row.text));
+    EXPECT_EQ(text_, row.text);
     // The beginning of a character must not run into the next connection.
+    arrivals_ = 0;
     peer.Send("\xC7");
-    RunFor(milliseconds(2));
+    ASSERT_TRUE(RunUntil([&] { return arrivals_ == 1; }));
     socket_->Close();
+    EXPECT_EQ(socket_->BytesReceived(), 0u);
     text_.clear();
     ASSERT_TRUE(Meet(peer));
     peer.Send("+OK");

@@ -50,6 +50,7 @@ class FakeDesktop : public FakeMachine, public Desktop {
     void Connect(const Text& host, int32_t port) override { socket_.Connect(host, port); }
     void SendData(TextView text) override { socket_.SendData(text); }
     Text GetData() override { return socket_.GetData(); }
+    uint64_t BytesReceived() const override { return socket_.BytesReceived(); }
     void Close() override { socket_.Close(); }
 
    private:

@@ -58,6 +58,7 @@ class ScriptedSocket : public Socket {
   void Connect(const Text& host, int32_t port) override;
   void SendData(TextView text) override;
   Text GetData() override;
+  uint64_t BytesReceived() const override { return delivered_; }
   void Close() override;
 
   /// Lets the next thing happen; false when nothing is to happen now.

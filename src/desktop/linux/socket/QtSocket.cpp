@@ -62,6 +62,8 @@ class QtSocket final : public Socket, public ByteStreamListener {
 
   Text GetData() override { return std::exchange(text_, {}); }
 
+  uint64_t BytesReceived() const override { return received_; }
+
   void Close() override {
     ++connection_;
     if (lookup_ != kNoLookup) QHostInfo::abortHostLookup(std::exchange(lookup_, kNoLookup));
@@ -69,6 +71,7 @@ class QtSocket final : public Socket, public ByteStreamListener {
     tls_.reset();
     text_.clear();
     decoder_->Reset();
+    received_ = 0;
     state_ = SocketState::kClosed;
   }
 
@@ -102,8 +105,8 @@ class QtSocket final : public Socket, public ByteStreamListener {
   }
 
   void BytesArrived(std::string_view bytes) override {
+    received_ += bytes.size();
     Text text = decoder_->Decode(bytes);
-    if (text.empty()) return;  // not yet a whole character
     if (text_.empty()) {
       text_ = std::move(text);
     } else {
@@ -135,6 +138,7 @@ class QtSocket final : public Socket, public ByteStreamListener {
   int32_t port_ = 0;
   int32_t local_port_ = 0;
   Text text_;
+  uint64_t received_ = 0;  // bytes
 
   QObject context_;
   TcpStream tcp_{*this};

@@ -50,12 +50,15 @@ class WinSocket final : public Socket, public ByteStreamListener {
 
   Text GetData() override { return std::exchange(text_, {}); }
 
+  uint64_t BytesReceived() const override { return received_; }
+
   void Close() override {
     background_.Cancel();
     tcp_.Close();
     tls_.reset();
     text_.clear();
     decoder_->Reset();
+    received_ = 0;
     state_ = SocketState::kClosed;
   }
 
@@ -81,8 +84,8 @@ class WinSocket final : public Socket, public ByteStreamListener {
   void Opened() override { state_ = SocketState::kConnected; }
 
   void BytesArrived(std::string_view bytes) override {
+    received_ += bytes.size();
     Text text = decoder_->Decode(bytes);
-    if (text.empty()) return;  // not yet a whole character
     if (text_.empty()) {
       text_ = std::move(text);
     } else {
@@ -112,6 +115,7 @@ class WinSocket final : public Socket, public ByteStreamListener {
   int32_t port_ = 0;
   int32_t local_port_ = 0;
   Text text_;
+  uint64_t received_ = 0;  // bytes
 
   Background background_;
   WinTcpStream tcp_;
