@@ -1,6 +1,7 @@
 #include "ui/Controls.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -16,6 +17,19 @@ void Raise(std::function<void()> event) {
 
 void RequireIndex(int index, int lowest, int count) {
   if (index < lowest || index >= count) throw RunTimeError(kInvalidPropertyValue);
+}
+
+bool IsLineBreak(char16_t c) {
+  return (c >= u'\n' && c <= u'\r') || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
+bool IsControl(char16_t c) { return c < u' ' || (c >= 0x7F && c < 0xA0); }
+
+/// Up to the first line break, without control characters.
+Text FirstLine(TextView text) {
+  Text line(text.begin(), std::find_if(text.begin(), text.end(), IsLineBreak));
+  std::erase_if(line, IsControl);
+  return line;
 }
 
 const Text& CellText(const ListView::Row& row, int column) {
@@ -49,11 +63,19 @@ void CheckBox::Click() {
 }
 
 void TextBox::SetText(Text text) {
-  if (Set(text_, std::move(text))) Raise(on_change);
+  if (Set(text_, multi_line_ ? std::move(text) : FirstLine(text))) Raise(on_change);
 }
 
-void TextBox::Type(Text text) {
-  if (Enabled() && !read_only_) SetText(std::move(text));
+void TextBox::Type(TextView text) {
+  if (Enabled() && !read_only_) SetText(multi_line_ ? Text(text) : Edited(text));
+}
+
+Text TextBox::Edited(TextView text) const {
+  const auto [kept, came] = std::mismatch(text_.begin(), text_.end(), text.begin(), text.end());
+  const auto behind = std::mismatch(text_.rbegin(), std::make_reverse_iterator(kept), text.rbegin(),
+                                    std::make_reverse_iterator(came));
+  const TextView inserted(came, behind.second.base());
+  return Text(text_.begin(), kept) + FirstLine(inserted) + Text(behind.first.base(), text_.end());
 }
 
 bool TextBox::PressKey(int key_code) { return Enabled() && on_key_down && on_key_down(key_code); }

@@ -94,6 +94,9 @@ class CheckBox : public Control {
   int value_ = 0;
 };
 
+/// A box to type into. One of a single line never holds a line break or another control character,
+/// wherever its text comes from: a text ends at its first line break, the other control characters
+/// are left out.
 class TextBox : public Control {
  public:
   using Control::Control;
@@ -106,7 +109,7 @@ class TextBox : public Control {
   bool Password() const { return password_; }
   void SetPassword(bool password) { Set(password_, password); }
 
-  /// Several lines with scroll bars.
+  /// Several lines with scroll bars. Set before the text and before the window is realised.
   bool MultiLine() const { return multi_line_; }
   void SetMultiLine(bool multi_line) { Set(multi_line_, multi_line); }
 
@@ -117,14 +120,19 @@ class TextBox : public Control {
   /// A key was pressed in the box; true when it was used up.
   std::function<bool(int key_code)> on_key_down;
 
-  /// The user edits the text; nothing happens while the box is disabled or read only.
-  void Type(Text text);
+  /// The user edits the text and this is the whole of it now; nothing happens while the box is
+  /// disabled or read only. In a box of one line what has come in (a key, a paste) ends at its
+  /// first line break, and what stood before and behind it stays.
+  void Type(TextView text);
   /// The user presses a key; true when it was used up.
   bool PressKey(int key_code);
 
   void Accept(ControlVisitor& visitor) override;
 
  private:
+  /// The text of a box of one line after an edit that left `text`.
+  Text Edited(TextView text) const;
+
   Text text_;
   bool password_ = false;
   bool multi_line_ = false;

@@ -1,11 +1,14 @@
 #include <QAccessible>
 #include <QClipboard>
 #include <QDialog>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QFont>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -120,6 +123,55 @@ TEST_F(QtToolkitTest, APasswordCannotBeReadOutOfItsBox) {
     QTest::keySequence(edit, QKeySequence::Cut);
     EXPECT_EQ(QApplication::clipboard()->text(), "before");
   });
+}
+
+TEST_F(QtToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
+  const std::pair<const char*, std::function<void(QLineEdit&, const QString&)>> ways[] = {
+      {"paste",
+       [](QLineEdit& edit, const QString& text) {
+         QApplication::clipboard()->setText(text);
+         QTest::keySequence(&edit, QKeySequence::Paste);
+       }},
+      {"input method",
+       [](QLineEdit& edit, const QString& text) {
+         QInputMethodEvent event;
+         event.setCommitString(text);
+         QApplication::sendEvent(&edit, &event);
+       }},
+      {"drop",
+       [](QLineEdit& edit, const QString& text) {
+         QMimeData data;
+         data.setText(text);
+         const QPointF place = edit.inputMethodQuery(Qt::ImCursorRectangle).toRectF().center();
+         QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
+         QApplication::sendEvent(&edit, &enter);
+         QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+         QApplication::sendEvent(&edit, &drop);
+       }},
+      {"accessibility", [](QLineEdit& edit, const QString& text) {
+         auto* const accessible = QAccessible::queryAccessibleInterface(&edit);
+         accessible->editableTextInterface()->insertText(edit.cursorPosition(), text);
+       }}};
+  for (const auto& [name, enter] : ways) {
+    SCOPED_TRACE(name);
+    TextBox box("txt");
+    box.SetText(u"[]");
+    AnyForm form(*toolkit, {&box});
+    WhileShown(form, [&] {
+      auto* const edit = Native<QLineEdit>(box);
+      for (const char* text : {"pw\r\nDELE 1", "d\n", "\t\u2028x"}) {
+        edit->setCursorPosition(static_cast<int>(edit->text().size()) - 1);
+        enter(*edit, text);
+        Settle();
+      }
+      EXPECT_EQ(box.GetText(), u"[pwd]");
+      EXPECT_EQ(edit->text(), "[pwd]");
+      if (std::string_view(name) == "paste") {
+        QTest::keyClicks(edit, "!");
+        EXPECT_EQ(box.GetText(), u"[pwd!]") << "the cursor stands behind what was pasted";
+      }
+    });
+  }
 }
 
 TEST_F(QtToolkitTest, TextFromServersIsNeverMarkup) {

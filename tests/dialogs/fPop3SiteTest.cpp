@@ -80,5 +80,17 @@ TEST_F(fPop3SiteTest, OkAndEnterNeedAllThreeTexts) {
   }
 }
 
+TEST_F(fPop3SiteTest, ConfirmsNothingThatWouldBreakACommand) {
+  site.Password = u"pw\r\nDELE 1";
+  site.User = u"\r\n";
+  Show(site, [](Form& form) {
+    EXPECT_FALSE(Find<CommandButton>(form, "cmdOK").Enabled()) << "no user name is left";
+    Type(form, "txtPop3Account(1)", u"an\tn\n");
+    Press(form, "cmdOK");
+  });
+  EXPECT_EQ(site.User, u"ann");
+  EXPECT_EQ(site.Password, u"pw");
+}
+
 }  // namespace
 }  // namespace vesko

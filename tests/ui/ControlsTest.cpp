@@ -33,6 +33,39 @@ TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
   EXPECT_EQ(box.GetText(), u"");
 }
 
+TEST(TextBoxTest, ABoxOfOneLineTakesOneLine) {
+  struct Row {
+    TextView before, edited, after;
+  };
+  const Row rows[] = {
+      {u"", u"pw\r\nDELE 1", u"pw"},
+      {u"", u"pw\n", u"pw"},
+      {u"", u"\r\npw", u""},
+      {u"", u"a\u2028b", u"a"},
+      {u"", u"a\u2029b", u"a"},
+      {u"", u"a\u000Bb", u"a"},
+      {u"", u"a\u0085b", u"a"},
+      {u"", {u"\ta\0b\u007F\u009F c", 8}, u"ab c"},
+      {u"[]", u"[new\r\nline]", u"[new]"},  // pasted in the middle
+      {u"old", u"new\r\n", u"new"},         // over a selection
+      {u"same", u"same\nmore", u"same"},
+      {u"\u00E9\u3042", u"\u00E9\u3042\u2027", u"\u00E9\u3042\u2027"},
+  };
+  for (const auto& [before, edited, after] : rows) {
+    TextBox box("txt");
+    box.SetText(Text(before));
+    box.Type(edited);
+    EXPECT_EQ(box.GetText(), after);
+    if (!before.empty()) continue;
+    TextBox set("txt"), lines("txt");
+    set.SetText(Text(edited));
+    EXPECT_EQ(set.GetText(), after);
+    lines.SetMultiLine(true);
+    lines.Type(edited);
+    EXPECT_EQ(lines.GetText(), edited);
+  }
+}
+
 TEST(ProgressBarTest, KeepsItsRange) {
   ProgressBar bar("prg");
   EXPECT_THROW(bar.SetValue(101), RunTimeError);

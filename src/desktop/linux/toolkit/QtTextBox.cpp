@@ -57,8 +57,9 @@ class LinePeer : public QtControlPeer {
   LinePeer(TextBox& control, const PeerContext& context)
       : QtControlPeer(control, new QLineEdit, context), control_(control) {
     hook_ = new KeyHook(Edit(), *this, control, context);
-    QObject::connect(Edit(), &QLineEdit::textEdited, Lifetime(), [this](const QString& text) {
-      MarkChanged();  // the control may not take the text
+    // Programs that help a person to write change the text as well as the keyboard does.
+    QObject::connect(Edit(), &QLineEdit::textChanged, Lifetime(), [this](const QString& text) {
+      MarkChanged();  // the control may take less than the text
       Raise(Context(), [&] { control_.Type(ToText(text)); });
     });
   }
@@ -75,12 +76,20 @@ class LinePeer : public QtControlPeer {
   void ShowOwnState() override {
     ShowPassword();
     Edit()->setReadOnly(control_.ReadOnly());
-    const QString text = ToQString(control_.GetText());
-    if (Edit()->text() != text) Edit()->setText(text);
+    ShowText(ToQString(control_.GetText()));
   }
 
  private:
   QLineEdit* Edit() const { return static_cast<QLineEdit*>(Widget()); }
+
+  /// The cursor stays before the same text: after a paste, behind what is left of it.
+  void ShowText(const QString& text) {
+    if (Edit()->text() == text) return;
+    const auto behind = Edit()->text().size() - Edit()->cursorPosition();
+    const QSignalBlocker silent(Edit());
+    Edit()->setText(text);
+    Edit()->setCursorPosition(static_cast<int>(text.size() - behind));
+  }
 
   void ShowPassword() {
     if (control_.Password() == (Edit()->echoMode() == QLineEdit::Password)) return;

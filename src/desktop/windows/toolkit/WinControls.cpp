@@ -128,7 +128,10 @@ class TextBoxPeer final : public WinControlPeer {
   }
 
   bool Command(WORD code) override {
-    if (code == EN_CHANGE && !showing_) box_.Type(WindowText(Window()));
+    if (code == EN_CHANGE && !showing_) {
+      MarkChanged();  // the box may take less than the text
+      box_.Type(WindowText(Window()));
+    }
     return code == EN_CHANGE;
   }
 
@@ -156,7 +159,17 @@ class TextBoxPeer final : public WinControlPeer {
       SetWindowTextW(Window(), Lines(shown_, kLongestShown).c_str());
       return;
     }
-    SetTextIfOther(Window(), ToWide(box_.GetText()));
+    ShowLine(ToWide(box_.GetText()));
+  }
+
+  /// The cursor stays before the same text: after a paste, behind what is left of it.
+  void ShowLine(const std::wstring& text) {
+    DWORD cursor = 0;
+    SendMessageW(Window(), EM_GETSEL, 0, reinterpret_cast<LPARAM>(&cursor));
+    const int behind = GetWindowTextLengthW(Window()) - static_cast<int>(cursor);
+    if (!SetTextIfOther(Window(), text)) return;
+    const int place = std::max(static_cast<int>(text.size()) - behind, 0);
+    SendMessageW(Window(), EM_SETSEL, static_cast<WPARAM>(place), place);
   }
 
   TextBox& box_;

@@ -42,8 +42,10 @@ Text WindowText(HWND window) {
   return text;
 }
 
-void SetTextIfOther(HWND window, const std::wstring& text) {
-  if (ToWide(WindowText(window)) != text) SetWindowTextW(window, text.c_str());
+bool SetTextIfOther(HWND window, const std::wstring& text) {
+  if (ToWide(WindowText(window)) == text) return false;
+  SetWindowTextW(window, text.c_str());
+  return true;
 }
 
 SIZE Measure(HFONT font, const std::wstring& text, int width, bool literal) {

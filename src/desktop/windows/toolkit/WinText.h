@@ -24,7 +24,8 @@ std::wstring Lines(TextView text, size_t longest);
 
 /// Text of a native window.
 Text WindowText(HWND window);
-void SetTextIfOther(HWND window, const std::wstring& text);
+/// True where it was another one.
+bool SetTextIfOther(HWND window, const std::wstring& text);
 
 /// Size of a text in a font, in device pixels; a width of 0 does not wrap. "&" marks a mnemonic
 /// unless `literal`.
