@@ -103,9 +103,8 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   Configuration configuration;
   colMails mails;
   const Text password = Encrypt(FromAscii(kPassword), *locale);
-  Variant account =
-      Join({u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(port), u"0"}, kCrLf);
-  configuration.Accounts.Add(account);
+  configuration.AddAccount(
+      {u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(port), u"0"});
   const Text font_name;
   fCheckMail window({*toolkit, *locale, configuration, mails, *socket, clock, font_name});
   window.Prepare();

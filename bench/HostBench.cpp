@@ -46,10 +46,8 @@ void SeedAccount(HostSystem& system, const std::string& user, int32_t port) {
   const auto locale = system.NewLocale();
   const auto shell = system.NewShell();
   Configuration configuration;
-  Variant account = Join({u"Bench", u"127.0.0.1", FromAscii(user),
-                          Encrypt(FromAscii(kPassword), *locale), Decimal(port), u"1", u""},
-                         kCrLf);
-  configuration.Accounts.Add(account);
+  configuration.AddAccount({u"Bench", u"127.0.0.1", FromAscii(user),
+                            Encrypt(FromAscii(kPassword), *locale), Decimal(port), u"1"});
   mRegistry(*registry, *locale, *shell).Save(configuration);
 }
 

@@ -2,10 +2,17 @@
 
 namespace vesko {
 
-std::vector<Text> SplitAccount(TextView record) {
-  std::vector<Text> fields = Split(record, kCrLf);
-  if (fields.size() < kAccountFields) fields.resize(kAccountFields);
-  return fields;
+Account Configuration::AccountAt(int32_t position) const {
+  return Account::FromRecord(ToText(Accounts.Item(position)));
+}
+
+void Configuration::AddAccount(const Account& account) {
+  Variant record = account.ToRecord();
+  Accounts.Add(record);
+}
+
+void Configuration::ReplaceAccount(int32_t position, const Account& account) {
+  Accounts.RepIace(position, account.ToRecord());
 }
 
 }  // namespace vesko

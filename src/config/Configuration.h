@@ -5,23 +5,9 @@
 
 #include "base/Text.h"
 #include "base/cCollect.h"
+#include "config/Account.h"
 
 namespace vesko {
-
-/// Fields of an account record, one text of them joined with CR LF.
-enum AccountField : size_t {
-  kAccountName = 0,
-  kAccountServer = 1,
-  kAccountUser = 2,
-  kAccountPassword = 3,      // scrambled
-  kAccountPort = 4,          // decimal text
-  kAccountSavePassword = 5,  // decimal text: 0 off, non-zero on
-  kAccountUnstored = 6,
-};
-inline constexpr size_t kAccountFields = 7;
-
-/// The fields of a record; always at least kAccountFields, missing ones empty.
-std::vector<Text> SplitAccount(TextView record);
 
 /// All settings of the component, shared by its parts. Passwords are scrambled here too.
 struct Configuration {
@@ -34,6 +20,14 @@ struct Configuration {
   std::vector<Text> SpamSenders;
   std::vector<Text> SpamSubjects;
   Text DefaultEmailClient;  // looked up, not stored
+
+  /// The account at a position counted from 1; an empty one beyond the last.
+  Account AccountAt(int32_t position) const;
+
+  void AddAccount(const Account& account);
+
+  /// Does nothing where there is no such position.
+  void ReplaceAccount(int32_t position, const Account& account);
 };
 
 }  // namespace vesko

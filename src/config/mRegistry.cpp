@@ -6,6 +6,7 @@
 #include "base/RunTimeError.h"
 #include "config/AccountImport.h"
 #include "config/cRegistry.h"
+#include "platform/Socket.h"
 
 namespace vesko {
 namespace {
@@ -14,7 +15,6 @@ constexpr TextView kRoot = u"SOFTWARE\\Quarnel\\Config\\Email Accounts";
 constexpr TextView kSoundName = u"Email1.wav";
 constexpr TextView kFirstSpamSenders = u"offers@spam.example\r\n@spam.example";
 constexpr TextView kFirstSpamSubjects = u"ILOVEYOU\r\nMELISSA";
-constexpr int32_t kDefaultPort = 110;
 
 /// A damaged count must not keep the program from starting; lists of accounts hold no more.
 constexpr int32_t kMostAccounts = 32767;
@@ -31,24 +31,24 @@ constexpr std::array<NumberSetting, 4> kNumberSettings = {{
     {u"Manual Checking", &Configuration::ManualChecking},
 }};
 
-/// Values of an account's key with the fields of its record.
+/// Values of an account's key with the fields that they hold.
 struct AccountValue {
-  AccountField field;
+  Text Account::*field;
   TextView name;
   uint32_t type;
 };
 constexpr std::array<AccountValue, 6> kAccountValues = {{
-    {kAccountName, u"Account Name", kRegSz},
-    {kAccountServer, u"POP3 Server", kRegSz},
-    {kAccountUser, u"POP3 User Name", kRegSz},
-    {kAccountPassword, u"POP3 Password", kRegSz},
-    {kAccountPort, u"POP3 Port", kRegDword},
-    {kAccountSavePassword, u"Save Password", kRegDword},
+    {&Account::name, u"Account Name", kRegSz},
+    {&Account::server, u"POP3 Server", kRegSz},
+    {&Account::user, u"POP3 User Name", kRegSz},
+    {&Account::password, u"POP3 Password", kRegSz},
+    {&Account::port, u"POP3 Port", kRegDword},
+    {&Account::save_password, u"Save Password", kRegDword},
 }};
 
 Variant DefaultOf(const AccountValue& value) {
   if (value.type == kRegSz) return Text();
-  return value.field == kAccountPort ? kDefaultPort : 0;
+  return value.field == &Account::port ? kPop3Port : 0;
 }
 
 /// Numbers stored as text end at a NUL.
@@ -71,22 +71,22 @@ class HiveSettings {
     WriteValue(registry_, root_, Text(kRoot), Text(name), type, value);
   }
 
-  Text ReadAccount(int32_t n) const {
-    std::vector<Text> fields(kAccountFields);
+  Account ReadAccount(int32_t n) const {
+    Account account;
     for (const AccountValue& value : kAccountValues) {
       IgnoreErrors([&] {
         Variant read = ReadValue(registry_, root_, NumberedKey(kRoot, n), Text(value.name),
                                  value.type, DefaultOf(value));
-        fields[value.field] = TrimNull(ToText(read));
+        account.*value.field = TrimNull(ToText(read));
       });
     }
-    return Join(fields, kCrLf);
+    return account;
   }
 
-  void WriteAccount(int32_t n, const std::vector<Text>& fields) const {
+  void WriteAccount(int32_t n, const Account& account) const {
     for (const AccountValue& value : kAccountValues) {
       IgnoreErrors([&] {
-        const Text& field = fields[value.field];
+        const Text& field = account.*value.field;
         Variant stored = value.type == kRegSz ? Variant(field) : Variant(ToInt32(TextView(field)));
         WriteValue(registry_, root_, NumberedKey(kRoot, n), Text(value.name), value.type, stored);
       });
@@ -112,11 +112,10 @@ class HiveSettings {
 };
 
 /// Switches off what is no number, and drops the password of every account whose switch is off.
-void DropUnsavedPassword(std::vector<Text>& fields) {
-  int32_t save = 0;
-  IgnoreErrors([&] { save = ToInt32(TextView(fields[kAccountSavePassword])); });
-  fields[kAccountSavePassword] = Decimal(save);
-  if (save == 0) fields[kAccountPassword].clear();
+void DropUnsavedPassword(Account& account) {
+  if (account.SavesPassword()) return;
+  account.save_password = u"0";
+  account.password.clear();
 }
 
 void LoadValues(const HiveSettings& hive, const Text& default_sound, Configuration& configuration) {
@@ -132,13 +131,12 @@ void LoadValues(const HiveSettings& hive, const Text& default_sound, Configurati
   IgnoreErrors([&] { configuration.SpamSubjects = Split(read_text(u"Spam Subject", {}), kCrLf); });
 }
 
-void LoadAccounts(const HiveSettings& hive, cCollect& accounts) {
+void LoadAccounts(const HiveSettings& hive, Configuration& configuration) {
   int32_t count = 0;
   IgnoreErrors([&] { count = NumberOf(hive.Read(u"Account Number", kRegDword, 0)); });
   count = std::min(count, kMostAccounts);
   for (int32_t n = 1; n <= count; ++n) {
-    Variant record = hive.ReadAccount(n);
-    accounts.Add(record);
+    configuration.AddAccount(hive.ReadAccount(n));
   }
 }
 
@@ -149,7 +147,7 @@ bool LoadHive(const HiveSettings& hive, const Text& default_sound, Configuration
   configuration.SpamSenders.clear();
   configuration.SpamSubjects.clear();
   LoadValues(hive, default_sound, configuration);
-  LoadAccounts(hive, configuration.Accounts);
+  LoadAccounts(hive, configuration);
   return exists;
 }
 
@@ -168,9 +166,9 @@ void SaveHive(const HiveSettings& hive, const Configuration& configuration) {
   int32_t count = configuration.Accounts.Count();
   for (int32_t n = 1; n <= count; ++n) {
     IgnoreErrors([&] {
-      std::vector<Text> fields = SplitAccount(ToText(configuration.Accounts.Item(n)));
-      DropUnsavedPassword(fields);
-      hive.WriteAccount(n, fields);
+      Account account = configuration.AccountAt(n);
+      DropUnsavedPassword(account);
+      hive.WriteAccount(n, account);
     });
   }
   hive.DeleteAccountsFrom(count + 1);
@@ -206,10 +204,11 @@ void mRegistry::Seed() {
   auto transaction = registry_.BeginTransaction(kCurrentUser);
   Configuration first;
   while (auto account = ImportAccount(first.Accounts.Count() + 1, registry, shell_)) {
-    Variant record = Join(
-        {account->name, account->server, account->user, u"", Decimal(account->port), u"0", u""},
-        kCrLf);
-    first.Accounts.Add(record);
+    first.AddAccount({.name = account->name,
+                      .server = account->server,
+                      .user = account->user,
+                      .port = Decimal(account->port),
+                      .save_password = u"0"});
   }
   first.SoundFile = DefaultSound();
   first.SpamSenders = Split(kFirstSpamSenders, kCrLf);

@@ -6,6 +6,7 @@
 
 #include "base/RunTimeError.h"
 #include "config/mmEncrypt.h"
+#include "platform/Socket.h"
 #include "ui/InputBox.h"
 #include "ui/mVeskoMain.h"
 #include "ui/mmWinDefs.h"
@@ -15,11 +16,14 @@ namespace {
 
 constexpr int kWidth = 520;
 constexpr int kHeight = 380;
-constexpr size_t kBoxes = 5;
-constexpr TextView kDefaultPort = u"110";
+
+/// The boxes of an account, in their order.
+enum AccountBox : size_t { kName, kServer, kUser, kPassword, kPort, kBoxes };
 constexpr TextView kNewAccount = u"New";
 
 enum KeywordButton { kAdd, kRename, kDelete };
+
+Text DefaultPort() { return Decimal(kPop3Port); }
 
 void SelectNear(ListBox& list, int position) {
   list.SetListIndex(std::min(position, list.Count() - 1));
@@ -102,7 +106,7 @@ void fConfig::SetUpAccounts() {
     lblPop3Account[i].SetCaption(Text(kLabels[i]));
     txtPop3Account[i].SetAccessibleName(Text(kLabels[i]));
   }
-  txtPop3Account[kAccountPassword].SetPassword(true);
+  txtPop3Account[kPassword].SetPassword(true);
   chkSavePassword.SetCaption(u"Save password");
   lblNote.SetCaption(u"All POP3 account informations are stored in the registry.");
   lblNote.SetWraps(true);
@@ -249,7 +253,7 @@ void fConfig::FillAccounts() {
   lstPop3Account.Clear();
   for (TextBox& box : txtPop3Account) box.SetText({});
   for (int32_t n = 1; n <= configuration_.Accounts.Count(); ++n) {
-    lstPop3Account.AddItem(SplitAccount(ToText(configuration_.Accounts.Item(n)))[kAccountName]);
+    lstPop3Account.AddItem(configuration_.AccountAt(n).name);
   }
 }
 
@@ -268,44 +272,43 @@ void fConfig::AccountClicked() {
 void fConfig::ShowAccount(int index) {
   shown_account_ = index;
   if (index < 0) return;
-  const std::vector<Text> fields = SplitAccount(ToText(configuration_.Accounts.Item(index + 1)));
+  const Account account = configuration_.AccountAt(index + 1);
   // Another account's password never stays in the box where this one's cannot be unscrambled.
   Text password;
-  IgnoreErrors([&] { password = Decrypt(fields[kAccountPassword], locale_); });
-  txtPop3Account[kAccountName].SetText(fields[kAccountName]);
-  txtPop3Account[kAccountServer].SetText(fields[kAccountServer]);
-  txtPop3Account[kAccountUser].SetText(fields[kAccountUser]);
-  txtPop3Account[kAccountPassword].SetText(std::move(password));
-  txtPop3Account[kAccountPort].SetText(IsNumeric(fields[kAccountPort]) ? fields[kAccountPort]
-                                                                       : Text(kDefaultPort));
-  IgnoreErrors([&] { chkSavePassword.SetValue(ToInt32(TextView(fields[kAccountSavePassword]))); });
+  IgnoreErrors([&] { password = Decrypt(account.password, locale_); });
+  txtPop3Account[kName].SetText(account.name);
+  txtPop3Account[kServer].SetText(account.server);
+  txtPop3Account[kUser].SetText(account.user);
+  txtPop3Account[kPassword].SetText(std::move(password));
+  txtPop3Account[kPort].SetText(IsNumeric(account.port) ? account.port : DefaultPort());
+  IgnoreErrors([&] { chkSavePassword.SetValue(ToInt32(TextView(account.save_password))); });
 }
 
 void fConfig::StoreShownAccount() {
   if (shown_account_ < 0 || shown_account_ >= lstPop3Account.Count()) return;
-  if (txtPop3Account[kAccountName].GetText().empty()) return;
+  if (txtPop3Account[kName].GetText().empty()) return;
   TrimAccountBoxes();
-  lstPop3Account.SetItem(shown_account_, txtPop3Account[kAccountName].GetText());
-  std::vector<Text> fields;
-  for (const TextBox& box : txtPop3Account) fields.push_back(box.GetText());
-  fields[kAccountPassword] = Encrypt(fields[kAccountPassword], locale_);
-  fields.push_back(Decimal(chkSavePassword.Value()));
-  configuration_.Accounts.RepIace(int32_t{shown_account_ + 1}, Join(fields, kCrLf));
+  lstPop3Account.SetItem(shown_account_, txtPop3Account[kName].GetText());
+  const auto typed = [this](AccountBox box) { return txtPop3Account[box].GetText(); };
+  configuration_.ReplaceAccount(shown_account_ + 1,
+                                {.name = typed(kName),
+                                 .server = typed(kServer),
+                                 .user = typed(kUser),
+                                 .password = Encrypt(typed(kPassword), locale_),
+                                 .port = typed(kPort),
+                                 .save_password = Decimal(chkSavePassword.Value())});
 }
 
 void fConfig::TrimAccountBoxes() {
   for (TextBox& box : txtPop3Account) box.SetText(Text(Trim(box.GetText())));
-  TextBox& port = txtPop3Account[kAccountPort];
-  if (!IsNumeric(port.GetText())) port.SetText(Text(kDefaultPort));
+  TextBox& port = txtPop3Account[kPort];
+  if (!IsNumeric(port.GetText())) port.SetText(DefaultPort());
 }
 
 void fConfig::NewAccount() {
   IgnoreErrors([&] { StoreShownAccount(); });
-  std::vector<Text> fields(kAccountFields);
-  fields[kAccountName] = Text(kNewAccount) + Decimal(configuration_.Accounts.Count() + 1);
-  fields[kAccountUnstored] = u"0";
-  Variant record = Join(fields, kCrLf);
-  configuration_.Accounts.Add(record);
+  configuration_.AddAccount(
+      {.name = Text(kNewAccount) + Decimal(configuration_.Accounts.Count() + 1), .unstored = u"0"});
   FillAccounts();
   SelectNear(lstPop3Account, lstPop3Account.Count());
 }

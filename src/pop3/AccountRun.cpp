@@ -18,27 +18,8 @@ std::chrono::milliseconds JustAfter(double seconds) {
 
 int32_t Rounded(double seconds) { return static_cast<int32_t>(std::nearbyint(seconds)); }
 
-bool IsOn(const Text& flag) {
-  bool on = false;
-  IgnoreErrors([&] { on = ToInt32(TextView(flag)) != 0; });
-  return on;
-}
-
-int32_t PortOr110(const Text& port) {
-  int32_t number = kPop3Port;
-  IgnoreErrors([&] { number = ToInt32(TextView(port)); });
-  return number;
-}
-
-bool IsIncomplete(const std::vector<Text>& fields) {
-  return fields[kAccountServer].empty() || fields[kAccountUser].empty() ||
-         fields[kAccountPassword].empty();
-}
-
-Text JoinRecord(const std::vector<Text>& fields) {
-  Text record = Join(fields, kCrLf);
-  if (TextView(record).ends_with(kCrLf)) record.resize(record.size() - kCrLf.size());
-  return record;
+bool IsIncomplete(const Account& account) {
+  return account.server.empty() || account.user.empty() || account.password.empty();
 }
 
 }  // namespace
@@ -59,9 +40,9 @@ void AccountRun::Start(int32_t position) {
 bool AccountRun::Prepare(bool retry) {
   if (Left() || needs_.socket.State() != SocketState::kClosed) return false;
   if (retry && !ConfirmRetry()) return false;
-  std::vector<Text> fields = ReadRecord();
-  if (IsIncomplete(fields) && !CompleteRecord(fields)) return false;
-  UseRecord(fields);
+  Account account = ReadAccount();
+  if (IsIncomplete(account) && !Complete(account)) return false;
+  Use(account);
   return true;
 }
 
@@ -72,17 +53,17 @@ bool AccountRun::WouldAsk() const {
 bool AccountRun::ConfirmRetry() {
   if (!WouldAsk()) return true;
   const int button = needs_.view.AskRetry(
-      u"Checking mail is failed on " + Quoted(session_.GetAccount().host) + u".\r\n" +
+      u"Checking mail is failed on " + Quoted(session_.GetLogin().host) + u".\r\n" +
           u"Last command was " + Quoted(MaskedCommand(session_.LastCommand())) + u".\r\n" +
           u"Try again ? \r\n",
       u"Quarnel");
   return button != kAnswerNo && !Left();
 }
 
-std::vector<Text> AccountRun::ReadRecord() const {
-  Text record;
-  IgnoreErrors([&] { record = ToText(needs_.configuration.Accounts.Item(position_)); });
-  return SplitAccount(record);
+Account AccountRun::ReadAccount() const {
+  Account account;
+  IgnoreErrors([&] { account = needs_.configuration.AccountAt(position_); });
+  return account;
 }
 
 Text AccountRun::DecryptedOrEmpty(const Text& scrambled) const {
@@ -91,24 +72,22 @@ Text AccountRun::DecryptedOrEmpty(const Text& scrambled) const {
   return plain;
 }
 
-bool AccountRun::CompleteRecord(std::vector<Text>& fields) {
-  Credentials typed{fields[kAccountServer], fields[kAccountUser],
-                    DecryptedOrEmpty(fields[kAccountPassword]), IsOn(fields[kAccountSavePassword])};
+bool AccountRun::Complete(Account& account) {
+  Credentials typed{account.server, account.user, DecryptedOrEmpty(account.password),
+                    account.SavesPassword()};
   if (!needs_.view.AskCredentials(typed) || Left()) return false;
-  fields[kAccountServer] = typed.server;
-  fields[kAccountUser] = typed.user;
-  IgnoreErrors([&] { fields[kAccountPassword] = Encrypt(typed.password, needs_.locale); });
-  fields[kAccountSavePassword] = typed.save_password ? u"1" : u"0";
-  const Text record = JoinRecord(fields);
-  IgnoreErrors([&] { needs_.configuration.Accounts.RepIace(position_, record); });
-  fields = SplitAccount(record);
+  account.server = typed.server;
+  account.user = typed.user;
+  IgnoreErrors([&] { account.password = Encrypt(typed.password, needs_.locale); });
+  account.save_password = typed.save_password ? u"1" : u"0";
+  IgnoreErrors([&] { needs_.configuration.ReplaceAccount(position_, account); });
+  account = Account::FromRecord(account.ToRecord());
   return true;
 }
 
-void AccountRun::UseRecord(const std::vector<Text>& fields) {
-  session_.SetAccount({fields[kAccountServer], fields[kAccountUser],
-                       DecryptedOrEmpty(fields[kAccountPassword]),
-                       PortOr110(fields[kAccountPort])});
+void AccountRun::Use(const Account& account) {
+  session_.SetLogin(
+      {account.server, account.user, DecryptedOrEmpty(account.password), account.PortNumber()});
 }
 
 bool AccountRun::RunSession() {
@@ -122,11 +101,11 @@ bool AccountRun::RunSession() {
 }
 
 void AccountRun::Connect() {
-  const Pop3Session::Account& account = session_.GetAccount();
+  const Pop3Session::Login& login = session_.GetLogin();
   IgnoreErrors([&] { needs_.socket.SetLocalPort(0); });
   needs_.mails.BeginSession();
-  IgnoreErrors([&] { needs_.socket.Connect(account.host, account.port); });
-  needs_.view.ShowCommand(u"Command: Connecting to " + account.host);
+  IgnoreErrors([&] { needs_.socket.Connect(login.host, login.port); });
+  needs_.view.ShowCommand(u"Command: Connecting to " + login.host);
 }
 
 void AccountRun::Wait() {
@@ -164,7 +143,7 @@ void AccountRun::RefreshStatus() {
     last_shown_seconds_ = seconds;
     needs_.view.ShowTime(Decimal(seconds) + u" seconds");
   }
-  const Text& host = session_.GetAccount().host;
+  const Text& host = session_.GetLogin().host;
   switch (needs_.socket.State()) {
     case SocketState::kConnectionPending:
       return needs_.view.ShowProgress(u"Connection pending ...");

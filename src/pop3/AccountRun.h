@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <vector>
 
 #include "base/Text.h"
 #include "pop3/CheckRun.h"
@@ -53,9 +52,9 @@ class AccountRun {
 
   bool WouldAsk() const;
   bool ConfirmRetry();
-  std::vector<Text> ReadRecord() const;
-  bool CompleteRecord(std::vector<Text>& fields);
-  void UseRecord(const std::vector<Text>& fields);
+  Account ReadAccount() const;
+  bool Complete(Account& account);
+  void Use(const Account& account);
   Text DecryptedOrEmpty(const Text& scrambled) const;
 
   void Connect();

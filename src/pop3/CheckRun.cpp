@@ -83,7 +83,7 @@ void CheckRun::Impl::CheckAllAccounts() {
 void CheckRun::Impl::CheckAccount(int32_t position) {
   account_.Start(position);
   for (bool retry = false; account_.Prepare(retry); retry = true) {
-    const Text host = Quoted(session_.GetAccount().host);
+    const Text host = Quoted(session_.GetLogin().host);
     needs_.view.ShowCaption(u"Checking mail box of " + host + u" ...");
     needs_.view.ShowProgress(u"Connecting " + host + u" ...");
     if (account_.RunSession()) return;
@@ -95,9 +95,9 @@ void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
   auto message = std::make_shared<cMessage>(needs_.locale);
   // A malformed date ends the parsing, but the message is there and is to be seen.
   IgnoreErrors([&] { message->CreateFromText(text); });
-  message->Server = session_.GetAccount().host;
+  message->Server = session_.GetLogin().host;
   message->SetIndex(number);
-  needs_.mails.Add(std::move(message), session_.GetAccount().user);
+  needs_.mails.Add(std::move(message), session_.GetLogin().user);
 }
 
 CheckRun::CheckRun(const Needs& needs) : impl_(std::make_unique<Impl>(needs)) {}

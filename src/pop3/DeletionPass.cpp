@@ -18,7 +18,7 @@ void DeletionPass::DeleteMailOf(int32_t position) {
 
 bool DeletionPass::DeleteOnServer() {
   for (bool retry = false; account_.Prepare(retry); retry = true) {
-    const Text host = Quoted(session_.GetAccount().host);
+    const Text host = Quoted(session_.GetLogin().host);
     needs_.view.ShowCaption(u"Deleting SPAM mail of " + host + u" ...");
     needs_.view.ShowProgress(u"Connecting to " + host + u" ...");
     ListMarked();
@@ -30,10 +30,10 @@ bool DeletionPass::DeleteOnServer() {
 }
 
 void DeletionPass::ListMarked() {
-  const Pop3Session::Account& account = session_.GetAccount();
+  const Pop3Session::Login& login = session_.GetLogin();
   Pop3Session::DeletionList list;
-  for (colMails::Message& message : needs_.mails.MarkedForDeletion(account.host, account.user)) {
-    const Text key = colMails::Key(account.host, message->MessageID);
+  for (colMails::Message& message : needs_.mails.MarkedForDeletion(login.host, login.user)) {
+    const Text key = colMails::Key(login.host, message->MessageID);
     list.Add(std::move(message), key);
   }
   session_.Deletions() = std::move(list);
@@ -41,7 +41,7 @@ void DeletionPass::ListMarked() {
 
 void DeletionPass::ForgetDeleted() {
   session_.Deletions().ForEach([this](const colMails::Message& message) {
-    needs_.mails.Remove(colMails::Key(session_.GetAccount().host, message->MessageID));
+    needs_.mails.Remove(colMails::Key(session_.GetLogin().host, message->MessageID));
     return true;
   });
 }

@@ -74,7 +74,7 @@ void Pop3Session::HandleReply(const Text& reply) {
     case SessionState::kConnecting:
       return Greeted();
     case SessionState::kUserSent:
-      return Send(SessionState::kPassSent, u"PASS " + account_.password);
+      return Send(SessionState::kPassSent, u"PASS " + login_.password);
     case SessionState::kPassSent:
       return Send(SessionState::kStatSent, u"STAT");
     case SessionState::kStatSent:
@@ -93,14 +93,14 @@ void Pop3Session::Reject(const Text& reply) {
   needs_.socket.Close();
   // A refused user name or password is reported by the retry question.
   if (state_ == SessionState::kUserSent || state_ == SessionState::kPassSent) return;
-  needs_.view.ShowError(u"POP3 Error: " + reply, account_.host);
+  needs_.view.ShowError(u"POP3 Error: " + reply, login_.host);
 }
 
 void Pop3Session::Greeted() {
-  needs_.view.ShowProgress(u"Connecting to " + account_.host + u" ...");
+  needs_.view.ShowProgress(u"Connecting to " + login_.host + u" ...");
   total_ = 0;
   current_ = 0;
-  Send(SessionState::kUserSent, u"USER " + account_.user);
+  Send(SessionState::kUserSent, u"USER " + login_.user);
 }
 
 void Pop3Session::HandleCount(const Text& reply) {
@@ -176,7 +176,7 @@ void Pop3Session::HandleError(int32_t number, const Text& description) {
   needs_.pump.RunPending(std::chrono::milliseconds(0));
   if (state_ == SessionState::kStopped) return;
   host_not_found_ = number == kSocketHostNotFound;
-  const Text title = account_.host;
+  const Text title = login_.host;
   if (host_not_found_) return needs_.view.ShowError(description, title);
   needs_.view.ShowError(u"Winsock Error: #" + Decimal(number) + u"\r\n" + description, title);
 }

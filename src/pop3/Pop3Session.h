@@ -36,7 +36,8 @@ Text MaskedCommand(const Text& command);
 /// sends ends in a box or in silence, never in an error to the caller.
 class Pop3Session {
  public:
-  struct Account {
+  /// Where a session goes and as whom.
+  struct Login {
     Text host;
     Text user;
     Text password;  // plain
@@ -70,8 +71,8 @@ class Pop3Session {
   /// Everything in `needs` must outlive the session.
   explicit Pop3Session(const Needs& needs) : needs_(needs) {}
 
-  void SetAccount(Account account) { account_ = std::move(account); }
-  const Account& GetAccount() const { return account_; }
+  void SetLogin(Login login) { login_ = std::move(login); }
+  const Login& GetLogin() const { return login_; }
 
   /// A connection is about to be requested. Forgets what the last one left of a reply.
   void Begin();
@@ -124,7 +125,7 @@ class Pop3Session {
   void ShowPosition();
 
   Needs needs_;
-  Account account_;
+  Login login_;
   SessionState state_ = SessionState::kConnecting;
   bool interrupted_ = false;
   bool host_not_found_ = false;

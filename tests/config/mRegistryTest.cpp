@@ -13,10 +13,10 @@ namespace {
 
 constexpr char kMain[] = "SOFTWARE\\Quarnel\\Config\\Email Accounts";
 
-std::string Account(int n) { return std::string(kMain) + "\\0000000" + std::to_string(n); }
+std::string AccountKey(int n) { return std::string(kMain) + "\\0000000" + std::to_string(n); }
 
 Text Record(const Text& name, const Text& password, const Text& port, const Text& save) {
-  return Join({name, u"host", u"user", password, port, save, u"0"}, kCrLf);
+  return Account{name, u"host", u"user", password, port, save, u"0"}.ToRecord();
 }
 
 class mRegistryTest : public testing::Test {
@@ -28,7 +28,7 @@ class mRegistryTest : public testing::Test {
   }
   std::string User(std::string_view name) { return memory_.Show(kCurrentUser, kMain, name); }
   std::string User(int n, std::string_view name) {
-    return memory_.Show(kCurrentUser, Account(n), name);
+    return memory_.Show(kCurrentUser, AccountKey(n), name);
   }
   static Configuration WithAccounts(const std::vector<Text>& records) {
     Configuration configuration;
@@ -95,9 +95,9 @@ TEST_F(mRegistryTest, ReadsNumbersOfEveryTypeOrKeepsTheLast) {
 
 TEST_F(mRegistryTest, LoadReplacesEverything) {
   memory_.PutNumber(kCurrentUser, kMain, "Account Number", 3);
-  memory_.PutText(kCurrentUser, Account(1), "Account Name", "one");
-  memory_.PutText(kCurrentUser, Account(3), "Account Name", "three");
-  memory_.PutText(kCurrentUser, Account(3), "POP3 Port", "2110");
+  memory_.PutText(kCurrentUser, AccountKey(1), "Account Name", "one");
+  memory_.PutText(kCurrentUser, AccountKey(3), "Account Name", "three");
+  memory_.PutText(kCurrentUser, AccountKey(3), "POP3 Port", "2110");
   memory_.PutText(kCurrentUser, kMain, "Spam Sender", "a\r\n\r\nb");
   memory_.Put(kCurrentUser, kMain, "Sound File", kRegExpandSz, "%S%\\x.wav");
   memory_.environment = {{"S", "D:\\sounds"}};
@@ -108,9 +108,9 @@ TEST_F(mRegistryTest, LoadReplacesEverything) {
   for (int times = 0; times < 2; ++times) {
     store_.Load(configuration);
     ASSERT_EQ(configuration.Accounts.Count(), 3);
-    EXPECT_EQ(SplitAccount(ToText(configuration.Accounts.Item(1)))[kAccountName], u"one");
+    EXPECT_EQ(configuration.AccountAt(1).name, u"one");
     EXPECT_EQ(ToText(configuration.Accounts.Item(2)), u"\r\n\r\n\r\n\r\n110\r\n0\r\n");
-    EXPECT_EQ(SplitAccount(ToText(configuration.Accounts.Item(3)))[kAccountPort], u"2110");
+    EXPECT_EQ(configuration.AccountAt(3).port, u"2110");
     EXPECT_EQ(configuration.SpamSenders, (std::vector<Text>{u"a", u"", u"b"}));
     EXPECT_TRUE(configuration.SpamSubjects.empty());
     EXPECT_EQ(configuration.SoundFile, u"D:\\sounds\\x.wav");
@@ -130,7 +130,7 @@ TEST_F(mRegistryTest, SavesToBothHivesAsOneUnitEachAndLoadsBack) {
   EXPECT_EQ(memory_.Transactions(kCurrentUser), 1);
   EXPECT_EQ(memory_.Transactions(kLocalMachine), 1);
   EXPECT_EQ(memory_.WritesOutsideTransactions(), 0);
-  EXPECT_EQ(memory_.Show(kLocalMachine, Account(1), "POP3 Password"), "scr@mbled");
+  EXPECT_EQ(memory_.Show(kLocalMachine, AccountKey(1), "POP3 Password"), "scr@mbled");
   EXPECT_EQ(User("Spam Subject"), "");
 
   Configuration loaded = Load();
@@ -146,13 +146,13 @@ TEST_F(mRegistryTest, SavesToBothHivesAsOneUnitEachAndLoadsBack) {
 TEST_F(mRegistryTest, RemovesTheAccountsBehindTheLastUpToAGap) {
   std::vector<Text> five(5, Record(u"a", u"", u"110", u"0"));
   store_.Save(WithAccounts(five));
-  memory_.PutText(kCurrentUser, Account(7), "Account Name", "stale");
+  memory_.PutText(kCurrentUser, AccountKey(7), "Account Name", "stale");
   five.resize(3);
   store_.Save(WithAccounts(five));
   EXPECT_EQ(User("Account Number"), "3");
   for (int n = 1; n <= 7; ++n) {
-    EXPECT_EQ(memory_.HasKey(kCurrentUser, Account(n)), n <= 3 || n == 7) << n;
-    EXPECT_EQ(memory_.HasKey(kLocalMachine, Account(n)), n <= 3) << n;
+    EXPECT_EQ(memory_.HasKey(kCurrentUser, AccountKey(n)), n <= 3 || n == 7) << n;
+    EXPECT_EQ(memory_.HasKey(kLocalMachine, AccountKey(n)), n <= 3) << n;
   }
 }
 
@@ -162,7 +162,7 @@ TEST_F(mRegistryTest, PasswordsAreStoredOnlyWhereTheSwitchIsOn) {
   for (const auto& [save, stored] : rows) {
     store_.Save(WithAccounts({Record(u"a", u"pw", u"no port", save), u"short"}));
     EXPECT_EQ(User(1, "POP3 Password"), stored);
-    EXPECT_EQ(memory_.Show(kLocalMachine, Account(1), "POP3 Password"), stored);
+    EXPECT_EQ(memory_.Show(kLocalMachine, AccountKey(1), "POP3 Password"), stored);
     EXPECT_EQ(User(1, "Save Password") == "0", *stored == '\0');
   }
   EXPECT_EQ(User(1, "POP3 Port"), "(none)");
@@ -178,7 +178,7 @@ TEST_F(mRegistryTest, EveryFailureIsSkipped) {
       store_.Save(two);
       memory_.Fail(call, n % 2 ? kStatusWriteFault : -1, n);
       store_.Save(WithAccounts({Record(u"b", u"", u"110", u"0")}));
-      EXPECT_EQ(memory_.Show(kLocalMachine, Account(1), "Account Name"), "b");
+      EXPECT_EQ(memory_.Show(kLocalMachine, AccountKey(1), "Account Name"), "b");
       memory_.Fail(call, kStatusRegistryCorrupt, n);
       EXPECT_LE(Load().Accounts.Count(), 2);
       memory_.HealAll();

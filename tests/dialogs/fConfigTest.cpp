@@ -114,8 +114,8 @@ TEST_F(fConfigTest, EditedAccountsAreStoredWhenAnotherIsShown) {
     Type(form, "txtPop3Account(1)", u"pop.b.example");
   });
   EXPECT_EQ(machine.AccountNames(), u"alpha,b");
-  EXPECT_EQ(Decrypt(machine.Account(1)[kAccountPassword], *machine.locale), u"new word");
-  EXPECT_EQ(machine.Account(2)[kAccountServer], u"pop.b.example");
+  EXPECT_EQ(Decrypt(machine.Account(1).password, *machine.locale), u"new word");
+  EXPECT_EQ(machine.Account(2).server, u"pop.b.example");
   EXPECT_EQ(Stored().Accounts.Count(), 2);
 }
 
@@ -124,13 +124,13 @@ TEST_F(fConfigTest, PortsAreNumbersAndAccountsHaveNames) {
   const std::pair<Text, Text> cases[] = {{u"", u"110"}, {u"pop3", u"110"}, {u" 995 ", u"995"}};
   for (const auto& [typed, stored] : cases) {
     Show([&](Form& form) { Type(form, "txtPop3Account(4)", typed); });
-    EXPECT_EQ(machine.Account(1)[kAccountPort], stored);
+    EXPECT_EQ(machine.Account(1).port, stored);
   }
   Show([](Form& form) {
     Type(form, "txtPop3Account(0)", u"");  // without a name nothing is stored
     Type(form, "txtPop3Account(4)", u"1");
   });
-  EXPECT_EQ(machine.Account(1)[kAccountPort], u"995");
+  EXPECT_EQ(machine.Account(1).port, u"995");
 }
 
 TEST_F(fConfigTest, APastedLineEndShiftsNoField) {
@@ -159,7 +159,7 @@ TEST_F(fConfigTest, SavePasswordFollowsTheRecordWhereItIsANumber) {
 
 TEST_F(fConfigTest, AnUnreadablePasswordNeverShowsAnotherOne) {
   machine.AddAccount(machine.Record(u"a"));
-  machine.AddAccount(Join({u"b", u"b.example", u"user", Text(40000, u'='), u"110", u"1"}, kCrLf));
+  machine.configuration.AddAccount({u"b", u"b.example", u"user", Text(40000, u'='), u"110", u"1"});
   Show([](Form& form) {
     AccountList(form).Click(1);
     EXPECT_NE(Read(form, "txtPop3Account(3)"), u"secret");

@@ -17,10 +17,9 @@ std::unique_ptr<Desktop> MakeDesktop(const TempFolder& folder) {
   return MakeLinuxDesktop(options);
 }
 
-Variant Record(const TestAccount& account, const Locale& locale) {
-  return Join({account.user, u"127.0.0.1", account.user, Encrypt(account.password, locale),
-               Decimal(account.port), u"1", u""},
-              kCrLf);
+Account Stored(const TestAccount& account, const Locale& locale) {
+  return {account.user,          u"127.0.0.1", account.user, Encrypt(account.password, locale),
+          Decimal(account.port), u"1"};
 }
 
 }  // namespace
@@ -34,8 +33,7 @@ void Machine::SetUp(const std::vector<TestAccount>& accounts) {
   store.Load(configuration);
   configuration.Accounts.Clear();
   for (const TestAccount& account : accounts) {
-    Variant record = Record(account, desktop->GetLocale());
-    configuration.Accounts.Add(record);
+    configuration.AddAccount(Stored(account, desktop->GetLocale()));
   }
   configuration.SoundFile.clear();
   store.Save(configuration);

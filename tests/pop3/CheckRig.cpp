@@ -35,8 +35,7 @@ CheckRig::CheckRig()
 void CheckRig::AddAccount(const Text& server, const Text& user, const Text& password,
                           const Text& port) {
   const Text scrambled = password.empty() ? Text() : Encrypt(password, locale);
-  Variant record = Join({u"Home", server, user, scrambled, port, u"1"}, kCrLf);
-  configuration.Accounts.Add(record);
+  configuration.AddAccount({u"Home", server, user, scrambled, port, u"1"});
 }
 
 std::shared_ptr<cMessage> CheckRig::AddMail(const Text& name, int number, const Text& user) {

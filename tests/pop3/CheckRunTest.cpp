@@ -129,10 +129,9 @@ TEST(CheckRun, AsksForWhatAnAccountLacks) {
                                   "credentials: left.out/bob//saved"}));
   EXPECT_EQ(rig.socket.connected.back(), "pop.example.org:110");  // its port is no number
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
-  const std::vector<Text> fields = Split(ToText(rig.configuration.Accounts.Item(1)), kCrLf);
-  ASSERT_EQ(fields.size(), 6u);
-  EXPECT_EQ(Decrypt(fields[3], rig.locale), u"s p");
-  EXPECT_EQ(fields[5], u"0");
+  const Account account = rig.configuration.AccountAt(1);
+  EXPECT_EQ(Decrypt(account.password, rig.locale), u"s p");
+  EXPECT_EQ(account.save_password, u"0");
 }
 
 // --- The user at any moment -------------------------------------------------------------------

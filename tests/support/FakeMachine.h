@@ -31,20 +31,18 @@ struct FakeMachine {
 
   Text Record(const Text& name, const Text& password = u"secret", const Text& port = u"110",
               const Text& save = u"1") const {
-    return Join({name, name + u".example", u"ann", Encrypt(password, *locale), port, save, u""},
-                kCrLf);
+    return vesko::Account{name, name + u".example", u"ann", Encrypt(password, *locale), port, save}
+        .ToRecord();
   }
   void AddAccount(const Text& record) {
     Variant value = record;
     configuration.Accounts.Add(value);
   }
-  std::vector<Text> Account(int32_t n) const {
-    return SplitAccount(ToText(configuration.Accounts.Item(n)));
-  }
+  vesko::Account Account(int32_t n) const { return configuration.AccountAt(n); }
   /// Names of all accounts, joined with commas.
   Text AccountNames() const {
     std::vector<Text> names;
-    for (int32_t n = 1; n <= configuration.Accounts.Count(); ++n) names.push_back(Account(n)[0]);
+    for (int32_t n = 1; n <= configuration.Accounts.Count(); ++n) names.push_back(Account(n).name);
     return Join(names, u",");
   }
 

@@ -28,7 +28,7 @@ constexpr auto kAnswerDelay = 40ms;
 
 constexpr const char* kSamplePassword = "sample";
 
-struct Account {
+struct DemoAccount {
   Text name;
   Text server;
   Text user;
@@ -88,8 +88,8 @@ std::unique_ptr<Pop3Server> StartSampleServer() {
   return std::make_unique<Pop3Server>(std::move(accounts), faults);
 }
 
-std::vector<Account> SampleAccounts(uint16_t port) {
-  std::vector<Account> accounts;
+std::vector<DemoAccount> SampleAccounts(uint16_t port) {
+  std::vector<DemoAccount> accounts;
   for (const char* user : kSampleUsers) {
     accounts.push_back(
         {FromAscii(user), u"127.0.0.1", FromAscii(user), FromAscii(kSamplePassword), port, true});
@@ -97,29 +97,27 @@ std::vector<Account> SampleAccounts(uint16_t port) {
   return accounts;
 }
 
-Account AskForAccount(const Options& options) {
-  Account account{options.server.toStdU16String(), options.server.toStdU16String(),
-                  options.user.toStdU16String(), Text(), options.port};
+DemoAccount AskForAccount(const Options& options) {
+  DemoAccount account{options.server.toStdU16String(), options.server.toStdU16String(),
+                      options.user.toStdU16String(), Text(), options.port};
   const QString prompt = "Password of " + options.user + " on " + options.server + ": ";
   account.password = QString::fromStdString(AskPassword(prompt.toStdString())).toStdU16String();
   if (account.password.empty()) Refuse("No password, no check.");
   return account;
 }
 
-void SetAccounts(Configuration& configuration, const std::vector<Account>& accounts,
+void SetAccounts(Configuration& configuration, const std::vector<DemoAccount>& accounts,
                  const Locale& locale) {
   configuration.Accounts.Clear();
-  for (const Account& account : accounts) {
-    Variant record =
-        Join({account.name, account.server, account.user, Encrypt(account.password, locale),
-              Decimal(account.port), account.save_password ? u"1" : u"0", u""},
-             kCrLf);
-    configuration.Accounts.Add(record);
+  for (const DemoAccount& account : accounts) {
+    configuration.AddAccount({account.name, account.server, account.user,
+                              Encrypt(account.password, locale), Decimal(account.port),
+                              account.save_password ? u"1" : u"0"});
   }
 }
 
 // What a first start would take over from the user's own mail program does not belong here.
-void SeedRegistry(Desktop& desktop, const std::vector<Account>& accounts) {
+void SeedRegistry(Desktop& desktop, const std::vector<DemoAccount>& accounts) {
   mRegistry store(desktop.GetRegistry(), desktop.GetLocale(), desktop.GetShell());
   Configuration configuration;
   store.Load(configuration);

@@ -16,12 +16,11 @@
 namespace vesko {
 namespace {
 
-Variant Record(const std::string& account, int32_t port, const Locale& locale) {
+Account Sample(const std::string& account, int32_t port, const Locale& locale) {
   const size_t colon = std::min(account.find(':'), account.size());
   const Text user = FromAscii(account.substr(0, colon));
   const Text password = FromAscii(account.substr(std::min(colon + 1, account.size())));
-  return Join({user, u"127.0.0.1", user, Encrypt(password, locale), Decimal(port), u"1", u""},
-              kCrLf);
+  return {user, u"127.0.0.1", user, Encrypt(password, locale), Decimal(port), u"1"};
 }
 
 void Seed(int32_t port, const std::vector<std::string>& accounts) {
@@ -33,8 +32,7 @@ void Seed(int32_t port, const std::vector<std::string>& accounts) {
   store.Load(configuration);
   configuration.Accounts.Clear();
   for (const std::string& account : accounts) {
-    Variant record = Record(account, port, *locale);
-    configuration.Accounts.Add(record);
+    configuration.AddAccount(Sample(account, port, *locale));
   }
   store.Save(configuration);
 }

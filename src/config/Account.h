@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/Text.h"
+
+namespace vesko {
+
+/// One POP3 account as the settings hold it. Everything is text: what a person typed or a registry
+/// holds is kept as it is until it is used. Members left out of an initializer are empty.
+struct Account {
+  Text name{};  // shown in lists
+  Text server{};
+  Text user{};
+  Text password{};       // scrambled, see mmEncrypt.h
+  Text port{};           // decimal
+  Text save_password{};  // decimal: 0 off, any other number on
+  Text unstored{};       // the seventh field of a record, which the registry does not keep
+
+  /// Splits a record at CR LF. Missing fields are empty and surplus ones are ignored; never fails.
+  static Account FromRecord(TextView record);
+
+  /// The seven fields joined with CR LF, which is how `Configuration::Accounts` holds them.
+  Text ToRecord() const;
+
+  /// The port as a number; 110 where it is none.
+  int32_t PortNumber() const;
+
+  /// Whether the password may be stored. A flag that is no number counts as off.
+  bool SavesPassword() const;
+};
+
+}  // namespace vesko
