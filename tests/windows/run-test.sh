@@ -12,6 +12,9 @@ use_prefix "$VESKO_PREFIX"
 case $1 in
   start)
     leave_prefix
+    # Windows are made, moved and asked as ever; only nothing is drawn anywhere.
+    run reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >/dev/null
+    leave_prefix
     start_wine
     ;;
   end) leave_prefix ;;
