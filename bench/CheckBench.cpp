@@ -95,6 +95,7 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   int count = 1;
   char name[] = "vesko_bench_check";
   char* arguments[] = {name, nullptr};
+  setenv("QT_QPA_PLATFORM", "offscreen", 0);
   QApplication application(count, arguments);
   const std::unique_ptr<Toolkit> toolkit = MakeQtToolkit();
   const std::unique_ptr<Locale> locale = MakeIcuLocale(kCodePageUtf8, "en_US");

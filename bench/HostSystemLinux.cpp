@@ -43,6 +43,7 @@ class LinuxHostSystem final : public HostSystem {
   LinuxHostSystem() {
     EnterPrivateMachine();
     setenv("XDG_CONFIG_HOME", settings_.Path().c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     application_ = std::make_unique<QApplication>(count_, arguments_);
   }
 

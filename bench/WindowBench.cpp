@@ -1,6 +1,5 @@
 // How long the list of messages takes to open, to sort and to select, the settings to open and to
-// save, and what showing the progress of a check costs. Run it with QT_QPA_PLATFORM=offscreen where
-// there is no display.
+// save, and what showing the progress of a check costs.
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -10,6 +9,7 @@
 #include <QTreeView>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 #include "desktop/linux/LinuxDesktop.h"
@@ -191,6 +191,7 @@ class ProgressForm : public Form {
 }  // namespace vesko
 
 int main(int argc, char** argv) {
+  setenv("QT_QPA_PLATFORM", "offscreen", 0);
   QApplication application(argc, argv);
   vesko::Machine machine;
   vesko::MeasureList(machine);

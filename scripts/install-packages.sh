@@ -5,7 +5,7 @@
 # does without where that cannot be had.
 set -euo pipefail
 
-build=(cmake g++ libbenchmark-dev libgl-dev libicu-dev libsqlite3-dev ninja-build pkg-config
+build=(cmake g++ libgl-dev libicu-dev libsqlite3-dev ninja-build pkg-config
   qt6-base-dev qt6-multimedia-dev)
 # A bare machine has no font for the sample messages' Korean and Japanese names.
 demo=(fonts-dejavu-core fonts-noto-cjk)
