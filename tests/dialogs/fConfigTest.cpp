@@ -139,9 +139,9 @@ TEST_F(fConfigTest, APastedLineEndShiftsNoField) {
     Type(form, "txtPop3Account(1)", u"pop.example\r\n");
     Type(form, "txtPop3Account(3)", u"pw\r\nDELE 1");
   });
-  EXPECT_EQ(machine.Account(1)[kAccountServer], u"pop.example");
-  EXPECT_EQ(machine.Account(1)[kAccountUser], u"ann");
-  EXPECT_EQ(Decrypt(machine.Account(1)[kAccountPassword], *machine.locale), u"pw");
+  EXPECT_EQ(machine.Account(1).server, u"pop.example");
+  EXPECT_EQ(machine.Account(1).user, u"ann");
+  EXPECT_EQ(Decrypt(machine.Account(1).password, *machine.locale), u"pw");
 }
 
 TEST_F(fConfigTest, SavePasswordFollowsTheRecordWhereItIsANumber) {
