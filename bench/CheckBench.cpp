@@ -24,12 +24,12 @@
 
 #include "BareLoop.h"
 #include "SampleMail.h"
-#include "config/Configuration.h"
 #include "config/mmEncrypt.h"
+#include "desktop/common/SteadyClock.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "dialogs/fCheckMail.h"
 #include "e2e/Dovecot.h"
-#include "maillist/colMails.h"
+#include "maillist/SharedData.h"
 
 namespace vesko {
 namespace {
@@ -76,14 +76,6 @@ double PeakMegabytes() {
   return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-class SteadySeconds : public Clock {
- public:
-  double Seconds() const override {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count();
-  }
-};
-
 struct CheckResult {
   Cost cost;
   double megabytes = 0;  // growth of the peak of resident memory
@@ -100,20 +92,22 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   const std::unique_ptr<Toolkit> toolkit = MakeQtToolkit();
   const std::unique_ptr<Locale> locale = MakeIcuLocale(kCodePageUtf8, "en_US");
   const std::unique_ptr<Socket> socket = MakeQtSocket(*locale, {});
-  const SteadySeconds clock;
-  Configuration configuration;
-  colMails mails;
+  const SteadyClock clock;
+  const std::unique_ptr<Registry> registry = MakeSqliteRegistry({}, {});
+  const std::unique_ptr<Shell> shell = MakeLinuxShell();
+  const std::unique_ptr<Sound> sound = MakeQtSound();
+  const Services services{*locale, *registry, *shell, *sound, clock, toolkit->GetPump(), *socket};
+  SharedData data;
   const Text password = Encrypt(FromAscii(kPassword), *locale);
-  configuration.AddAccount(
+  data.configuration.AddAccount(
       {u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(port), u"0"});
-  const Text font_name;
-  fCheckMail window({*toolkit, *locale, configuration, mails, *socket, clock, font_name});
+  fCheckMail window(*toolkit, services, data);
   window.Prepare();
   CheckResult result;
   const double before = PeakMegabytes();
   result.cost = Measure([&] { window.ShowModal(); });
   result.megabytes = PeakMegabytes() - before;
-  result.messages = static_cast<int>(mails.Count());
+  result.messages = static_cast<int>(data.mails.Count());
   return result;
 }
 

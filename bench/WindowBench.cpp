@@ -56,9 +56,12 @@ struct Machine {
   FakeShell shell;
   FakeClock clock;
   MemoryRegistry registry;
-  Configuration configuration;
+  struct NoSound : Sound {
+    int OutputDevices() override { return 0; }
+    void Play(const Text&) override {}
+  } sound;
+  Services services{*locale, registry, shell, sound, clock, toolkit->GetPump(), socket};
   mRegistry store{registry, *locale, shell};
-  Text font;
 };
 
 void Fill(colMails& mails, int count, const Locale& locale) {
@@ -77,14 +80,12 @@ void Fill(colMails& mails, int count, const Locale& locale) {
 
 /// Opens the window, runs a step in it, closes it; the time until it stood on the screen.
 double Open(Machine& machine, int rows, const std::function<void(QTreeView&)>& step) {
-  colMails mails;
-  Fill(mails, rows, *machine.locale);
-  fConfig config({*machine.toolkit, *machine.locale, machine.configuration, machine.store,
-                  [](const Text&) {}, machine.font});
-  fCheckMail check({*machine.toolkit, *machine.locale, machine.configuration, mails, machine.socket,
-                    machine.clock, machine.font});
-  fListMail list({*machine.toolkit, *machine.locale, machine.configuration, mails, machine.shell,
-                  config, check, machine.font});
+  SharedData data;
+  Fill(data.mails, rows, *machine.locale);
+  Toolkit& toolkit = *machine.toolkit;
+  fConfig config(toolkit, machine.services, data, machine.store, [](const Text&) {});
+  fCheckMail check(toolkit, machine.services, data);
+  fListMail list(toolkit, machine.services, data, config, check);
   double opened = 0;
   const auto begin = std::chrono::steady_clock::now();
   QTimer::singleShot(0, qApp, [&] {
@@ -131,17 +132,16 @@ void MeasureSettings(Machine& machine) {
   const auto registry = MakeSqliteRegistry(folder.filePath("user").toStdString(),
                                            folder.filePath("machine").toStdString());
   mRegistry store(*registry, *machine.locale, machine.shell);
-  Configuration configuration;
+  SharedData data;
+  Configuration& configuration = data.configuration;
   for (int64_t i = 0; i < 200; ++i) {
-    Variant record = u"Account " + Decimal(i) + u"\r\npop3.example\r\nkim\r\n\r\n110\r\n0\r\n";
-    configuration.Accounts.Add(record);
+    configuration.AddAccount({u"Account " + Decimal(i), u"pop3.example", u"kim", {}, u"110", u"0"});
   }
   for (int64_t i = 0; i < 1000; ++i) {
     configuration.SpamSenders.push_back(Text(u"@").append(Decimal(i)).append(u".example"));
     configuration.SpamSubjects.push_back(u"word" + Decimal(i));
   }
-  fConfig window(
-      {*machine.toolkit, *machine.locale, configuration, store, [](const Text&) {}, machine.font});
+  fConfig window(*machine.toolkit, machine.services, data, store, [](const Text&) {});
   double opened = 0;
   std::chrono::steady_clock::time_point pressed;
   const auto begin = std::chrono::steady_clock::now();

@@ -9,34 +9,30 @@
 namespace vesko {
 
 ComponentState::ComponentState(Desktop& desktop)
-    : desktop_(desktop), store_(desktop.GetRegistry(), desktop.GetLocale(), desktop.GetShell()) {}
+    : desktop_(desktop),
+      store_(GetServices().registry, GetServices().locale, GetServices().shell) {}
 
 ComponentState::~ComponentState() = default;
 
 fCheckMail& ComponentState::CheckWindow() {
   if (!check_window_) {
-    socket_ = desktop_.NewSocket();
-    check_window_ = std::make_unique<fCheckMail>(
-        fCheckMail::Needs{desktop_.GetToolkit(), desktop_.GetLocale(), configuration, mails,
-                          *socket_, desktop_.GetClock(), font_name});
+    check_window_ = std::make_unique<fCheckMail>(GetToolkit(), GetServices(), data);
   }
   return *check_window_;
 }
 
 fListMail& ComponentState::ListWindow() {
   if (!list_window_) {
-    list_window_ = std::make_unique<fListMail>(
-        fListMail::Needs{desktop_.GetToolkit(), desktop_.GetLocale(), configuration, mails,
-                         desktop_.GetShell(), ConfigWindow(), CheckWindow(), font_name});
+    list_window_ = std::make_unique<fListMail>(GetToolkit(), GetServices(), data, ConfigWindow(),
+                                               CheckWindow());
   }
   return *list_window_;
 }
 
 fConfig& ComponentState::ConfigWindow() {
   if (!config_window_) {
-    const auto play = [this](const Text& path) { PlayNewMailSound(desktop_.GetSound(), path); };
-    config_window_ = std::make_unique<fConfig>(fConfig::Needs{
-        desktop_.GetToolkit(), desktop_.GetLocale(), configuration, store_, play, font_name});
+    const auto play = [this](const Text& path) { PlayNewMailSound(GetServices().sound, path); };
+    config_window_ = std::make_unique<fConfig>(GetToolkit(), GetServices(), data, store_, play);
   }
   return *config_window_;
 }

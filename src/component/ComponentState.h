@@ -5,9 +5,8 @@
 
 #include "base/Text.h"
 #include "component/Desktop.h"
-#include "config/Configuration.h"
 #include "config/mRegistry.h"
-#include "maillist/colMails.h"
+#include "maillist/SharedData.h"
 
 namespace vesko {
 
@@ -23,12 +22,11 @@ class ComponentState {
   explicit ComponentState(Desktop& desktop);
   ~ComponentState();
 
-  Desktop& GetDesktop() { return desktop_; }
+  const Services& GetServices() const { return desktop_.GetServices(); }
+  Toolkit& GetToolkit() { return desktop_.GetToolkit(); }
 
-  Configuration configuration;
-  colMails mails;
+  SharedData data;
   bool busy = false;
-  Text font_name;           // every window applies it when it loads
   int32_t font_handle = 0;  // kept for the host; nothing reads it
 
   mRegistry& Store() { return store_; }
@@ -44,7 +42,6 @@ class ComponentState {
  private:
   Desktop& desktop_;
   mRegistry store_;
-  std::unique_ptr<Socket> socket_;
   std::unique_ptr<fCheckMail> check_window_;
   std::unique_ptr<fListMail> list_window_;
   std::unique_ptr<fConfig> config_window_;

@@ -31,17 +31,17 @@ bool UserSaysYes(Toolkit& toolkit, const Text& question) {
 }  // namespace
 
 cVeskoEx::cVeskoEx(ComponentState& state) : state_(state) {
-  state_.Store().Load(state_.configuration);
+  state_.Store().Load(state_.data.configuration);
 }
 
 cVeskoEx::~cVeskoEx() {
-  while (state_.mails.Count() > 0) state_.mails.RemoveFirst();
-  state_.Store().Save(state_.configuration);
+  while (state_.data.mails.Count() > 0) state_.data.mails.RemoveFirst();
+  state_.Store().Save(state_.data.configuration);
   UnloadWindows();
 }
 
 void cVeskoEx::SetFont(const Text& sFontName, int32_t hFont) {
-  state_.font_name = sFontName;
+  state_.data.font_name = sFontName;
   state_.font_handle = hFont;
 }
 
@@ -52,15 +52,15 @@ void cVeskoEx::Configure() {
 }
 
 int32_t cVeskoEx::CheckTime() const {
-  const Configuration& settings = state_.configuration;
+  const Configuration& settings = state_.data.configuration;
   const bool automatic = settings.ManualChecking == 0 && settings.CheckInterval != 0;
   return automatic ? settings.CheckInterval : -1;
 }
 
 void cVeskoEx::CheckMail() {
   const Busy busy(state_);
-  if (state_.configuration.Accounts.Count() == 0) IgnoreErrors([&] { OfferConfiguration(); });
-  if (state_.configuration.Accounts.Count() == 0) return;
+  if (state_.data.configuration.Accounts.Count() == 0) IgnoreErrors([&] { OfferConfiguration(); });
+  if (state_.data.configuration.Accounts.Count() == 0) return;
   IgnoreErrors([&] { state_.CheckWindow().Prepare(); });
   IgnoreErrors([&] { state_.CheckWindow().ShowModal(); });
   IgnoreErrors([&] { ReportResult(); });
@@ -68,28 +68,26 @@ void cVeskoEx::CheckMail() {
 
 void cVeskoEx::ViewMail() {
   const Busy busy(state_);
-  if (state_.mails.Count() > 0) {
+  if (state_.data.mails.Count() > 0) {
     state_.ListWindow().ShowModal();
-  } else if (UserSaysYes(state_.GetDesktop().GetToolkit(),
-                         u"You have no mails. Check POP3 mail server now ?")) {
+  } else if (UserSaysYes(state_.GetToolkit(), u"You have no mails. Check POP3 mail server now ?")) {
     CheckMail();
   }
 }
 
 void cVeskoEx::OfferConfiguration() {
-  if (UserSaysYes(state_.GetDesktop().GetToolkit(),
+  if (UserSaysYes(state_.GetToolkit(),
                   u"You have no POP3 mail account. Config POP3 mail account now ?")) {
     state_.ConfigWindow().ShowModal();
   }
 }
 
 void cVeskoEx::ReportResult() {
-  Desktop& desktop = state_.GetDesktop();
   if (!state_.CheckWindow().NewMail()) {
-    desktop.GetToolkit().ShowMessage(u"You have no mail not read.", {}, MessageIcon::kInformation);
+    state_.GetToolkit().ShowMessage(u"You have no mail not read.", {}, MessageIcon::kInformation);
     return;
   }
-  PlayNewMailSound(desktop.GetSound(), state_.configuration.SoundFile);
+  PlayNewMailSound(state_.GetServices().sound, state_.data.configuration.SoundFile);
   state_.ListWindow().ShowModal();
 }
 

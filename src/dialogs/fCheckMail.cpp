@@ -15,11 +15,8 @@ constexpr TextView kCaption = u"Checking mail box ...";
 
 }  // namespace
 
-fCheckMail::fCheckMail(const Needs& needs)
-    : Form("fCheckMail", needs.toolkit),
-      font_name_(needs.font_name),
-      run_({needs.socket, needs.toolkit.GetPump(), needs.clock, needs.locale, needs.configuration,
-            needs.mails, *this}) {
+fCheckMail::fCheckMail(Toolkit& toolkit, const Services& services, SharedData& data)
+    : Form("fCheckMail", toolkit), font_name_(data.font_name), run_(services, data, *this) {
   Resize(kWidth, kHeight);
   SetUp();
   Arrange();

@@ -1,11 +1,8 @@
 #pragma once
 
 #include "base/Text.h"
-#include "config/Configuration.h"
-#include "maillist/colMails.h"
-#include "platform/Clock.h"
-#include "platform/Locale.h"
-#include "platform/Socket.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "pop3/CheckRun.h"
 #include "pop3/ProgressView.h"
 #include "ui/Controls.h"
@@ -17,18 +14,8 @@ namespace vesko {
 /// while it is shown, and it closes itself at the end.
 class fCheckMail : public Form, private ProgressView {
  public:
-  struct Needs {
-    Toolkit& toolkit;
-    const Locale& locale;
-    Configuration& configuration;
-    colMails& mails;
-    Socket& socket;
-    const Clock& clock;
-    const Text& font_name;
-  };
-
-  /// Everything in `needs` must outlive the window. Takes over the socket's events.
-  explicit fCheckMail(const Needs& needs);
+  /// All must outlive the window. Takes over the socket's events.
+  fCheckMail(Toolkit& toolkit, const Services& services, SharedData& data);
   ~fCheckMail() override;
 
   /// The next showing runs a check.

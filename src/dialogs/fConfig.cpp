@@ -46,13 +46,14 @@ std::vector<Text> Keywords(const ListBox& list) {
 
 }  // namespace
 
-fConfig::fConfig(const Needs& needs)
-    : Form("fConfig", needs.toolkit),
-      locale_(needs.locale),
-      configuration_(needs.configuration),
-      store_(needs.store),
-      play_sound_(needs.play_sound),
-      font_name_(needs.font_name),
+fConfig::fConfig(Toolkit& toolkit, const Services& services, SharedData& data, mRegistry& store,
+                 PlaySound play_sound)
+    : Form("fConfig", toolkit),
+      locale_(services.locale),
+      configuration_(data.configuration),
+      store_(store),
+      play_sound_(std::move(play_sound)),
+      font_name_(data.font_name),
       senders_{lstSpamSender, cmdSpamSender,
                u"Type new spam mail address keyword\r\n"
                u"such as offers@spam.example or @spam.example:"},

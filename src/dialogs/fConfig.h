@@ -3,9 +3,9 @@
 #include <functional>
 
 #include "base/Text.h"
-#include "config/Configuration.h"
 #include "config/mRegistry.h"
-#include "platform/Locale.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
 
@@ -20,17 +20,11 @@ inline constexpr int kOptionPage = 2;
 /// Cancel and closing the window load everything again, which discards every edit.
 class fConfig : public Form {
  public:
-  struct Needs {
-    Toolkit& toolkit;
-    const Locale& locale;
-    Configuration& configuration;
-    mRegistry& store;
-    std::function<void(const Text& path)> play_sound;
-    const Text& font_name;
-  };
+  using PlaySound = std::function<void(const Text& path)>;
 
-  /// Everything in `needs` must outlive the window.
-  explicit fConfig(const Needs& needs);
+  /// All references must outlive the window. `play_sound` lets the user hear a wave file.
+  fConfig(Toolkit& toolkit, const Services& services, SharedData& data, mRegistry& store,
+          PlaySound play_sound);
   ~fConfig() override;
 
   /// Turns to a page, before or while the window is shown.
@@ -89,7 +83,7 @@ class fConfig : public Form {
   const Locale& locale_;
   Configuration& configuration_;
   mRegistry& store_;
-  std::function<void(const Text& path)> play_sound_;
+  PlaySound play_sound_;
   const Text& font_name_;
   bool canceled_ = false;
   int shown_account_ = -1;  // line of the account in the boxes, -1 for none

@@ -77,15 +77,16 @@ ListView::Row RowFor(const cMessage& message) {
 
 }  // namespace
 
-fListMail::fListMail(const Needs& needs)
-    : Form("fListMail", needs.toolkit),
-      locale_(needs.locale),
-      configuration_(needs.configuration),
-      mails_(needs.mails),
-      shell_(needs.shell),
-      config_window_(needs.config_window),
-      check_window_(needs.check_window),
-      font_name_(needs.font_name) {
+fListMail::fListMail(Toolkit& toolkit, const Services& services, SharedData& data,
+                     fConfig& config_window, fCheckMail& check_window)
+    : Form("fListMail", toolkit),
+      locale_(services.locale),
+      configuration_(data.configuration),
+      mails_(data.mails),
+      shell_(services.shell),
+      config_window_(config_window),
+      check_window_(check_window),
+      font_name_(data.font_name) {
   SetCaption(u"New Messages");
   Resize(kWidth, kHeight);
   SetResizable(true);

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "base/Text.h"
-#include "config/Configuration.h"
 #include "dialogs/fCheckMail.h"
 #include "dialogs/fConfig.h"
-#include "maillist/colMails.h"
-#include "platform/Locale.h"
-#include "platform/Shell.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "ui/Controls.h"
 #include "ui/Form.h"
 
@@ -15,19 +13,9 @@ namespace vesko {
 /// The window that lists the fetched messages. What the user marks is marked in the collection.
 class fListMail : public Form {
  public:
-  struct Needs {
-    Toolkit& toolkit;
-    const Locale& locale;
-    const Configuration& configuration;
-    colMails& mails;
-    Shell& shell;
-    fConfig& config_window;
-    fCheckMail& check_window;
-    const Text& font_name;
-  };
-
-  /// Everything in `needs` must outlive the window.
-  explicit fListMail(const Needs& needs);
+  /// All must outlive the window.
+  fListMail(Toolkit& toolkit, const Services& services, SharedData& data, fConfig& config_window,
+            fCheckMail& check_window);
   ~fListMail() override;
 
  private:

@@ -34,11 +34,11 @@ void AccountRun::End() {
 void AccountRun::Start(int32_t position) {
   position_ = position;
   skipped_ = false;
-  needs_.view.EnableNext(position < needs_.configuration.Accounts.Count());
+  view_.EnableNext(position < data_.configuration.Accounts.Count());
 }
 
 bool AccountRun::Prepare(bool retry) {
-  if (Left() || needs_.socket.State() != SocketState::kClosed) return false;
+  if (Left() || services_.socket.State() != SocketState::kClosed) return false;
   if (retry && !ConfirmRetry()) return false;
   Account account = ReadAccount();
   if (IsIncomplete(account) && !Complete(account)) return false;
@@ -52,35 +52,35 @@ bool AccountRun::WouldAsk() const {
 
 bool AccountRun::ConfirmRetry() {
   if (!WouldAsk()) return true;
-  const int button = needs_.view.AskRetry(
-      u"Checking mail is failed on " + Quoted(session_.GetLogin().host) + u".\r\n" +
-          u"Last command was " + Quoted(MaskedCommand(session_.LastCommand())) + u".\r\n" +
-          u"Try again ? \r\n",
-      u"Quarnel");
+  const int button =
+      view_.AskRetry(u"Checking mail is failed on " + Quoted(session_.GetLogin().host) + u".\r\n" +
+                         u"Last command was " + Quoted(MaskedCommand(session_.LastCommand())) +
+                         u".\r\n" + u"Try again ? \r\n",
+                     u"Quarnel");
   return button != kAnswerNo && !Left();
 }
 
 Account AccountRun::ReadAccount() const {
   Account account;
-  IgnoreErrors([&] { account = needs_.configuration.AccountAt(position_); });
+  IgnoreErrors([&] { account = data_.configuration.AccountAt(position_); });
   return account;
 }
 
 Text AccountRun::DecryptedOrEmpty(const Text& scrambled) const {
   Text plain;
-  IgnoreErrors([&] { plain = Decrypt(scrambled, needs_.locale); });
+  IgnoreErrors([&] { plain = Decrypt(scrambled, services_.locale); });
   return plain;
 }
 
 bool AccountRun::Complete(Account& account) {
   Credentials typed{account.server, account.user, DecryptedOrEmpty(account.password),
                     account.SavesPassword()};
-  if (!needs_.view.AskCredentials(typed) || Left()) return false;
+  if (!view_.AskCredentials(typed) || Left()) return false;
   account.server = typed.server;
   account.user = typed.user;
-  IgnoreErrors([&] { account.password = Encrypt(typed.password, needs_.locale); });
+  IgnoreErrors([&] { account.password = Encrypt(typed.password, services_.locale); });
   account.save_password = typed.save_password ? u"1" : u"0";
-  IgnoreErrors([&] { needs_.configuration.ReplaceAccount(position_, account); });
+  IgnoreErrors([&] { data_.configuration.ReplaceAccount(position_, account); });
   account = Account::FromRecord(account.ToRecord());
   return true;
 }
@@ -92,7 +92,7 @@ void AccountRun::Use(const Account& account) {
 
 bool AccountRun::RunSession() {
   session_.Begin();
-  needs_.socket.Close();
+  services_.socket.Close();
   RunPending();
   if (Left()) return false;
   Connect();
@@ -102,38 +102,38 @@ bool AccountRun::RunSession() {
 
 void AccountRun::Connect() {
   const Pop3Session::Login& login = session_.GetLogin();
-  IgnoreErrors([&] { needs_.socket.SetLocalPort(0); });
-  needs_.mails.BeginSession();
-  IgnoreErrors([&] { needs_.socket.Connect(login.host, login.port); });
-  needs_.view.ShowCommand(u"Command: Connecting to " + login.host);
+  IgnoreErrors([&] { services_.socket.SetLocalPort(0); });
+  data_.mails.BeginSession();
+  IgnoreErrors([&] { services_.socket.Connect(login.host, login.port); });
+  view_.ShowCommand(u"Command: Connecting to " + login.host);
 }
 
 void AccountRun::Wait() {
   session_.StartWaiting();
-  while (needs_.socket.State() != SocketState::kClosed && WaitOneTurn()) {
+  while (services_.socket.State() != SocketState::kClosed && WaitOneTurn()) {
   }
-  while (needs_.socket.State() != SocketState::kClosed) {
+  while (services_.socket.State() != SocketState::kClosed) {
     RunPending();
-    needs_.socket.Close();
+    services_.socket.Close();
   }
 }
 
 bool AccountRun::WaitOneTurn() {
-  needs_.pump.RunPending(UntilNextDuty());
+  services_.pump.RunPending(UntilNextDuty());
   RefreshStatus();
-  const SocketState state = needs_.socket.State();
+  const SocketState state = services_.socket.State();
   if (state == SocketState::kError || session_.State() == SessionState::kStopped) return false;
   if (state == SocketState::kClosing) {
     session_.HandlePeerClosed();
     return false;
   }
-  return session_.Silence() <= needs_.configuration.WaitTime;
+  return session_.Silence() <= data_.configuration.WaitTime;
 }
 
 std::chrono::milliseconds AccountRun::UntilNextDuty() const {
   const double silence = session_.Silence();
   const double next_label = Rounded(silence) + 0.5;
-  return JustAfter(std::min<double>(next_label, needs_.configuration.WaitTime) - silence);
+  return JustAfter(std::min<double>(next_label, data_.configuration.WaitTime) - silence);
 }
 
 void AccountRun::RefreshStatus() {
@@ -141,30 +141,31 @@ void AccountRun::RefreshStatus() {
   const int32_t seconds = Rounded(session_.Silence());
   if (seconds != last_shown_seconds_) {
     last_shown_seconds_ = seconds;
-    needs_.view.ShowTime(Decimal(seconds) + u" seconds");
+    view_.ShowTime(Decimal(seconds) + u" seconds");
   }
   const Text& host = session_.GetLogin().host;
-  switch (needs_.socket.State()) {
+  switch (services_.socket.State()) {
     case SocketState::kConnectionPending:
-      return needs_.view.ShowProgress(u"Connection pending ...");
+      return view_.ShowProgress(u"Connection pending ...");
     case SocketState::kResolvingHost:
-      return needs_.view.ShowProgress(u"Resolving host " + Quoted(host) + u" ...");
+      return view_.ShowProgress(u"Resolving host " + Quoted(host) + u" ...");
     case SocketState::kConnecting:
-      return needs_.view.ShowProgress(u"Connecting " + Quoted(host) + u" ...");
+      return view_.ShowProgress(u"Connecting " + Quoted(host) + u" ...");
     case SocketState::kClosing:
-      return needs_.view.ShowProgress(u"Closing connection to " + Quoted(host) + u" ...");
+      return view_.ShowProgress(u"Closing connection to " + Quoted(host) + u" ...");
     default:
       return;
   }
 }
 
 void AccountRun::Settle() {
-  needs_.socket.Close();
+  services_.socket.Close();
   RunPending();
   if (WouldAsk()) return;
-  const double end = needs_.clock.Seconds() + kSecondsBetweenTries;
-  for (double now = needs_.clock.Seconds(); now < end && !Left(); now = needs_.clock.Seconds()) {
-    needs_.pump.RunPending(JustAfter(end - now));
+  const double end = services_.clock.Seconds() + kSecondsBetweenTries;
+  for (double now = services_.clock.Seconds(); now < end && !Left();
+       now = services_.clock.Seconds()) {
+    services_.pump.RunPending(JustAfter(end - now));
   }
 }
 
@@ -172,10 +173,10 @@ void AccountRun::Skip() {
   if (over_) return;
   skipped_ = true;
   RunPending();
-  if (needs_.socket.State() == SocketState::kConnected) {
+  if (services_.socket.State() == SocketState::kConnected) {
     LogOut();
   } else {
-    needs_.socket.Close();
+    services_.socket.Close();
   }
   RunPending();
 }

@@ -4,8 +4,10 @@
 #include <cstdint>
 
 #include "base/Text.h"
-#include "pop3/CheckRun.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "pop3/Pop3Session.h"
+#include "pop3/ProgressView.h"
 
 namespace vesko {
 
@@ -17,8 +19,8 @@ Text Quoted(const Text& value);
 class AccountRun {
  public:
   /// All must outlive this object.
-  AccountRun(const CheckRun::Needs& needs, Pop3Session& session)
-      : needs_(needs), session_(session) {}
+  AccountRun(const Services& services, SharedData& data, ProgressView& view, Pop3Session& session)
+      : services_(services), data_(data), view_(view), session_(session) {}
 
   /// The window was opened, or unloaded: afterwards nothing is asked, shown or connected to.
   void Open() { over_ = false; }
@@ -48,7 +50,7 @@ class AccountRun {
 
  private:
   bool Left() const { return over_ || skipped_; }
-  void RunPending() { needs_.pump.RunPending(std::chrono::milliseconds(0)); }
+  void RunPending() { services_.pump.RunPending(std::chrono::milliseconds(0)); }
 
   bool WouldAsk() const;
   bool ConfirmRetry();
@@ -63,7 +65,9 @@ class AccountRun {
   std::chrono::milliseconds UntilNextDuty() const;
   void LogOut();
 
-  CheckRun::Needs needs_;
+  const Services& services_;
+  SharedData& data_;
+  ProgressView& view_;
   Pop3Session& session_;
   bool over_ = false;
   bool skipped_ = false;

@@ -11,20 +11,22 @@ namespace vesko {
 
 class CheckRun::Impl : public Pop3Session::Listener {
  public:
-  explicit Impl(const Needs& needs)
-      : needs_(needs),
-        session_({needs.socket, needs.pump, needs.clock, needs.configuration, needs.view, *this}),
-        account_(needs_, session_) {
-    needs_.socket.on_data_arrival = [this] { session_.HandleArrival(); };
-    needs_.socket.on_error = [this](int32_t number, const Text& description) {
+  Impl(const Services& services, SharedData& data, ProgressView& view)
+      : services_(services),
+        data_(data),
+        view_(view),
+        session_(services, data.configuration, view, *this),
+        account_(services, data, view, session_) {
+    services_.socket.on_data_arrival = [this] { session_.HandleArrival(); };
+    services_.socket.on_error = [this](int32_t number, const Text& description) {
       session_.HandleError(number, description);
     };
   }
 
   ~Impl() override {
-    needs_.socket.Close();
-    needs_.socket.on_data_arrival = nullptr;
-    needs_.socket.on_error = nullptr;
+    services_.socket.Close();
+    services_.socket.on_data_arrival = nullptr;
+    services_.socket.on_error = nullptr;
   }
 
   Impl(const Impl&) = delete;
@@ -35,7 +37,7 @@ class CheckRun::Impl : public Pop3Session::Listener {
   void Activate() {
     if (std::exchange(started_, true)) return;
     account_.Open();
-    DeletionPass(needs_, session_, account_).Run();
+    DeletionPass(data_, view_, session_, account_).Run();
     CheckAllAccounts();
   }
 
@@ -49,7 +51,7 @@ class CheckRun::Impl : public Pop3Session::Listener {
   void WindowUnloaded() { account_.End(); }
 
   bool Cancelled() const { return session_.State() == SessionState::kStopped; }
-  bool NewMail() const { return needs_.mails.AnyUnread(); }
+  bool NewMail() const { return data_.mails.AnyUnread(); }
 
   void RefreshStatus() override { account_.RefreshStatus(); }
   void StoreHeader(TextView text, int32_t number) override;
@@ -59,7 +61,9 @@ class CheckRun::Impl : public Pop3Session::Listener {
   void CheckAllAccounts();
   void CheckAccount(int32_t position);
 
-  Needs needs_;
+  const Services& services_;
+  SharedData& data_;
+  ProgressView& view_;
   Pop3Session session_;
   AccountRun account_;
   bool started_ = false;
@@ -68,15 +72,15 @@ class CheckRun::Impl : public Pop3Session::Listener {
 void CheckRun::Impl::Unload() {
   if (account_.Over()) return;
   account_.End();
-  needs_.view.UnloadWindow();
+  view_.UnloadWindow();
 }
 
 void CheckRun::Impl::CheckAllAccounts() {
-  const int32_t accounts = needs_.configuration.Accounts.Count();
+  const int32_t accounts = data_.configuration.Accounts.Count();
   for (int32_t i = 1; i <= accounts && !account_.Over(); ++i) CheckAccount(i);
   if (account_.Over()) return;
-  needs_.view.ShowProgress(Decimal(static_cast<int64_t>(needs_.mails.Count())) +
-                           u" are in the mail boxes !!!");
+  view_.ShowProgress(Decimal(static_cast<int64_t>(data_.mails.Count())) +
+                     u" are in the mail boxes !!!");
   Unload();
 }
 
@@ -84,23 +88,24 @@ void CheckRun::Impl::CheckAccount(int32_t position) {
   account_.Start(position);
   for (bool retry = false; account_.Prepare(retry); retry = true) {
     const Text host = Quoted(session_.GetLogin().host);
-    needs_.view.ShowCaption(u"Checking mail box of " + host + u" ...");
-    needs_.view.ShowProgress(u"Connecting " + host + u" ...");
+    view_.ShowCaption(u"Checking mail box of " + host + u" ...");
+    view_.ShowProgress(u"Connecting " + host + u" ...");
     if (account_.RunSession()) return;
     account_.Settle();
   }
 }
 
 void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
-  auto message = std::make_shared<cMessage>(needs_.locale);
+  auto message = std::make_shared<cMessage>(services_.locale);
   // A malformed date ends the parsing, but the message is there and is to be seen.
   IgnoreErrors([&] { message->CreateFromText(text); });
   message->Server = session_.GetLogin().host;
   message->SetIndex(number);
-  needs_.mails.Add(std::move(message), session_.GetLogin().user);
+  data_.mails.Add(std::move(message), session_.GetLogin().user);
 }
 
-CheckRun::CheckRun(const Needs& needs) : impl_(std::make_unique<Impl>(needs)) {}
+CheckRun::CheckRun(const Services& services, SharedData& data, ProgressView& view)
+    : impl_(std::make_unique<Impl>(services, data, view)) {}
 CheckRun::~CheckRun() = default;
 
 void CheckRun::Prepare() { impl_->Prepare(); }

@@ -2,12 +2,8 @@
 
 #include <memory>
 
-#include "config/Configuration.h"
-#include "maillist/colMails.h"
-#include "platform/Clock.h"
-#include "platform/Locale.h"
-#include "platform/Pump.h"
-#include "platform/Socket.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "pop3/ProgressView.h"
 
 namespace vesko {
@@ -16,18 +12,8 @@ namespace vesko {
 /// a POP3 session (RFC 1939). Errors reach the user through the view and never the caller.
 class CheckRun {
  public:
-  struct Needs {
-    Socket& socket;
-    Pump& pump;
-    const Clock& clock;
-    const Locale& locale;
-    Configuration& configuration;
-    colMails& mails;
-    ProgressView& view;
-  };
-
-  /// Everything in `needs` must outlive the run. Takes over the socket's events.
-  explicit CheckRun(const Needs& needs);
+  /// All must outlive the run. Takes over the socket's events.
+  CheckRun(const Services& services, SharedData& data, ProgressView& view);
   ~CheckRun();
 
   /// The next Activate runs a check.

@@ -11,8 +11,8 @@ namespace vesko {
 class DeletionPass {
  public:
   /// All must outlive the pass.
-  DeletionPass(const CheckRun::Needs& needs, Pop3Session& session, AccountRun& account)
-      : needs_(needs), session_(session), account_(account) {}
+  DeletionPass(SharedData& data, ProgressView& view, Pop3Session& session, AccountRun& account)
+      : data_(data), view_(view), session_(session), account_(account) {}
 
   /// Does nothing unless a message is marked as spam. The session's deletion list is empty
   /// afterwards, however the pass ends.
@@ -24,7 +24,8 @@ class DeletionPass {
   void ListMarked();
   void ForgetDeleted();
 
-  CheckRun::Needs needs_;
+  SharedData& data_;
+  ProgressView& view_;
   Pop3Session& session_;
   AccountRun& account_;
 };

@@ -39,8 +39,8 @@ void Pop3Session::Quit() {
 
 bool Pop3Session::HandleArrival() {
   StartWaiting();
-  needs_.listener.RefreshStatus();
-  Text data = needs_.socket.GetData();
+  listener_.RefreshStatus();
+  Text data = services_.socket.GetData();
   if (data.empty()) return false;
   if (state_ == SessionState::kStopped) return true;
   buffer_.Append(std::move(data));
@@ -50,7 +50,7 @@ bool Pop3Session::HandleArrival() {
 
 void Pop3Session::HandleText() {
   if (interrupted_) {
-    needs_.socket.Close();
+    services_.socket.Close();
   } else if (state_ == SessionState::kTopSent) {
     if (buffer_.HasDotLine()) HandleHeader();
   } else if (buffer_.EndsWithCrLf()) {
@@ -59,7 +59,7 @@ void Pop3Session::HandleText() {
 }
 
 void Pop3Session::HandlePeerClosed() {
-  const auto closing = [this] { return needs_.socket.State() == SocketState::kClosing; };
+  const auto closing = [this] { return services_.socket.State() == SocketState::kClosing; };
   while (closing() && HandleArrival()) {
   }
   const bool expects_line = !interrupted_ && state_ != SessionState::kTopSent;
@@ -82,7 +82,7 @@ void Pop3Session::HandleReply(const Text& reply) {
     case SessionState::kDeleSent:
       return HandleDeletion();
     case SessionState::kQuitSent:
-      return needs_.socket.Close();
+      return services_.socket.Close();
     case SessionState::kTopSent:
     case SessionState::kStopped:
       return;
@@ -90,14 +90,14 @@ void Pop3Session::HandleReply(const Text& reply) {
 }
 
 void Pop3Session::Reject(const Text& reply) {
-  needs_.socket.Close();
+  services_.socket.Close();
   // A refused user name or password is reported by the retry question.
   if (state_ == SessionState::kUserSent || state_ == SessionState::kPassSent) return;
-  needs_.view.ShowError(u"POP3 Error: " + reply, login_.host);
+  view_.ShowError(u"POP3 Error: " + reply, login_.host);
 }
 
 void Pop3Session::Greeted() {
-  needs_.view.ShowProgress(u"Connecting to " + login_.host + u" ...");
+  view_.ShowProgress(u"Connecting to " + login_.host + u" ...");
   total_ = 0;
   current_ = 0;
   Send(SessionState::kUserSent, u"USER " + login_.user);
@@ -111,22 +111,22 @@ void Pop3Session::HandleCount(const Text& reply) {
 }
 
 void Pop3Session::StartFetching() {
-  needs_.view.SetProgressMaximum(total_);
-  needs_.view.SetProgressValue(0);
+  view_.SetProgressMaximum(total_);
+  view_.SetProgressValue(0);
   ++current_;
   FetchCurrent();
 }
 
 void Pop3Session::FetchCurrent() {
   Send(SessionState::kTopSent,
-       u"TOP " + Decimal(current_) + u" " + Decimal(needs_.configuration.DownLines));
+       u"TOP " + Decimal(current_) + u" " + Decimal(configuration_.DownLines));
 }
 
 void Pop3Session::HandleHeader() {
-  needs_.view.SetProgressValue(current_);
+  view_.SetProgressValue(current_);
   {
     const Text reply = buffer_.Take();
-    needs_.listener.StoreHeader(TopContent(reply), current_);
+    listener_.StoreHeader(TopContent(reply), current_);
   }
   if (current_ == total_) return Send(SessionState::kQuitSent, u"QUIT");
   ++current_;
@@ -135,8 +135,8 @@ void Pop3Session::HandleHeader() {
 
 void Pop3Session::StartDeleting() {
   total_ = static_cast<int32_t>(deletions_.Count());
-  needs_.view.SetProgressMaximum(total_);
-  needs_.view.SetProgressValue(0);
+  view_.SetProgressMaximum(total_);
+  view_.SetProgressValue(0);
   ++current_;
   DeleteCurrent();
 }
@@ -150,7 +150,7 @@ void Pop3Session::DeleteCurrent() {
 }
 
 void Pop3Session::HandleDeletion() {
-  needs_.view.SetProgressValue(current_);
+  view_.SetProgressValue(current_);
   if (current_ == total_) return Send(SessionState::kQuitSent, u"QUIT");
   ++current_;
   DeleteCurrent();
@@ -158,27 +158,27 @@ void Pop3Session::HandleDeletion() {
 
 void Pop3Session::Send(SessionState next, Text command) {
   state_ = next;
-  needs_.view.ShowCommand(u"Command: " + MaskedCommand(command));
+  view_.ShowCommand(u"Command: " + MaskedCommand(command));
   last_command_ = std::move(command);
-  IgnoreErrors([this] { needs_.socket.SendData(Text(last_command_).append(kCrLf)); });
+  IgnoreErrors([this] { services_.socket.SendData(Text(last_command_).append(kCrLf)); });
   ShowPosition();
 }
 
 void Pop3Session::ShowPosition() {
   const bool fetching = state_ == SessionState::kTopSent;
   if (!fetching && state_ != SessionState::kDeleSent) return;
-  needs_.view.ShowProgress((fetching ? u"Checking mail " : u"Deleting mail ") + Decimal(current_) +
-                           u"/" + Decimal(total_) + u" ... ");
+  view_.ShowProgress((fetching ? u"Checking mail " : u"Deleting mail ") + Decimal(current_) + u"/" +
+                     Decimal(total_) + u" ... ");
 }
 
 void Pop3Session::HandleError(int32_t number, const Text& description) {
-  needs_.socket.Close();
-  needs_.pump.RunPending(std::chrono::milliseconds(0));
+  services_.socket.Close();
+  services_.pump.RunPending(std::chrono::milliseconds(0));
   if (state_ == SessionState::kStopped) return;
   host_not_found_ = number == kSocketHostNotFound;
   const Text title = login_.host;
-  if (host_not_found_) return needs_.view.ShowError(description, title);
-  needs_.view.ShowError(u"Winsock Error: #" + Decimal(number) + u"\r\n" + description, title);
+  if (host_not_found_) return view_.ShowError(description, title);
+  view_.ShowError(u"Winsock Error: #" + Decimal(number) + u"\r\n" + description, title);
 }
 
 }  // namespace vesko

@@ -7,9 +7,7 @@
 #include "base/Text.h"
 #include "config/Configuration.h"
 #include "maillist/colMails.h"
-#include "platform/Clock.h"
-#include "platform/Pump.h"
-#include "platform/Socket.h"
+#include "platform/Services.h"
 #include "pop3/ProgressView.h"
 #include "pop3/ReplyBuffer.h"
 
@@ -59,17 +57,10 @@ class Pop3Session {
     virtual void StoreHeader(TextView text, int32_t number) = 0;
   };
 
-  struct Needs {
-    Socket& socket;
-    Pump& pump;
-    const Clock& clock;
-    const Configuration& configuration;
-    ProgressView& view;
-    Listener& listener;
-  };
-
-  /// Everything in `needs` must outlive the session.
-  explicit Pop3Session(const Needs& needs) : needs_(needs) {}
+  /// All must outlive the session.
+  Pop3Session(const Services& services, const Configuration& configuration, ProgressView& view,
+              Listener& listener)
+      : services_(services), configuration_(configuration), view_(view), listener_(listener) {}
 
   void SetLogin(Login login) { login_ = std::move(login); }
   const Login& GetLogin() const { return login_; }
@@ -94,8 +85,8 @@ class Pop3Session {
   bool HostNotFound() const { return host_not_found_; }
 
   /// Seconds since data arrived last, or since waiting began.
-  double Silence() const { return needs_.clock.Seconds() - last_activity_; }
-  void StartWaiting() { last_activity_ = needs_.clock.Seconds(); }
+  double Silence() const { return services_.clock.Seconds() - last_activity_; }
+  void StartWaiting() { last_activity_ = services_.clock.Seconds(); }
 
   /// Messages to delete; when it is empty the session fetches.
   DeletionList& Deletions() { return deletions_; }
@@ -124,7 +115,10 @@ class Pop3Session {
   void Send(SessionState next, Text command);
   void ShowPosition();
 
-  Needs needs_;
+  const Services& services_;
+  const Configuration& configuration_;
+  ProgressView& view_;
+  Listener& listener_;
   Login login_;
   SessionState state_ = SessionState::kConnecting;
   bool interrupted_ = false;

@@ -190,14 +190,14 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    state->font_name.clear();
+    state->data.font_name.clear();
     state->font_handle = 0;
     VARIANT reversed[] = {row.font, row.font_name};
     VARIANT result = Int32(5);
     UINT bad = 99;
     EXPECT_EQ(Call(object, 2, {reversed, nullptr, 2, 0}, &result, kLateBound, &bad), row.outcome);
     EXPECT_EQ(result.vt, VT_EMPTY);
-    EXPECT_EQ(state->font_name, row.expected_name);
+    EXPECT_EQ(state->data.font_name, row.expected_name);
     const UINT number_or_index = SUCCEEDED(row.outcome) ? state->font_handle : bad;
     EXPECT_EQ(number_or_index, static_cast<UINT>(row.expected_font));
   }
@@ -208,8 +208,8 @@ TEST_F(AutomationTest, ArgumentsAreConvertedAsAutomationDoes) {
 TEST_F(AutomationTest, LateAndEarlyBoundCallsAnswerAlike) {
   auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
   const auto state = server_.ShareState();
-  state->configuration.ManualChecking = 0;
-  state->configuration.CheckInterval = 25;
+  state->data.configuration.ManualChecking = 0;
+  state->data.configuration.CheckInterval = 25;
   state->busy = true;
 
   VARIANT result;
@@ -235,7 +235,7 @@ TEST_F(AutomationTest, LateAndEarlyBoundCallsAnswerAlike) {
   EXPECT_EQ(object->SetFont(name, 3, &result), S_OK);
   EXPECT_EQ(object->SetFont(name, 4, nullptr), S_OK);
   EXPECT_EQ(result.vt, VT_EMPTY);
-  EXPECT_EQ(state->font_name, u"Gulim");
+  EXPECT_EQ(state->data.font_name, u"Gulim");
   EXPECT_EQ(state->font_handle, 4);
   EXPECT_EQ(object->get_IsBusy(nullptr), E_POINTER);
   EXPECT_EQ(object->CheckTime(nullptr), E_POINTER);
@@ -280,9 +280,9 @@ TEST_F(AutomationTest, ObjectsShareTheStateUntilTheLastIsGone) {
   const FakeDesktop* made = desktop_;
   IDispatch* second = NewObject();
   EXPECT_EQ(desktop_, made);
-  server_.ShareState()->font_name = u"Gulim";
+  server_.ShareState()->data.font_name = u"Gulim";
   first->Release();
-  EXPECT_EQ(server_.ShareState()->font_name, u"Gulim");
+  EXPECT_EQ(server_.ShareState()->data.font_name, u"Gulim");
   second->Release();
   EXPECT_EQ(desktop_, nullptr);
   EXPECT_TRUE(server_.CanUnload());
@@ -295,7 +295,7 @@ TEST_F(AutomationTest, ObjectsShareTheStateUntilTheLastIsGone) {
   IDispatch* third = NewObject();
   server_.Unlock();
   EXPECT_FALSE(server_.CanUnload());
-  EXPECT_EQ(server_.ShareState()->font_name, u"");
+  EXPECT_EQ(server_.ShareState()->data.font_name, u"");
   third->Release();
 }
 

@@ -44,8 +44,8 @@ TEST_F(cVeskoExTest, CheckTimeIsForAutomaticChecksOnly) {
   const int32_t rows[][3] = {{0, 30, 30}, {1, 30, -1}, {-1, 30, -1}, {0, 0, -1}, {0, -5, -5}};
   for (const auto& [manual, interval, expected] : rows) {
     Object();
-    state.configuration.ManualChecking = manual;
-    state.configuration.CheckInterval = interval;
+    state.data.configuration.ManualChecking = manual;
+    state.data.configuration.CheckInterval = interval;
     EXPECT_EQ(Object().CheckTime(), expected) << manual << " " << interval;
   }
 }
@@ -117,13 +117,13 @@ TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
   machine.toolkit.On("fConfig", [&](Form& form) {
     EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kAccountsPage);
     EXPECT_TRUE(Object().IsBusy());
-    state.mails.Add(std::make_shared<cMessage>(*machine.locale), u"ann");
-    state.configuration.DownLines = 7;
+    state.data.mails.Add(std::make_shared<cMessage>(*machine.locale), u"ann");
+    state.data.configuration.DownLines = 7;
     object.reset();
     EXPECT_FALSE(form.IsLoaded());
   });
   Object().Configure();
-  EXPECT_EQ(state.mails.Count(), 0u);
+  EXPECT_EQ(state.data.mails.Count(), 0u);
   machine.store.Load(machine.configuration);
   EXPECT_EQ(machine.configuration.DownLines, 7);
 }

@@ -33,7 +33,7 @@ TEST(LinuxDesktopTest, TheMachinesRegistryNamesTheCodePage) {
                                            .locale_name = "en_GB",
                                            .code_page = row.option,
                                            .certificate_file = ""});
-    EXPECT_EQ(desktop->GetLocale().CodePage(), row.code_page) << row.acp;
+    EXPECT_EQ(desktop->GetServices().locale.CodePage(), row.code_page) << row.acp;
   }
 }
 

@@ -17,14 +17,12 @@ namespace {
 struct Windows {
   FakeMachine machine;
   ScriptedToolkit toolkit;  // its pump may be asked any number of times
-  Text font_name = u"Gulim";
-  fConfig config{{toolkit, *machine.locale, machine.configuration, machine.store,
-                  [](const Text&) {}, font_name}};
-  fCheckMail check{{toolkit, *machine.locale, machine.configuration, machine.mails, machine.socket,
-                    machine.clock, font_name}};
-  fListMail list{{toolkit, *machine.locale, machine.configuration, machine.mails, machine.shell,
-                  config, check, font_name}};
-  fPop3Site site{toolkit, font_name};
+  fConfig config{toolkit, machine.services, machine.data, machine.store, [](const Text&) {}};
+  fCheckMail check{toolkit, machine.services, machine.data};
+  fListMail list{toolkit, machine.services, machine.data, config, check};
+  fPop3Site site{toolkit, machine.data.font_name};
+
+  Windows() { machine.data.font_name = u"Gulim"; }
 
   std::vector<Form*> All() { return {&config, &check, &list, &site}; }
 };

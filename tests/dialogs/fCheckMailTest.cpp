@@ -18,8 +18,7 @@ class fCheckMailTest : public testing::Test {
   }
 
   FakeMachine machine;
-  fCheckMail window{{machine.toolkit, *machine.locale, machine.configuration, machine.mails,
-                     machine.socket, machine.clock, machine.font_name}};
+  fCheckMail window{machine.toolkit, machine.services, machine.data};
 };
 
 TEST_F(fCheckMailTest, ShowsWhatHappensAndClosesItself) {

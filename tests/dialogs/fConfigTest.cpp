@@ -36,8 +36,8 @@ class fConfigTest : public testing::Test {
 
   FakeMachine machine;
   std::vector<Text> played;
-  fConfig window{{machine.toolkit, *machine.locale, machine.configuration, machine.store,
-                  [this](const Text& path) { played.push_back(path); }, machine.font_name}};
+  fConfig window{machine.toolkit, machine.services, machine.data, machine.store,
+                 [this](const Text& path) { played.push_back(path); }};
 };
 
 ListBox& AccountList(Form& form) { return Find<ListBox>(form, "lstPop3Account"); }

@@ -24,12 +24,10 @@ class fListMailTest : public testing::Test {
   }
 
   FakeMachine machine;
-  fConfig config_window{{machine.toolkit, *machine.locale, machine.configuration, machine.store,
-                         [](const Text&) {}, machine.font_name}};
-  fCheckMail check_window{{machine.toolkit, *machine.locale, machine.configuration, machine.mails,
-                           machine.socket, machine.clock, machine.font_name}};
-  fListMail window{{machine.toolkit, *machine.locale, machine.configuration, machine.mails,
-                    machine.shell, config_window, check_window, machine.font_name}};
+  fConfig config_window{machine.toolkit, machine.services, machine.data, machine.store,
+                        [](const Text&) {}};
+  fCheckMail check_window{machine.toolkit, machine.services, machine.data};
+  fListMail window{machine.toolkit, machine.services, machine.data, config_window, check_window};
 };
 
 Text RowTexts(const ListView& list) {

@@ -28,12 +28,13 @@ Machine::Session Machine::NewSession() const { return {MakeDesktop(folder_)}; }
 
 void Machine::SetUp(const std::vector<TestAccount>& accounts) {
   auto desktop = MakeDesktop(folder_);
-  mRegistry store(desktop->GetRegistry(), desktop->GetLocale(), desktop->GetShell());
+  const Services& services = desktop->GetServices();
+  mRegistry store(services.registry, services.locale, services.shell);
   Configuration configuration;
   store.Load(configuration);
   configuration.Accounts.Clear();
   for (const TestAccount& account : accounts) {
-    configuration.AddAccount(Stored(account, desktop->GetLocale()));
+    configuration.AddAccount(Stored(account, services.locale));
   }
   configuration.SoundFile.clear();
   store.Save(configuration);

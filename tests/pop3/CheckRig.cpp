@@ -25,8 +25,7 @@ std::string Asked(const std::string& last_command) {
          "'.\r\nTry again ? \r\n [Quarnel]";
 }
 
-CheckRig::CheckRig()
-    : locale(SharedLocale()), run({socket, pump, clock, locale, configuration, mails, view}) {
+CheckRig::CheckRig() : locale(SharedLocale()) {
   configuration.DownLines = 5;
   configuration.WaitTime = 20;
   view.on_unload = [this] { run.WindowUnloaded(); };

@@ -5,13 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "config/Configuration.h"
-#include "maillist/colMails.h"
-#include "platform/Locale.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "pop3/CheckRun.h"
 #include "support/FakeClock.h"
 #include "support/FakeProgressView.h"
 #include "support/FakePump.h"
+#include "support/FakeShell.h"
+#include "support/FakeSound.h"
+#include "support/MemoryRegistry.h"
 #include "support/ScriptedSocket.h"
 
 namespace vesko {
@@ -45,13 +47,18 @@ struct CheckRig {
   std::vector<std::string> Mails() const;
 
   const Locale& locale;
+  MemoryRegistry registry;
+  FakeShell shell;
+  NotingSound sound;
   FakeClock clock;
   ScriptedSocket socket{clock};
   FakePump pump{clock, socket};
   FakeProgressView view;
-  Configuration configuration;
-  colMails mails;
-  CheckRun run;
+  Services services{locale, registry, shell, sound, clock, pump, socket};
+  SharedData data;
+  Configuration& configuration = data.configuration;
+  colMails& mails = data.mails;
+  CheckRun run{services, data, view};
 };
 
 }  // namespace vesko

@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "config/Configuration.h"
 #include "config/mRegistry.h"
 #include "config/mmEncrypt.h"
-#include "maillist/colMails.h"
+#include "maillist/SharedData.h"
+#include "platform/Services.h"
 #include "support/FakeClock.h"
 #include "support/FakePump.h"
 #include "support/FakeShell.h"
+#include "support/FakeSound.h"
 #include "support/MemoryRegistry.h"
 #include "support/ScriptedSocket.h"
 #include "support/ScriptedToolkit.h"
@@ -65,10 +66,12 @@ struct FakeMachine {
   MemoryRegistry registry;
   FakeShell shell;
   std::unique_ptr<Locale> locale = MakeTestLocale();
+  NotingSound sound;
+  Services services{*locale, registry, shell, sound, clock, pump, socket};
   mRegistry store{registry, *locale, shell};
-  Configuration configuration;
-  colMails mails;
-  Text font_name;
+  SharedData data;
+  Configuration& configuration = data.configuration;
+  colMails& mails = data.mails;
 };
 
 /// A mailbox of one message with this sender, checked with the default settings.

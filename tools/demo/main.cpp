@@ -118,10 +118,11 @@ void SetAccounts(Configuration& configuration, const std::vector<DemoAccount>& a
 
 // What a first start would take over from the user's own mail program does not belong here.
 void SeedRegistry(Desktop& desktop, const std::vector<DemoAccount>& accounts) {
-  mRegistry store(desktop.GetRegistry(), desktop.GetLocale(), desktop.GetShell());
+  const Services& services = desktop.GetServices();
+  mRegistry store(services.registry, services.locale, services.shell);
   Configuration configuration;
   store.Load(configuration);
-  SetAccounts(configuration, accounts, desktop.GetLocale());
+  SetAccounts(configuration, accounts, services.locale);
   store.Save(configuration);
 }
 
@@ -141,12 +142,12 @@ int Run(const Options& options, bool has_display) {
   ComponentState state(*desktop);
   cVeskoEx component(state);
   // A password typed for a real server is never stored, so the component does not find it.
-  SetAccounts(state.configuration, accounts, desktop->GetLocale());
+  SetAccounts(state.data.configuration, accounts, desktop->GetServices().locale);
 
   std::optional<Onlooker> onlooker;
   if (!has_display) onlooker.emplace(options.picture_folder);
   component.CheckMail();
-  if (state.mails.Count() > 0) PrintTable(std::cout, state.mails);
+  if (state.data.mails.Count() > 0) PrintTable(std::cout, state.data.mails);
   return onlooker && onlooker->SawTrouble() ? 1 : 0;
 }
 

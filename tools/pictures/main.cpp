@@ -71,16 +71,16 @@ void TakeHostWindow(const Photographer& photographer) {
 void TakeAll(Photographer& photographer, Desktop& desktop) {
   ComponentState state(desktop);
   cVeskoEx component(state);
-  AddAccount(state.configuration, u"Home", u"pop3.home.example");
-  AddAccount(state.configuration, u"Office", u"mail.office.example");
-  state.configuration.SoundFile = u"/usr/lib/veskoex/Email1.wav";  // where a package has it
-  state.Store().Save(state.configuration);
+  AddAccount(state.data.configuration, u"Home", u"pop3.home.example");
+  AddAccount(state.data.configuration, u"Office", u"mail.office.example");
+  state.data.configuration.SoundFile = u"/usr/lib/veskoex/Email1.wav";  // where a package has it
+  state.Store().Save(state.data.configuration);
   Toolkit& toolkit = desktop.GetToolkit();
 
   photographer.Take({"settings-accounts", "settings-spam", "settings-options"},
                     [&] { component.Configure(); });
   photographer.Take({"account-window"}, [&] {
-    fPop3Site window(toolkit, state.font_name);
+    fPop3Site window(toolkit, state.data.font_name);
     window.Server = u"pop3.home.example";
     window.User = u"kim";
     window.Password = u"secret";

@@ -70,31 +70,27 @@ std::string Or(const std::string& text, const std::string& fallback) {
 class LinuxDesktop : public Desktop {
  public:
   explicit LinuxDesktop(const LinuxDesktopOptions& options)
-      : certificate_file_(options.certificate_file),
-        registry_(
+      : registry_(
             MakeSqliteRegistry(Or(options.user_hive_folder, DefaultFolders().user_hive),
                                Or(options.machine_hive_folder, DefaultFolders().machine_hive))),
         locale_(MakeIcuLocale(ChooseCodePage(options.code_page, *registry_), options.locale_name)),
         sound_(MakeQtSound()),
         shell_(MakeLinuxShell()),
+        socket_(MakeQtSocket(*locale_, options.certificate_file)),
         toolkit_(MakeQtToolkit()) {}
 
-  const Locale& GetLocale() override { return *locale_; }
-  Registry& GetRegistry() override { return *registry_; }
-  std::unique_ptr<Socket> NewSocket() override { return MakeQtSocket(*locale_, certificate_file_); }
-  Sound& GetSound() override { return *sound_; }
-  Shell& GetShell() override { return *shell_; }
-  const Clock& GetClock() override { return clock_; }
+  const Services& GetServices() const override { return services_; }
   Toolkit& GetToolkit() override { return *toolkit_; }
 
  private:
-  std::string certificate_file_;
   std::unique_ptr<Registry> registry_;
   std::unique_ptr<Locale> locale_;
   std::unique_ptr<Sound> sound_;
   std::unique_ptr<Shell> shell_;
+  std::unique_ptr<Socket> socket_;
   std::unique_ptr<Toolkit> toolkit_;
   SteadyClock clock_;
+  Services services_{*locale_, *registry_, *shell_, *sound_, clock_, toolkit_->GetPump(), *socket_};
 };
 
 }  // namespace

@@ -38,14 +38,10 @@ class WindowsDesktop final : public Desktop {
         locale_(MakeWinLocale(ChooseCodePage(*registry_))),
         sound_(MakeWinSound(*locale_)),
         shell_(MakeWinShell()),
+        socket_(MakeWinSocket(*locale_, sources_)),
         toolkit_(MakeWinToolkit(sources_)) {}
 
-  const Locale& GetLocale() override { return *locale_; }
-  Registry& GetRegistry() override { return *registry_; }
-  std::unique_ptr<Socket> NewSocket() override { return MakeWinSocket(*locale_, sources_); }
-  Sound& GetSound() override { return *sound_; }
-  Shell& GetShell() override { return *shell_; }
-  const Clock& GetClock() override { return clock_; }
+  const Services& GetServices() const override { return services_; }
   Toolkit& GetToolkit() override { return *toolkit_; }
 
  private:
@@ -54,8 +50,10 @@ class WindowsDesktop final : public Desktop {
   std::unique_ptr<Locale> locale_;
   std::unique_ptr<Sound> sound_;
   std::unique_ptr<Shell> shell_;
+  std::unique_ptr<Socket> socket_;
   std::unique_ptr<Toolkit> toolkit_;
   SteadyClock clock_;
+  Services services_{*locale_, *registry_, *shell_, *sound_, clock_, toolkit_->GetPump(), *socket_};
 };
 
 }  // namespace
