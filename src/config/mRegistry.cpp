@@ -119,9 +119,11 @@ void DropUnsavedPassword(Account& account) {
 }
 
 void LoadValues(const HiveSettings& hive, const Text& default_sound, Configuration& configuration) {
-  for (const auto& [name, setting] : kNumberSettings) {
-    int32_t first = Configuration().*setting;
-    IgnoreErrors([&] { configuration.*setting = NumberOf(hive.Read(name, kRegDword, first)); });
+  for (const auto& number : kNumberSettings) {
+    int32_t first = Configuration().*number.setting;
+    IgnoreErrors([&] {
+      configuration.*number.setting = NumberOf(hive.Read(number.name, kRegDword, first));
+    });
   }
   auto read_text = [&](TextView name, const Text& default_value) {
     return ToText(hive.Read(name, kRegExpandSz, default_value));

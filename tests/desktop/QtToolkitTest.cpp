@@ -152,8 +152,8 @@ TEST_F(QtToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
          auto* const accessible = QAccessible::queryAccessibleInterface(&edit);
          accessible->editableTextInterface()->insertText(edit.cursorPosition(), text);
        }}};
-  for (const auto& [name, enter] : ways) {
-    SCOPED_TRACE(name);
+  for (const auto& way : ways) {
+    SCOPED_TRACE(way.first);
     TextBox box("txt");
     box.SetText(u"[]");
     AnyForm form(*toolkit, {&box});
@@ -161,12 +161,12 @@ TEST_F(QtToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
       auto* const edit = Native<QLineEdit>(box);
       for (const char* text : {"pw\r\nDELE 1", "d\n", "\t\u2028x"}) {
         edit->setCursorPosition(static_cast<int>(edit->text().size()) - 1);
-        enter(*edit, text);
+        way.second(*edit, text);
         Settle();
       }
       EXPECT_EQ(box.GetText(), u"[pwd]");
       EXPECT_EQ(edit->text(), "[pwd]");
-      if (std::string_view(name) == "paste") {
+      if (std::string_view(way.first) == "paste") {
         QTest::keyClicks(edit, "!");
         EXPECT_EQ(box.GetText(), u"[pwd!]") << "the cursor stands behind what was pasted";
       }

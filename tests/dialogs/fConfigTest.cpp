@@ -122,9 +122,9 @@ TEST_F(fConfigTest, EditedAccountsAreStoredWhenAnotherIsShown) {
 TEST_F(fConfigTest, PortsAreNumbersAndAccountsHaveNames) {
   Accounts({u"a"});
   const std::pair<Text, Text> cases[] = {{u"", u"110"}, {u"pop3", u"110"}, {u" 995 ", u"995"}};
-  for (const auto& [typed, stored] : cases) {
-    Show([&](Form& form) { Type(form, "txtPop3Account(4)", typed); });
-    EXPECT_EQ(machine.Account(1).port, stored);
+  for (const auto& row : cases) {
+    Show([&](Form& form) { Type(form, "txtPop3Account(4)", row.first); });
+    EXPECT_EQ(machine.Account(1).port, row.second);
   }
   Show([](Form& form) {
     Type(form, "txtPop3Account(0)", u"");  // without a name nothing is stored
