@@ -5,12 +5,12 @@
 # does without where that cannot be had.
 set -euo pipefail
 
-build=(cmake g++ libgl-dev libicu-dev libsqlite3-dev ninja-build pkg-config
+build=(cmake g++ libgl-dev libicu-dev libsqlite3-dev libssl-dev ninja-build pkg-config
   qt6-base-dev qt6-multimedia-dev)
 # A bare machine has no font for the sample messages' Korean and Japanese names.
 demo=(fonts-dejavu-core fonts-noto-cjk)
 # The tests run against a real POP3 server and play a sound to a sound server of their own.
-test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev libssl-dev openbox openssl
+test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev openbox openssl
   pulseaudio pulseaudio-utils x11-utils xauth xdotool xvfb)
 package=(appstream desktop-file-utils dpkg-dev file man-db)
 # The library for Windows is cross-built, and run under Wine.

@@ -53,7 +53,7 @@ class SocketTest : public testing::Test {
     };
     socket_->on_error = [this](int32_t number, const Text& description) {
       errors_.push_back(number);
-      words_ = description;
+      message_ = description;
     };
   }
 
@@ -103,7 +103,7 @@ class SocketTest : public testing::Test {
   int arrivals_ = 0;
   Text text_;
   std::vector<int32_t> errors_;
-  Text words_;
+  Text message_;
 };
 
 }  // namespace vesko

@@ -76,7 +76,7 @@ TEST_F(SocketTest, ReportsWhyThereIsNoConnection) {
     EXPECT_EQ(socket_->State(), SocketState::kResolvingHost);
     EXPECT_TRUE(RunToState(SocketState::kError));
     EXPECT_EQ(errors_, std::vector<int32_t>{row.number});
-    EXPECT_FALSE(words_.empty());
+    EXPECT_FALSE(message_.empty());
     socket_->Close();
   }
   EXPECT_EQ(arrivals_, 0);
@@ -113,7 +113,7 @@ TEST_F(SocketTest, ReportsAResetWithoutAWordOfWhatWasSent) {
     }
     EXPECT_TRUE(RunToState(SocketState::kError));
     EXPECT_EQ(errors_, std::vector<int32_t>{kSocketConnectionReset});
-    EXPECT_FALSE(Contains(words_, u"secret"));
+    EXPECT_FALSE(Contains(message_, u"secret"));
     socket_->Close();
     errors_.clear();
   }

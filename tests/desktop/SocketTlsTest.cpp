@@ -18,8 +18,9 @@ class SocketTlsTest : public SocketTest {
   }
 
   TempFolder folder_;
-  const Certificate authority_ = MakeCertificate("Test Authority", 10, nullptr);
-  const Certificate good_ = MakeCertificate("localhost", 10, &authority_);
+  const Certificate authority_ = MakeAuthority("Test Authority");
+  const TlsCase case_{.name = "good"};
+  const Certificate good_ = MakeCertificate(case_, &authority_);
   LoopbackPeer peer_;
 };
 
@@ -35,8 +36,8 @@ TEST_F(SocketTlsTest, GivesUpAtOnceOnAServerThatSpeaksNoTls) {
     });
     socket_->Connect(u"localhost", peer_.Port());
     EXPECT_TRUE(RunToState(SocketState::kError));
-    EXPECT_TRUE(Contains(words_, greets ? u"does not encrypt" : u"closed the connection"))
-        << locale_->ToBytes(words_);
+    EXPECT_TRUE(Contains(message_, greets ? u"does not encrypt" : u"closed the connection"))
+        << locale_->ToBytes(message_);
     socket_->Close();
   }
 }
@@ -46,7 +47,7 @@ TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
   for (int turns = 0; turns < 20; ++turns) {
     // The first look-up opens what the process keeps for all that follow.
     if (turns == 1) before = OpenDescriptors();
-    auto outcome = ServeTls(peer_, good_, TLS1_3_VERSION);
+    auto outcome = ServeTls(peer_, good_, case_);
     socket_->on_data_arrival = [&] { socket_->Close(); };
     socket_->Connect(u"localhost", peer_.Port());
     RunUntil([&] { return socket_->State() != SocketState::kResolvingHost; });

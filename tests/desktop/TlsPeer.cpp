@@ -3,37 +3,67 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
+#include <sys/socket.h>
+
+#include <csignal>
 
 namespace vesko {
 namespace {
 
-void AddExtension(X509* x509, int id, const std::string& value) {
-  X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, nullptr, id, value.c_str());
-  X509_add_ext(x509, extension, -1);
-  X509_EXTENSION_free(extension);
-}
-
-}  // namespace
-
-Certificate MakeCertificate(const std::string& name, int valid_days, const Certificate* issuer) {
+Certificate NewCertificate(const std::string& common_name, int first_day, int last_day) {
+  constexpr long kDay = 24L * 3600;
   Certificate made{{X509_new(), X509_free}, {EVP_EC_gen("P-256"), EVP_PKEY_free}};
   X509* x509 = made.x509.get();
   static long serial = 0;
   ASN1_INTEGER_set(X509_get_serialNumber(x509), ++serial);
   X509_set_version(x509, X509_VERSION_3);
-  X509_gmtime_adj(X509_getm_notBefore(x509), -100L * 24 * 3600);
-  X509_gmtime_adj(X509_getm_notAfter(x509), valid_days * 24L * 3600);
+  X509_gmtime_adj(X509_getm_notBefore(x509), first_day * kDay);
+  X509_gmtime_adj(X509_getm_notAfter(x509), last_day * kDay);
   X509_set_pubkey(x509, made.key.get());
   X509_NAME_add_entry_by_txt(X509_get_subject_name(x509), "CN", MBSTRING_ASC,
-                             reinterpret_cast<const unsigned char*>(name.c_str()), -1, -1, 0);
-  const Certificate& signer = issuer ? *issuer : made;
-  X509_set_issuer_name(x509, X509_get_subject_name(signer.x509.get()));
-  if (issuer) {
-    AddExtension(x509, NID_subject_alt_name, "DNS:" + name);
-  } else {
-    AddExtension(x509, NID_basic_constraints, "critical,CA:TRUE");
-  }
-  X509_sign(x509, signer.key.get(), EVP_sha256());
+                             reinterpret_cast<const unsigned char*>(common_name.c_str()), -1, -1,
+                             0);
+  return made;
+}
+
+void Sign(const Certificate& made, const Certificate& signer) {
+  X509_set_issuer_name(made.x509.get(), X509_get_subject_name(signer.x509.get()));
+  X509_sign(made.x509.get(), signer.key.get(), EVP_sha256());
+}
+
+void AddExtension(X509* x509, int id, const std::string& value) {
+  if (value.empty()) return;
+  X509_EXTENSION* extension = X509V3_EXT_conf_nid(nullptr, nullptr, id, value.c_str());
+  X509_add_ext(x509, extension, -1);
+  X509_EXTENSION_free(extension);
+}
+
+std::string ReadOnce(SSL* ssl) {
+  char piece[256];
+  const int size = SSL_read(ssl, piece, sizeof piece);
+  return {piece, static_cast<size_t>(size > 0 ? size : 0)};
+}
+
+void End(LoopbackPeer& peer, SSL* ssl, TlsEnding ending) {
+  if (ending == TlsEnding::kReset) return peer.Reset();
+  if (ending != TlsEnding::kOfTcp) SSL_shutdown(ssl);
+  if (ending != TlsEnding::kOfTls) ::shutdown(static_cast<int>(peer.Descriptor()), SHUT_WR);
+}
+
+}  // namespace
+
+Certificate MakeAuthority(const std::string& name) {
+  Certificate made = NewCertificate(name, -100, 10);
+  AddExtension(made.x509.get(), NID_basic_constraints, "critical,CA:TRUE");
+  Sign(made, made);
+  return made;
+}
+
+Certificate MakeCertificate(const TlsCase& wanted, const Certificate* issuer) {
+  Certificate made = NewCertificate(wanted.common_name, wanted.first_day, wanted.last_day);
+  AddExtension(made.x509.get(), NID_subject_alt_name, wanted.alternative_names);
+  AddExtension(made.x509.get(), NID_ext_key_usage, wanted.usage);
+  Sign(made, issuer ? *issuer : made);
   return made;
 }
 
@@ -46,14 +76,15 @@ std::string ToPem(const Certificate& certificate) {
 }
 
 std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
-                                 int highest_version) {
-  return std::async(std::launch::async, [&peer, certificate, highest_version] {
+                                 const TlsCase& tls_case) {
+  std::signal(SIGPIPE, SIG_IGN);  // clients may leave at any time
+  return std::async(std::launch::async, [&peer, certificate, tls_case] {
     TlsOutcome outcome;
     std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_server_method()),
                                                               SSL_CTX_free);
     SSL_CTX_set_cipher_list(context.get(), "DEFAULT:@SECLEVEL=0");
     SSL_CTX_set_min_proto_version(context.get(), 0);
-    SSL_CTX_set_max_proto_version(context.get(), highest_version);
+    SSL_CTX_set_max_proto_version(context.get(), tls_case.highest_version);
     SSL_CTX_use_certificate(context.get(), certificate.x509.get());
     SSL_CTX_use_PrivateKey(context.get(), certificate.key.get());
     if (!peer.Accept()) return outcome;
@@ -63,10 +94,10 @@ std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certific
       const char* name = SSL_get_servername(ssl.get(), TLSEXT_NAMETYPE_host_name);
       outcome.server_name = name ? name : "";
       SSL_write(ssl.get(), "+OK ready\r\n", 11);
-      char piece[256];
-      const int size = SSL_read(ssl.get(), piece, sizeof piece);
-      if (size > 0) outcome.received.assign(piece, static_cast<size_t>(size));
-      SSL_shutdown(ssl.get());
+      outcome.received = ReadOnce(ssl.get());
+      End(peer, ssl.get(), tls_case.ending);
+      while (!ReadOnce(ssl.get()).empty()) continue;
+      outcome.said_good_bye = (SSL_get_shutdown(ssl.get()) & SSL_RECEIVED_SHUTDOWN) != 0;
     }
     peer.Close();
     return outcome;

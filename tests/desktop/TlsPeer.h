@@ -7,6 +7,7 @@
 #include <string>
 
 #include "desktop/LoopbackPeer.h"
+#include "desktop/TlsCases.h"
 
 namespace vesko {
 
@@ -16,19 +17,25 @@ struct Certificate {
   std::shared_ptr<EVP_PKEY> key;
 };
 
-/// `valid_days` may be negative: expired yesterday and before. Without an issuer it signs itself.
-Certificate MakeCertificate(const std::string& name, int valid_days, const Certificate* issuer);
+/// A certificate of an authority, signed by itself.
+Certificate MakeAuthority(const std::string& name);
+
+/// The certificate of a server. Without an issuer it signs itself.
+Certificate MakeCertificate(const TlsCase& wanted, const Certificate* issuer);
+
+/// Certificate alone, and key alone.
 std::string ToPem(const Certificate& certificate);
 
 /// What the server's side of a TLS connection saw.
 struct TlsOutcome {
   std::string server_name;  // as the client asked for it
   std::string received;     // one read's application data
+  bool said_good_bye = false;
 };
 
-/// In a thread: accepts a client, speaks TLS with it up to `highest_version`, greets it, and reads
-/// once.
+/// In a thread: accepts a client, speaks TLS with it as the case has it, greets it, reads once, and
+/// ends the conversation.
 std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
-                                 int highest_version);
+                                 const TlsCase& tls_case);
 
 }  // namespace vesko

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "desktop/TlsCases.h"
 
@@ -26,9 +27,12 @@ class TlsServer {
 
 std::unique_ptr<TlsServer> MakeTlsServer();
 
-/// What a server should have seen.
+/// What a server should have seen. A client that gave an address asks for no name.
 inline std::string ToBeSeen(const TlsCase& tls_case) {
-  return tls_case.words ? "" : "localhost: USER anna\r\n";
+  if (tls_case.refusal) return "";
+  const bool by_name = std::u16string_view(tls_case.host) == u"localhost";
+  const bool can_answer = tls_case.ending != TlsEnding::kReset;
+  return std::string(by_name ? "localhost" : "") + ": USER anna\r\n" + (can_answer ? "bye" : "");
 }
 
 }  // namespace vesko

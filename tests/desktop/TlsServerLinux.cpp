@@ -13,22 +13,22 @@ class OwnServer final : public TlsServer {
   std::string Authorities() const override { return folder_ / "authorities"; }
 
   void Serve(const TlsCase& row) override {
-    const Certificate stranger = MakeCertificate("Some Authority", 10, nullptr);
+    const Certificate stranger = MakeAuthority("Some Authority");
     const Certificate* issuer = row.signer == Signer::kTestAuthority ? &authority_
                                 : row.signer == Signer::kStranger    ? &stranger
                                                                      : nullptr;
-    outcome_ =
-        ServeTls(peer_, MakeCertificate(row.holder, row.valid_days, issuer), row.highest_version);
+    outcome_ = ServeTls(peer_, MakeCertificate(row, issuer), row);
   }
 
   std::string Seen() override {
     const TlsOutcome outcome = outcome_.get();
-    return outcome.received.empty() ? "" : outcome.server_name + ": " + outcome.received;
+    if (outcome.received.empty()) return "";
+    return outcome.server_name + ": " + outcome.received + (outcome.said_good_bye ? "bye" : "");
   }
 
  private:
   TempFolder folder_;
-  const Certificate authority_ = MakeCertificate("Test Authority", 10, nullptr);
+  const Certificate authority_ = MakeAuthority("Test Authority");
   LoopbackPeer peer_;
   std::future<TlsOutcome> outcome_;
 };

@@ -3,6 +3,31 @@
 #include "platform/Socket.h"
 
 namespace vesko {
+namespace {
+
+TextView FaultMessage(CertificateFault fault) {
+  switch (fault) {
+    case CertificateFault::kExpired:
+      return u"It has expired.";
+    case CertificateFault::kNotYetValid:
+      return u"It is not valid yet.";
+    case CertificateFault::kOtherHost:
+      return u"It belongs to a server of another name.";
+    case CertificateFault::kSelfSigned:
+      return u"It is signed by nobody but the server itself.";
+    case CertificateFault::kUnknownAuthority:
+      return u"It is signed by an authority that is not known here.";
+    case CertificateFault::kWithdrawn:
+      return u"It has been withdrawn.";
+    case CertificateFault::kWrongPurpose:
+      return u"It is not meant for a server.";
+    case CertificateFault::kOther:
+      break;
+  }
+  return u"It cannot be verified.";
+}
+
+}  // namespace
 
 Text SocketErrorText(int32_t number) {
   switch (number) {
@@ -33,30 +58,13 @@ Text SocketErrorText(int32_t number) {
   }
 }
 
-TextView CertificateFaultWords(CertificateFault fault) {
-  switch (fault) {
-    case CertificateFault::kExpired:
-      return u"It has expired.";
-    case CertificateFault::kNotYetValid:
-      return u"It is not valid yet.";
-    case CertificateFault::kOtherHost:
-      return u"It belongs to a server of another name.";
-    case CertificateFault::kSelfSigned:
-      return u"It is signed by nobody but the server itself.";
-    case CertificateFault::kUnknownAuthority:
-      return u"It is signed by an authority that is not known here.";
-    case CertificateFault::kWithdrawn:
-      return u"It has been withdrawn.";
-    case CertificateFault::kWrongPurpose:
-      return u"It is not meant for a server.";
-    case CertificateFault::kOther:
-      break;
+Text RefusedCertificateText(TextView host, const std::vector<CertificateFault>& faults) {
+  Text message = Text(u"The certificate of '").append(host).append(u"' is not accepted.");
+  for (const CertificateFault fault : faults) {
+    const TextView reason = FaultMessage(fault);
+    if (!Contains(message, reason)) message.append(u" ").append(reason);
   }
-  return u"It cannot be verified.";
-}
-
-Text RefusedCertificateText(TextView host) {
-  return Text(u"The certificate of '").append(host).append(u"' is not accepted.");
+  return message;
 }
 
 }  // namespace vesko

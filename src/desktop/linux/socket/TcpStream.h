@@ -1,43 +1,41 @@
 #pragma once
 
-#include <QHostAddress>
-#include <QList>
 #include <QSocketNotifier>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "desktop/common/ByteStream.h"
+#include "desktop/common/StreamListener.h"
+#include "desktop/linux/socket/HostLookup.h"
 
 namespace vesko {
 
-/// A plain TCP connection, reusable. A turn of the event loop costs one read and no copy, which is
-/// what a check of many small replies lives on. Must not be destroyed from within a listener call.
-class TcpStream final : public ByteStream {
+/// A TCP connection on the event loop of the calling thread; reusable. Must not be destroyed from
+/// within a call of its listener.
+class TcpStream {
  public:
-  /// The listener must outlive the stream.
-  explicit TcpStream(ByteStreamListener& listener);
-  ~TcpStream() override { Close(); }
+  TcpStream();
+  ~TcpStream() { Close(); }
   TcpStream(const TcpStream&) = delete;
   TcpStream& operator=(const TcpStream&) = delete;
 
-  /// Tries the addresses in order until one accepts, with the system's time-outs; reports the
-  /// outcome. `local_port` 0 is any. To be called by the event loop, with the stream closed: a
-  /// failure is reported at once.
-  void Open(const QList<QHostAddress>& addresses, uint16_t port, uint16_t local_port);
+  /// Tries the addresses in order until one accepts, with the system's time-outs, and reports the
+  /// outcome to the listener, which must live until Close. `local_port` 0 is any. To be called by
+  /// the event loop, with the stream closed: a failure may be reported at once.
+  void Open(StreamListener& listener, std::vector<SocketAddress> addresses, uint16_t local_port);
 
-  /// Hands the connected descriptor over to the caller; the stream is closed then.
-  int Release();
+  /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept. An
+  /// error is reported later by the event loop. Does nothing when closed.
+  void Send(std::string_view bytes);
 
-  /// Drops the connection and all that waits.
+  /// Drops the connection and all bytes that wait. Safe in any state.
   void Close();
-
-  void Send(std::string_view bytes) override;
 
  private:
   void TryNextAddress();
-  bool StartConnecting(const QHostAddress& address);
+  bool StartConnecting(const SocketAddress& address);
   bool ConnectFailed(int error);
   void Readable();
   void Writable();
@@ -46,17 +44,16 @@ class TcpStream final : public ByteStream {
   void StopWatching();
   void Fail(int system_error);
 
-  ByteStreamListener& listener_;
   QSocketNotifier read_{QSocketNotifier::Read};
   QSocketNotifier write_{QSocketNotifier::Write};
-  std::unique_ptr<char[]> piece_;  // what one read takes
+  std::unique_ptr<char[]> piece_;  // buffer of one read
+  StreamListener* listener_ = nullptr;
   int fd_ = -1;
   bool connecting_ = false;
-  QList<QHostAddress> addresses_;  // not tried yet
-  uint16_t port_ = 0;
+  std::vector<SocketAddress> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
-  int send_error_ = 0;  // waits for the event loop to be reported
+  int send_error_ = 0;  // to be reported by the event loop
   std::string unsent_;
 };
 

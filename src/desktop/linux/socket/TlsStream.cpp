@@ -1,7 +1,8 @@
 #include "desktop/linux/socket/TlsStream.h"
 
-#include <QSslCertificate>
-#include <QSslError>
+#include <openssl/err.h>
+#include <openssl/ssl.h>
+
 #include <utility>
 
 #include "desktop/common/SocketMessages.h"
@@ -10,119 +11,114 @@
 namespace vesko {
 namespace {
 
-CertificateFault FaultOf(QSslError::SslError error) {
-  switch (error) {
-    case QSslError::CertificateExpired:
-      return CertificateFault::kExpired;
-    case QSslError::CertificateNotYetValid:
-      return CertificateFault::kNotYetValid;
-    case QSslError::HostNameMismatch:
-      return CertificateFault::kOtherHost;
-    case QSslError::SelfSignedCertificate:
-      return CertificateFault::kSelfSigned;
-    case QSslError::SelfSignedCertificateInChain:
-    case QSslError::UnableToGetIssuerCertificate:
-    case QSslError::UnableToGetLocalIssuerCertificate:
-    case QSslError::UnableToVerifyFirstCertificate:
-    case QSslError::CertificateUntrusted:
-      return CertificateFault::kUnknownAuthority;
-    case QSslError::CertificateRevoked:
-    case QSslError::CertificateBlacklisted:
-      return CertificateFault::kWithdrawn;
-    case QSslError::InvalidPurpose:
-      return CertificateFault::kWrongPurpose;
-    default:
-      return CertificateFault::kOther;
-  }
-}
-
-// How the TLS library says that the server's first bytes are no TLS at all.
-bool IsAboutPlainText(const QString& reason) {
-  return reason.contains(u"wrong version number") || reason.contains(u"packet length too long") ||
-         reason.contains(u"http request");
-}
+constexpr size_t kPlainSize = 256 * 1024;
 
 }  // namespace
 
-QSslConfiguration TlsClientConfiguration(const QString& certificate_file) {
-  QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-  configuration.setProtocol(QSsl::TlsV1_2OrLater);
-  configuration.setPeerVerifyMode(QSslSocket::VerifyPeer);
-  QList<QSslCertificate> authorities = QSslConfiguration::systemCaCertificates();
-  if (!certificate_file.isEmpty()) authorities += QSslCertificate::fromPath(certificate_file);
-  configuration.setCaCertificates(authorities);
-  return configuration;
-}
-
-// The signals are queued: a listener may then destroy the stream, which a QSslSocket that is in the
-// middle of its own work would not survive, and Send never reports anything from within.
-template <typename Signal, typename Slot>
-void TlsStream::OnSignal(QObject& context, Signal signal, Slot slot) {
-  auto call = [slot, alive = std::weak_ptr(alive_)](auto&&... arguments) {
-    if (!alive.expired()) slot(arguments...);
-  };
-  QObject::connect(&socket_, signal, &context, std::move(call), Qt::QueuedConnection);
-}
-
-TlsStream::TlsStream(int fd, const QString& host, const QSslConfiguration& configuration,
-                     QObject& context, ByteStreamListener& listener)
-    : listener_(listener), host_(host) {
-  OnSignal(context, &QSslSocket::encrypted, [this] {
-    open_ = true;
-    listener_.Opened();
-  });
-  OnSignal(context, &QSslSocket::readyRead, [this] { Read(); });
-  OnSignal(context, &QSslSocket::disconnected, [this] { Disconnected(); });
-  OnSignal(context, &QSslSocket::errorOccurred,
-           [this](QAbstractSocket::SocketError error) { SocketFailed(error); });
-  socket_.setSslConfiguration(configuration);
-  socket_.setSocketDescriptor(fd);
-  socket_.setPeerVerifyName(host);
-  socket_.startClientEncryption();
+TlsStream::TlsStream(TlsContext& context, TcpStream& tcp, Text host, ServerIdentity server,
+                     StreamListener& listener)
+    : tcp_(tcp),
+      host_(std::move(host)),
+      check_{std::move(server), {}},
+      listener_(listener),
+      ssl_(context.NewConnection(check_)),
+      in_(BIO_new(BIO_s_mem())),
+      out_(BIO_new(BIO_s_mem())),
+      plain_(std::make_unique_for_overwrite<char[]>(kPlainSize)) {
+  BIO_set_mem_eof_return(in_, -1);  // nothing there: more may come
+  SSL_set_bio(ssl_.get(), in_, out_);
 }
 
 TlsStream::~TlsStream() {
-  alive_.reset();
-  socket_.abort();
+  ERR_clear_error();
+  if (SSL_is_init_finished(ssl_.get()) && SSL_shutdown(ssl_.get()) >= 0) SendRecords();
 }
 
 void TlsStream::Send(std::string_view bytes) {
-  socket_.write(bytes.data(), static_cast<qint64>(bytes.size()));
+  size_t sent = 0;
+  ERR_clear_error();
+  SSL_write_ex(ssl_.get(), bytes.data(), bytes.size(), &sent);
+  SendRecords();
 }
 
-void TlsStream::Read() {
-  const QByteArray bytes = socket_.readAll();
-  if (bytes.isEmpty()) return;
-  listener_.BytesArrived({bytes.constData(), static_cast<size_t>(bytes.size())});
-}
+void TlsStream::Opened() { Handshake(); }
 
-void TlsStream::Disconnected() {
-  if (std::exchange(over_, true)) return;
-  listener_.PeerClosed();
-}
-
-void TlsStream::SocketFailed(QAbstractSocket::SocketError error) {
-  if (open_ && error == QAbstractSocket::RemoteHostClosedError) return;  // Disconnected follows
-  if (std::exchange(over_, true)) return;
-  if (!open_) return listener_.Failed(kSocketConnectionAborted, HandshakeWords(error));
-  listener_.Failed(kSocketConnectionReset, SocketErrorText(kSocketConnectionReset));
-}
-
-Text TlsStream::HandshakeWords(QAbstractSocket::SocketError error) const {
-  if (!socket_.sslHandshakeErrors().isEmpty()) return CertificateWords();
-  if (error == QAbstractSocket::RemoteHostClosedError) {
-    return Text(kClosedInHandshakeWords);
+void TlsStream::BytesArrived(std::string_view bytes) {
+  if (phase_ == Phase::kOver) return;
+  if (!std::exchange(heard_, true) && !LooksLikeTls(bytes)) {
+    return Abort(kSocketConnectionAborted, Text(kNoTlsMessage));
   }
-  return Text(IsAboutPlainText(socket_.errorString()) ? kNoTlsWords : kNoCommonTlsWords);
+  BIO_write(in_, bytes.data(), static_cast<int>(bytes.size()));
+  phase_ == Phase::kOpen ? Decrypt() : Handshake();
 }
 
-Text TlsStream::CertificateWords() const {
-  Text words = RefusedCertificateText(host_.toStdU16String());
-  for (const QSslError& error : socket_.sslHandshakeErrors()) {
-    const TextView reason = CertificateFaultWords(FaultOf(error.error()));
-    if (!Contains(words, reason)) words.append(u" ").append(reason);
+void TlsStream::PeerClosed() {
+  if (phase_ == Phase::kHandshake) {
+    return Abort(kSocketConnectionAborted, Text(kClosedInHandshakeMessage));
   }
-  return words;
+  if (std::exchange(phase_, Phase::kOver) == Phase::kOpen) listener_.PeerClosed();
+}
+
+void TlsStream::Failed(int32_t number, const Text& description) { Abort(number, description); }
+
+void TlsStream::Handshake() {
+  ERR_clear_error();
+  const int outcome = SSL_get_error(ssl_.get(), SSL_do_handshake(ssl_.get()));
+  SendRecords();
+  if (outcome == SSL_ERROR_WANT_READ) return;
+  if (outcome != SSL_ERROR_NONE) return HandshakeFailed();
+  phase_ = Phase::kOpen;
+  const std::weak_ptr alive(alive_);
+  listener_.Opened();
+  if (!alive.expired()) Decrypt();
+}
+
+void TlsStream::HandshakeFailed() {
+  if (!check_.faults.empty()) {
+    return Abort(kSocketConnectionAborted, RefusedCertificateText(host_, check_.faults));
+  }
+  Abort(kSocketConnectionAborted, Text(kNoCommonTlsMessage));
+}
+
+// All that has arrived goes to the listener at once: many small records cost one call.
+void TlsStream::Decrypt() {
+  const std::weak_ptr alive(alive_);
+  int outcome = SSL_ERROR_NONE;
+  while (outcome == SSL_ERROR_NONE) {
+    const std::string_view plain = ReadPlain(outcome);
+    SendRecords();
+    if (!plain.empty()) listener_.BytesArrived(plain);
+    if (alive.expired()) return;
+  }
+  if (outcome == SSL_ERROR_WANT_READ) return;
+  if (outcome == SSL_ERROR_ZERO_RETURN) return PeerClosed();
+  Abort(kSocketConnectionReset, SocketErrorText(kSocketConnectionReset));
+}
+
+std::string_view TlsStream::ReadPlain(int& outcome) {
+  size_t size = 0;
+  ERR_clear_error();
+  while (size < kPlainSize && outcome == SSL_ERROR_NONE) {
+    size_t piece = 0;
+    const int result = SSL_read_ex(ssl_.get(), plain_.get() + size, kPlainSize - size, &piece);
+    outcome = SSL_get_error(ssl_.get(), result);
+    size += piece;
+  }
+  return {plain_.get(), size};
+}
+
+void TlsStream::SendRecords() {
+  char* records = nullptr;
+  const long size = BIO_get_mem_data(out_, &records);
+  if (size <= 0) return;
+  tcp_.Send({records, static_cast<size_t>(size)});
+  BIO_reset(out_);
+}
+
+void TlsStream::Abort(int32_t number, const Text& description) {
+  if (std::exchange(phase_, Phase::kOver) == Phase::kOver) return;
+  tcp_.Close();
+  listener_.Failed(number, description);
 }
 
 }  // namespace vesko

@@ -1,47 +1,58 @@
 #pragma once
 
-#include <QObject>
-#include <QSslConfiguration>
-#include <QSslSocket>
-#include <QString>
 #include <memory>
 #include <string_view>
 
-#include "desktop/common/ByteStream.h"
+#include "desktop/linux/socket/TcpStream.h"
+#include "desktop/linux/socket/TlsContext.h"
 
 namespace vesko {
 
-/// What a client accepts: TLS 1.2 or later, and a certificate that leads to one of the system's
-/// authorities or to one in the PEM file (empty or unreadable: none).
-QSslConfiguration TlsClientConfiguration(const QString& certificate_file);
-
-/// TLS over a connected TCP socket (RFC 8446). Opened comes when the certificate chain and the host
-/// name are checked; nothing is sent before but the handshake. May be destroyed in a listener call.
-class TlsStream final : public ByteStream {
+/// TLS over a TCP stream whose listener this is (RFC 8446, RFC 5246). Opened comes when the
+/// server's certificate is accepted; until then nothing is sent but the handshake. May be destroyed
+/// from within a call of its listener.
+class TlsStream final : public StreamListener {
  public:
-  /// Takes `fd`, names `host` to the server (SNI) and checks the certificate against it. `context`
-  /// and the listener must outlive the stream.
-  TlsStream(int fd, const QString& host, const QSslConfiguration& configuration, QObject& context,
-            ByteStreamListener& listener);
-  ~TlsStream() override;
+  /// `host` is the name for messages to a person. Context, TCP stream and listener must outlive
+  /// this stream.
+  TlsStream(TlsContext& context, TcpStream& tcp, Text host, ServerIdentity server,
+            StreamListener& listener);
 
-  void Send(std::string_view bytes) override;
+  /// Tells the peer that nothing more will come, where the handshake was over.
+  ~TlsStream();
+  TlsStream(const TlsStream&) = delete;
+  TlsStream& operator=(const TlsStream&) = delete;
+
+  /// Sends all bytes in order and never blocks. An error is reported later by the event loop.
+  /// Precondition: open.
+  void Send(std::string_view bytes);
 
  private:
-  template <typename Signal, typename Slot>
-  void OnSignal(QObject& context, Signal signal, Slot slot);
-  void Read();
-  void Disconnected();
-  void SocketFailed(QAbstractSocket::SocketError error);
-  Text HandshakeWords(QAbstractSocket::SocketError error) const;
-  Text CertificateWords() const;
+  enum class Phase { kHandshake, kOpen, kOver };
 
-  ByteStreamListener& listener_;
-  QString host_;
-  bool open_ = false;
-  bool over_ = false;                                       // its end is reported
-  std::shared_ptr<char> alive_ = std::make_shared<char>();  // dies with the stream
-  QSslSocket socket_;
+  void Opened() override;
+  void BytesArrived(std::string_view bytes) override;
+  void PeerClosed() override;
+  void Failed(int32_t number, const Text& description) override;
+
+  void Handshake();
+  void HandshakeFailed();
+  void Decrypt();
+  std::string_view ReadPlain(int& outcome);
+  void SendRecords();
+  void Abort(int32_t number, const Text& description);
+
+  TcpStream& tcp_;
+  const Text host_;
+  CertificateCheck check_;
+  StreamListener& listener_;
+  std::shared_ptr<char> alive_ = std::make_shared<char>();  // expires with the stream
+  Phase phase_ = Phase::kHandshake;
+  bool heard_ = false;  // something from the server
+  SslPtr ssl_;
+  BIO* in_ = nullptr;              // owned by ssl_: records that have arrived
+  BIO* out_ = nullptr;             // owned by ssl_: records to be sent
+  std::unique_ptr<char[]> plain_;  // what one call of the listener gets
 };
 
 }  // namespace vesko

@@ -1,8 +1,11 @@
 #include "desktop/windows/socket/WinCertificates.h"
 
+#include <winhttp.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -76,12 +79,13 @@ bool Holds(HCERTSTORE store, const CERT_CONTEXT& certificate) {
                                                    &certificate, nullptr)) != nullptr;
 }
 
-// The system's own judgement. An authority that it does not know is left to us where `root_known`.
-DWORD PolicyError(const CERT_CHAIN_CONTEXT& chain, std::wstring host, bool root_known) {
+// The system's own judgement of everything but the name, for which it takes the common name too. An
+// authority that it does not know is accepted where `root_known`.
+DWORD PolicyError(const CERT_CHAIN_CONTEXT& chain, bool root_known) {
   SSL_EXTRA_CERT_CHAIN_POLICY_PARA server{};
   server.cbSize = sizeof server;
   server.dwAuthType = AUTHTYPE_SERVER;
-  server.pwszServerName = host.data();
+  server.fdwChecks = SECURITY_FLAG_IGNORE_CERT_CN_INVALID;
   CERT_CHAIN_POLICY_PARA policy{};
   policy.cbSize = sizeof policy;
   policy.pvExtraPolicyPara = &server;
@@ -93,7 +97,7 @@ DWORD PolicyError(const CERT_CHAIN_CONTEXT& chain, std::wstring host, bool root_
   return asked ? status.dwError : static_cast<DWORD>(TRUST_E_FAIL);
 }
 
-// Not every system's policy looks at all that its chain says.
+// Some systems' policies overlook faults that the chain has noted.
 DWORD ChainError(const CERT_CHAIN_CONTEXT& chain, bool root_known) {
   const DWORD status = chain.TrustStatus.dwErrorStatus;
   if (status & CERT_TRUST_IS_PARTIAL_CHAIN) return static_cast<DWORD>(CERT_E_CHAINING);
@@ -118,8 +122,6 @@ CertificateFault FaultOf(DWORD policy_error, const CERT_CONTEXT& certificate) {
       return CertVerifyTimeValidity(nullptr, certificate.pCertInfo) < 0
                  ? CertificateFault::kNotYetValid
                  : CertificateFault::kExpired;
-    case CERT_E_CN_NO_MATCH:
-      return CertificateFault::kOtherHost;
     case CERT_E_UNTRUSTEDROOT:
     case CERT_E_CHAINING:
       return IsSelfSigned(certificate) ? CertificateFault::kSelfSigned
@@ -136,19 +138,37 @@ CertificateFault FaultOf(DWORD policy_error, const CERT_CONTEXT& certificate) {
   }
 }
 
-}  // namespace
+std::string_view AlternativeNames(const CERT_CONTEXT& certificate) {
+  const CERT_INFO& info = *certificate.pCertInfo;
+  char id[] = szOID_SUBJECT_ALT_NAME2;
+  const CERT_EXTENSION* found = CertFindExtension(id, info.cExtension, info.rgExtension);
+  if (!found) return {};
+  return {reinterpret_cast<const char*>(found->Value.pbData), found->Value.cbData};
+}
 
-std::optional<CertificateFault> CheckServerCertificate(const CERT_CONTEXT& certificate,
-                                                       const std::wstring& host,
-                                                       const std::string& authorities_file) {
-  const StorePtr authorities = ReadAuthorities(authorities_file);
-  const ChainPtr chain = BuildChain(certificate, authorities.get());
+std::optional<CertificateFault> ChainFault(const CERT_CONTEXT& certificate,
+                                           HCERTSTORE authorities) {
+  const ChainPtr chain = BuildChain(certificate, authorities);
   if (!chain || chain->cChain == 0) return CertificateFault::kOther;
-  const bool root_known = Holds(authorities.get(), Root(*chain));
-  DWORD error = PolicyError(*chain, host, root_known);
+  const bool root_known = Holds(authorities, Root(*chain));
+  DWORD error = PolicyError(*chain, root_known);
   if (error == 0) error = ChainError(*chain, root_known);
   if (error == 0) return std::nullopt;
   return FaultOf(error, certificate);
+}
+
+}  // namespace
+
+std::vector<CertificateFault> CheckServerCertificate(const CERT_CONTEXT& certificate,
+                                                     const ServerIdentity& server,
+                                                     const std::string& authorities_file) {
+  const StorePtr authorities = ReadAuthorities(authorities_file);
+  std::vector<CertificateFault> faults;
+  if (const auto fault = ChainFault(certificate, authorities.get())) faults.push_back(*fault);
+  if (!NamesServer(AlternativeNames(certificate), server)) {
+    faults.push_back(CertificateFault::kOtherHost);
+  }
+  return faults;
 }
 
 }  // namespace vesko

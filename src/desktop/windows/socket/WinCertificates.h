@@ -5,9 +5,10 @@
 #include <wincrypt.h>
 
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
+#include "desktop/common/ServerIdentity.h"
 #include "desktop/common/SocketMessages.h"
 
 namespace vesko {
@@ -19,12 +20,13 @@ struct CertificateDeleter {
 };
 using CertificatePtr = std::unique_ptr<const CERT_CONTEXT, CertificateDeleter>;
 
-/// What is wrong with a server's certificate, nothing where it is good: whether it leads to one of
-/// the system's authorities or to one in the PEM file (empty or unreadable: none), belongs to the
-/// host, and is valid today. The certificate's own store holds what the server sent with it. May
-/// fetch what is missing from the network, so it blocks.
-std::optional<CertificateFault> CheckServerCertificate(const CERT_CONTEXT& certificate,
-                                                       const std::wstring& host,
-                                                       const std::string& authorities_file);
+/// Everything that is wrong with a server's certificate; empty when it is accepted: it must lead to
+/// one of the system's authorities or to one in the PEM file (an empty or unreadable file has
+/// none), be valid today, be meant for servers and name the server. Its store holds the other
+/// certificates that the server sent; all of them are untrusted. Blocks: the system may fetch what
+/// is missing from the network.
+std::vector<CertificateFault> CheckServerCertificate(const CERT_CONTEXT& certificate,
+                                                     const ServerIdentity& server,
+                                                     const std::string& authorities_file);
 
 }  // namespace vesko

@@ -1,8 +1,7 @@
-#include <algorithm>
+#include <memory>
 #include <utility>
 
-#include "base/RunTimeError.h"
-#include "desktop/common/SocketMessages.h"
+#include "desktop/common/StreamSocket.h"
 #include "desktop/windows/WindowsDesktop.h"
 #include "desktop/windows/events/Background.h"
 #include "desktop/windows/socket/WinLookup.h"
@@ -12,111 +11,53 @@
 namespace vesko {
 namespace {
 
-class WinSocket final : public Socket, public ByteStreamListener {
+class WinStreams final : public Streams {
  public:
-  WinSocket(const Locale& locale, EventSources& sources, const std::string& certificate_file,
-            std::vector<int32_t> tls_ports)
-      : locale_(locale),
-        decoder_(locale.NewDecoder()),
-        certificate_file_(certificate_file),
-        tls_ports_(std::move(tls_ports)),
-        tcp_(sources) {}
+  WinStreams(EventSources& sources, const std::string& certificate_file)
+      : certificate_file_(certificate_file), tcp_(sources) {}
 
-  ~WinSocket() override { Close(); }
-
-  SocketState State() const override { return state_; }
-  void SetLocalPort(int32_t port) override { local_port_ = port; }
-
-  void Connect(const Text& host, int32_t port) override {
-    if (state_ != SocketState::kClosed) throw RunTimeError(kSocketInvalidState);
-    state_ = SocketState::kResolvingHost;
+  void LookUp(const Text& host, uint16_t port, std::function<void(int32_t error)> done) override {
     host_ = host;
-    port_ = port;
-    auto lookup = std::make_shared<HostLookup>(HostLookup{kSocketTryAgain, {}});
-    if (!host.empty() && (port == 0 || !IsPort(port) || !IsPort(local_port_))) {
-      lookup->error = kSocketAddressNotAvailable;
-      return background_.Start([] {}, [this, lookup] { LookedUp(std::move(*lookup)); });
-    }
+    auto lookup = std::make_shared<HostLookup>(HostLookup{kSocketTryAgain, false, {}});
     background_.Start(
         [lookup, name = NetworkName(host), port] { *lookup = LookUpHost(name, port); },
-        [this, lookup] { LookedUp(std::move(*lookup)); });
+        [this, lookup, done = std::move(done)] {
+          found_ = std::move(*lookup);
+          done(found_.error);
+        });
   }
 
-  void SendData(TextView text) override {
-    if (state_ != SocketState::kConnected) throw RunTimeError(kSocketWrongState);
-    const std::string bytes = locale_.ToBytes(text);
-    tls_ ? tls_->Send(bytes) : tcp_.Send(bytes);
+  void Later(std::function<void()> call) override {
+    background_.Start([] {}, std::move(call));
   }
 
-  Text GetData() override { return std::exchange(text_, {}); }
+  void Open(uint16_t local_port, bool tls, StreamListener& listener) override {
+    if (tls) NewTlsStream(listener);
+    tcp_.Open(tls ? *tls_ : listener, std::move(found_.addresses), local_port);
+  }
 
-  uint64_t BytesReceived() const override { return received_; }
+  void Send(std::string_view bytes) override { tls_ ? tls_->Send(bytes) : tcp_.Send(bytes); }
 
   void Close() override {
     background_.Cancel();
+    tls_.reset();  // sends its last record by TCP
     tcp_.Close();
-    tls_.reset();
-    text_.clear();
-    decoder_->Reset();
-    received_ = 0;
-    state_ = SocketState::kClosed;
   }
 
  private:
-  static bool IsPort(int32_t port) { return port >= 0 && port <= 0xFFFF; }
-
-  bool IsTlsPort() const {
-    return std::find(tls_ports_.begin(), tls_ports_.end(), port_) != tls_ports_.end();
-  }
-
-  void LookedUp(HostLookup lookup) {
-    if (lookup.error != 0) return Failed(lookup.error, SocketErrorText(lookup.error));
-    state_ = SocketState::kConnecting;
-    ByteStreamListener* listener = this;
-    if (IsTlsPort()) {
-      WinTlsStream::Peer peer{host_, NetworkName(host_), certificate_file_};
-      tls_ = std::make_unique<WinTlsStream>(tcp_, background_, std::move(peer), *this);
-      listener = tls_.get();
-    }
-    tcp_.Open(*listener, std::move(lookup.addresses), static_cast<uint16_t>(local_port_));
-  }
-
-  void Opened() override { state_ = SocketState::kConnected; }
-
-  void BytesArrived(std::string_view bytes) override {
-    received_ += bytes.size();
-    Text text = decoder_->Decode(bytes);
-    if (text_.empty()) {
-      text_ = std::move(text);
-    } else {
-      text_ += text;
-    }
-    if (on_data_arrival) on_data_arrival();
-  }
-
-  void PeerClosed() override {
-    state_ = SocketState::kClosing;
-    if (on_data_arrival) on_data_arrival();
-  }
-
-  void Failed(int32_t number, const Text& description) override {
-    state_ = SocketState::kError;
-    if (on_error) on_error(number, description);
+  void NewTlsStream(StreamListener& listener) {
+    const std::wstring name = NetworkName(host_);
+    ServerIdentity server{{name.begin(), name.end()}, {}};
+    if (found_.is_address) server.address = found_.addresses.front().Bytes();
+    tls_ = std::make_unique<WinTlsStream>(
+        tcp_, background_, WinTlsStream::Peer{host_, std::move(server), certificate_file_},
+        listener);
   }
 
   const WinsockUse winsock_;
-  const Locale& locale_;
-  std::unique_ptr<TextDecoder> decoder_;
   const std::string certificate_file_;
-  const std::vector<int32_t> tls_ports_;
-
-  SocketState state_ = SocketState::kClosed;
   Text host_;
-  int32_t port_ = 0;
-  int32_t local_port_ = 0;
-  Text text_;
-  uint64_t received_ = 0;  // bytes
-
+  HostLookup found_{};
   Background background_;
   WinTcpStream tcp_;
   std::unique_ptr<WinTlsStream> tls_;  // over tcp_, on a TLS port
@@ -127,7 +68,8 @@ class WinSocket final : public Socket, public ByteStreamListener {
 std::unique_ptr<Socket> MakeWinSocket(const Locale& locale, EventSources& sources,
                                       const std::string& certificate_file,
                                       std::vector<int32_t> tls_ports) {
-  return std::make_unique<WinSocket>(locale, sources, certificate_file, std::move(tls_ports));
+  return std::make_unique<StreamSocket>(locale, std::move(tls_ports),
+                                        std::make_unique<WinStreams>(sources, certificate_file));
 }
 
 }  // namespace vesko

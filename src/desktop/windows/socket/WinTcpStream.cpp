@@ -22,12 +22,12 @@ WinAddress AnyAddress(int family, uint16_t port) {
   return any;
 }
 
-// Says of a host only that this computer has no way to it by this kind of address.
+// These errors only tell that this computer has no route for this kind of address.
 bool IsAboutRoute(int error) {
   return error == WSAENETUNREACH || error == WSAEADDRNOTAVAIL || error == WSAEAFNOSUPPORT;
 }
 
-// The system tells a connection that the peer broke off in several ways, by what it was doing.
+// A connection that the peer broke off has several errors, depending on what was going on.
 bool IsReset(int error) {
   return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENETRESET ||
          error == WSAESHUTDOWN;
@@ -45,7 +45,7 @@ WinTcpStream::~WinTcpStream() {
   CloseHandle(event_);
 }
 
-void WinTcpStream::Open(ByteStreamListener& listener, std::vector<WinAddress> addresses,
+void WinTcpStream::Open(StreamListener& listener, std::vector<WinAddress> addresses,
                         uint16_t local_port) {
   listener_ = &listener;
   addresses_ = std::move(addresses);
@@ -62,8 +62,9 @@ void WinTcpStream::Close() {
 }
 
 void WinTcpStream::Send(std::string_view bytes) {
+  if (state_ == State::kClosed) return;
   unsent_ += bytes;
-  if (state_ == State::kConnected) Flush();
+  if (state_ == State::kConnected || state_ == State::kPeerClosed) Flush();
 }
 
 void WinTcpStream::FailLater(int system_error) {
@@ -125,7 +126,7 @@ bool WinTcpStream::ConnectFailed(int error) {
   return false;
 }
 
-// The event may have been set by an earlier socket, or nothing may have set it.
+// The event may have been set by an earlier socket, or not at all.
 bool WinTcpStream::FinishConnecting() {
   WSANETWORKEVENTS events{};
   WSAEnumNetworkEvents(socket_, nullptr, &events);
@@ -142,8 +143,8 @@ bool WinTcpStream::FinishConnecting() {
   return true;
 }
 
-// A read tells all that there is to know, and lets the system set the event again. For an end that
-// comes together with data the event is set only once, so who had something asks again.
+// A read finds out everything, and makes the system set the event again. When data and the end
+// arrive together, the event is set only once; true asks the caller to try again.
 bool WinTcpStream::Receive() {
   const int size = recv(socket_, piece_.get(), kPieceSize, 0);
   if (size > 0) {
@@ -159,7 +160,7 @@ bool WinTcpStream::Receive() {
   return true;
 }
 
-// Never reports: it is called from within Send.
+// Reports nothing, because Send calls it.
 void WinTcpStream::Flush() {
   while (!unsent_.empty()) {
     const int size = static_cast<int>(std::min<size_t>(unsent_.size(), INT_MAX));

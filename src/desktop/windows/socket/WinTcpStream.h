@@ -11,12 +11,12 @@
 #include <string_view>
 #include <vector>
 
-#include "desktop/common/ByteStream.h"
+#include "desktop/common/StreamListener.h"
 #include "desktop/windows/events/EventSources.h"
 
 namespace vesko {
 
-/// Keeps Winsock running in this process.
+/// Keeps Winsock loaded in this process while it lives.
 class WinsockUse {
  public:
   WinsockUse() {
@@ -34,29 +34,34 @@ struct WinAddress {
 
   int Family() const { return storage.ss_family; }
   const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
+
+  /// The 4 or 16 bytes of the address alone, in network order.
+  std::string Bytes() const;
 };
 
-/// A plain TCP connection, reusable. It reads first and waits only for what is not there yet, which
-/// is what a check of many small replies lives on. Must not be destroyed from within a listener
-/// call.
-class WinTcpStream final : public ByteStream, private EventSources::Source {
+/// A TCP connection that is served by the thread's event sources; reusable. It reads first and
+/// waits only when there is nothing to read, which makes checks of many small replies fast. Must
+/// not be destroyed from within a call of its listener.
+class WinTcpStream final : private EventSources::Source {
  public:
   explicit WinTcpStream(EventSources& sources);
   ~WinTcpStream() override;
   WinTcpStream(const WinTcpStream&) = delete;
   WinTcpStream& operator=(const WinTcpStream&) = delete;
 
-  /// Tries the addresses, which hold the port, in order until one accepts, with the system's
-  /// time-outs; reports the outcome to the listener, which must live until Close. `local_port` 0 is
-  /// any. To be called by the message pump, with the stream closed: a failure is reported at once.
-  void Open(ByteStreamListener& listener, std::vector<WinAddress> addresses, uint16_t local_port);
+  /// Tries the addresses in order until one accepts, with the system's time-outs, and reports the
+  /// outcome to the listener, which must live until Close. `local_port` 0 is any. To be called by
+  /// the event loop, with the stream closed: a failure may be reported at once.
+  void Open(StreamListener& listener, std::vector<WinAddress> addresses, uint16_t local_port);
 
-  /// Drops the connection and all that waits.
+  /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept. An
+  /// error is reported later by the event loop. Does nothing when closed.
+  void Send(std::string_view bytes);
+
+  /// Drops the connection and all bytes that wait. Safe in any state.
   void Close();
 
-  void Send(std::string_view bytes) override;
-
-  /// The connection fails with a system error as soon as the sources are asked.
+  /// Lets the connection fail with a system error when the event sources are asked next.
   void FailLater(int system_error);
 
  private:
@@ -74,14 +79,14 @@ class WinTcpStream final : public ByteStream, private EventSources::Source {
 
   EventSources& sources_;
   const HANDLE event_;             // set by the system for the socket, or by FailLater
-  std::unique_ptr<char[]> piece_;  // what one read takes
-  ByteStreamListener* listener_ = nullptr;
+  std::unique_ptr<char[]> piece_;  // buffer of one read
+  StreamListener* listener_ = nullptr;
   SOCKET socket_ = INVALID_SOCKET;
   State state_ = State::kClosed;
   std::vector<WinAddress> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
-  int late_error_ = 0;  // in state kFailing
+  int late_error_ = 0;  // to be reported, in state kFailing
   std::string unsent_;
 };
 

@@ -18,6 +18,7 @@ constexpr DWORD kRequests = ISC_REQ_SEQUENCE_DETECT | ISC_REQ_REPLAY_DETECT |
                             ISC_REQ_MANUAL_CRED_VALIDATION;
 constexpr DWORD kHow =
     SCH_CRED_MANUAL_CRED_VALIDATION | SCH_CRED_NO_DEFAULT_CREDS | SCH_USE_STRONG_CRYPTO;
+constexpr char kAlertRecord = 0x15;
 constexpr DWORD kVersions = SP_PROT_TLS1_2_CLIENT | SP_PROT_TLS1_3_CLIENT;
 
 bool Acquire(void* how, CredHandle& credentials) {
@@ -26,7 +27,7 @@ bool Acquire(void* how, CredHandle& credentials) {
                                    nullptr, &credentials, nullptr) == SEC_E_OK;
 }
 
-// Systems before TLS 1.3 know only the older way of saying the same.
+// Systems before TLS 1.3 know only the older structure.
 bool AcquireTlsCredentials(CredHandle& credentials) {
   TLS_PARAMETERS parameters{};
   parameters.grbitDisabledProtocols = ~kVersions;
@@ -43,18 +44,11 @@ bool AcquireTlsCredentials(CredHandle& credentials) {
   return Acquire(&older, credentials);
 }
 
-// What was asked for is one thing, and what a system's settings make of it another.
+// The system's settings may change what was asked for.
 bool IsNewEnough(CtxtHandle& context) {
   SecPkgContext_ConnectionInfo info{};
   QueryContextAttributesW(&context, SECPKG_ATTR_CONNECTION_INFO, &info);
   return (info.dwProtocol & kVersions) != 0;
-}
-
-// Every TLS record begins with its kind and the major version 3; what a server says first is a
-// handshake or an alert.
-bool LooksLikeTls(std::string_view bytes) {
-  const bool kind = bytes[0] == 0x16 || bytes[0] == 0x15;
-  return kind && (bytes.size() < 2 || bytes[1] == 3);
 }
 
 SecBuffer Buffer(ULONG type, char* data = nullptr, size_t size = 0) {
@@ -64,7 +58,7 @@ SecBuffer Buffer(ULONG type, char* data = nullptr, size_t size = 0) {
 }  // namespace
 
 WinTlsStream::WinTlsStream(WinTcpStream& tcp, Background& background, Peer peer,
-                           ByteStreamListener& listener)
+                           StreamListener& listener)
     : tcp_(tcp),
       background_(background),
       peer_(std::move(peer)),
@@ -72,6 +66,7 @@ WinTlsStream::WinTlsStream(WinTcpStream& tcp, Background& background, Peer peer,
       has_credentials_(AcquireTlsCredentials(credentials_)) {}
 
 WinTlsStream::~WinTlsStream() {
+  if (was_open_) SayGoodBye();
   if (has_context_) DeleteSecurityContext(&context_);
   if (has_credentials_) FreeCredentialsHandle(&credentials_);
 }
@@ -93,17 +88,12 @@ void WinTlsStream::BytesArrived(std::string_view bytes) {
 
 void WinTlsStream::PeerClosed() {
   if (phase_ == Phase::kOver) return;
-  if (!was_open_) return Abort(kSocketConnectionAborted, Text(kClosedInHandshakeWords));
+  if (!was_open_) return Abort(kSocketConnectionAborted, Text(kClosedInHandshakeMessage));
   phase_ = Phase::kOver;
   listener_.PeerClosed();
 }
 
-void WinTlsStream::Failed(int32_t number, const Text& description) {
-  if (connected_ && !was_open_) {
-    return Abort(kSocketConnectionAborted, Text(kClosedInHandshakeWords));
-  }
-  Abort(number, description);
-}
+void WinTlsStream::Failed(int32_t number, const Text& description) { Abort(number, description); }
 
 void WinTlsStream::Advance() {
   if (phase_ == Phase::kHandshake) return Handshake();
@@ -111,9 +101,8 @@ void WinTlsStream::Advance() {
 }
 
 void WinTlsStream::Handshake() {
-  connected_ = true;
   if (has_context_ && !was_open_ && !LooksLikeTls(received_)) {
-    return Abort(kSocketConnectionAborted, Text(kNoTlsWords));
+    return Abort(kSocketConnectionAborted, Text(kNoTlsMessage));
   }
   SECURITY_STATUS status = SEC_E_UNSUPPORTED_FUNCTION;
   size_t before;
@@ -123,32 +112,38 @@ void WinTlsStream::Handshake() {
   } while (status == SEC_I_CONTINUE_NEEDED && !received_.empty() && received_.size() < before);
   if (status == SEC_E_OK) return CheckCertificate();
   if (status == SEC_I_CONTINUE_NEEDED || status == SEC_E_INCOMPLETE_MESSAGE) return;
-  Abort(kSocketConnectionAborted, Text(kNoCommonTlsWords));
+  Abort(kSocketConnectionAborted, Text(kNoCommonTlsMessage));
 }
 
-// One step of the handshake: takes what it can of `received_`, and sends the answer.
+// One step of the handshake: consumes what it can of `received_` and sends the answer.
 SECURITY_STATUS WinTlsStream::NextToken() {
   SecBuffer in[] = {Buffer(SECBUFFER_TOKEN, received_.data(), received_.size()),
                     Buffer(SECBUFFER_EMPTY)};
-  SecBuffer out[] = {Buffer(SECBUFFER_TOKEN)};
   SecBufferDesc in_list{SECBUFFER_VERSION, 2, in};
+  const bool first = !has_context_;
+  const SECURITY_STATUS status = SendToken(first ? nullptr : &in_list);
+  if (status == SEC_I_INCOMPLETE_CREDENTIALS && !std::exchange(anonymous_, true)) {
+    return NextToken();
+  }
+  if (!first && (status == SEC_I_CONTINUE_NEEDED || status == SEC_E_OK)) KeepTail(in[1]);
+  return status;
+}
+
+SECURITY_STATUS WinTlsStream::SendToken(SecBufferDesc* input) {
+  SecBuffer out[] = {Buffer(SECBUFFER_TOKEN)};
   SecBufferDesc out_list{SECBUFFER_VERSION, 1, out};
-  std::wstring name = peer_.name;
+  const std::string server = AnnouncedName(peer_.server);
+  std::wstring name(server.begin(), server.end());
   ULONG granted = 0;
   const SECURITY_STATUS status = InitializeSecurityContextW(
-      &credentials_, has_context_ ? &context_ : nullptr, name.data(),
-      kRequests | (anonymous_ ? ISC_REQ_USE_SUPPLIED_CREDS : 0), 0, 0,
-      has_context_ ? &in_list : nullptr, 0, &context_, &out_list, &granted, nullptr);
-  const bool first = !has_context_;
+      &credentials_, has_context_ ? &context_ : nullptr, name.empty() ? nullptr : name.data(),
+      kRequests | (anonymous_ ? ISC_REQ_USE_SUPPLIED_CREDS : 0), 0, 0, input, 0, &context_,
+      &out_list, &granted, nullptr);
   has_context_ = has_context_ || status == SEC_I_CONTINUE_NEEDED || status == SEC_E_OK;
   if (out[0].pvBuffer) {
     if (out[0].cbBuffer > 0) tcp_.Send({static_cast<char*>(out[0].pvBuffer), out[0].cbBuffer});
     FreeContextBuffer(out[0].pvBuffer);
   }
-  if (status == SEC_I_INCOMPLETE_CREDENTIALS && !std::exchange(anonymous_, true)) {
-    return NextToken();
-  }
-  if (!first && (status == SEC_I_CONTINUE_NEEDED || status == SEC_E_OK)) KeepTail(in[1]);
   return status;
 }
 
@@ -158,25 +153,24 @@ void WinTlsStream::CheckCertificate() {
   std::shared_ptr<const CERT_CONTEXT> certificate(CertificatePtr{sent});
   if (!certificate || !IsNewEnough(context_) ||
       QueryContextAttributesW(&context_, SECPKG_ATTR_STREAM_SIZES, &sizes_) != SEC_E_OK) {
-    return Abort(kSocketConnectionAborted, Text(kNoCommonTlsWords));
+    return Abort(kSocketConnectionAborted, Text(kNoCommonTlsMessage));
   }
-  // A later handshake, if only for a new session ticket, mostly shows the certificate again.
+  // A later handshake, often just for a new session ticket, usually shows the same certificate.
   std::string encoded(reinterpret_cast<const char*>(sent->pbCertEncoded), sent->cbCertEncoded);
-  if (encoded == accepted_) return Checked(std::nullopt);
+  if (encoded == accepted_) return Checked({});
   accepted_ = std::move(encoded);
   phase_ = Phase::kChecking;
-  auto fault = std::make_shared<std::optional<CertificateFault>>(CertificateFault::kOther);
+  auto faults = std::make_shared<std::vector<CertificateFault>>(1, CertificateFault::kOther);
   background_.Start(
-      [fault, certificate, peer = peer_] {
-        *fault = CheckServerCertificate(*certificate, peer.name, peer.authorities_file);
+      [faults, certificate, peer = peer_] {
+        *faults = CheckServerCertificate(*certificate, peer.server, peer.authorities_file);
       },
-      [this, fault] { Checked(*fault); });
+      [this, faults] { Checked(*faults); });
 }
 
-void WinTlsStream::Checked(std::optional<CertificateFault> fault) {
-  if (fault) {
-    return Abort(kSocketConnectionAborted,
-                 RefusedCertificateText(peer_.host) + u" " + Text(CertificateFaultWords(*fault)));
+void WinTlsStream::Checked(const std::vector<CertificateFault>& faults) {
+  if (!faults.empty()) {
+    return Abort(kSocketConnectionAborted, RefusedCertificateText(peer_.host, faults));
   }
   phase_ = Phase::kOpen;
   const std::weak_ptr alive(alive_);
@@ -184,6 +178,14 @@ void WinTlsStream::Checked(std::optional<CertificateFault> fault) {
   if (alive.expired()) return;
   if (!waiting_.empty()) Send(std::exchange(waiting_, {}));
   Decrypt();
+}
+
+// Best effort: a peer that does not read misses it.
+void WinTlsStream::SayGoodBye() {
+  DWORD shutdown = SCHANNEL_SHUTDOWN;
+  SecBuffer in[] = {{sizeof shutdown, SECBUFFER_TOKEN, &shutdown}};
+  SecBufferDesc in_list{SECBUFFER_VERSION, 1, in};
+  if (ApplyControlToken(&context_, &in_list) == SEC_E_OK) SendToken(nullptr);
 }
 
 // All that has arrived goes to the listener at once: many small records cost one call.
@@ -204,6 +206,7 @@ SECURITY_STATUS WinTlsStream::DecryptRecord(std::string& plain) {
   SecBuffer buffers[] = {Buffer(SECBUFFER_DATA, received_.data(), received_.size()),
                          Buffer(SECBUFFER_EMPTY), Buffer(SECBUFFER_EMPTY), Buffer(SECBUFFER_EMPTY)};
   SecBufferDesc list{SECBUFFER_VERSION, 4, buffers};
+  const bool is_alert = received_[0] == kAlertRecord;
   const SECURITY_STATUS status = DecryptMessage(&context_, &list, 0, nullptr);
   if (status == SEC_E_INCOMPLETE_MESSAGE || FAILED(status)) return status;
   const SecBuffer* tail = &buffers[0];
@@ -214,10 +217,12 @@ SECURITY_STATUS WinTlsStream::DecryptRecord(std::string& plain) {
     }
   }
   KeepTail(*tail);
-  return status;
+  // Wine does not report the end of TLS, but passes over the alert that says so. Other alerts that
+  // are no errors do not occur here.
+  return status == SEC_E_OK && is_alert ? SEC_I_CONTEXT_EXPIRED : status;
 }
 
-// The library leaves what belongs to the next record at the end of what it was given.
+// The library leaves the start of the next record at the end of its input.
 void WinTlsStream::KeepTail(const SecBuffer& buffer) {
   const size_t size = buffer.BufferType == SECBUFFER_EXTRA ? buffer.cbBuffer : 0;
   received_.erase(0, received_.size() - std::min(size, received_.size()));

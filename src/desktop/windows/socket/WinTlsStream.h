@@ -6,35 +6,41 @@
 #include <security.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
-#include "desktop/common/ByteStream.h"
+#include "desktop/common/ServerIdentity.h"
+#include "desktop/common/StreamListener.h"
 #include "desktop/windows/events/Background.h"
 #include "desktop/windows/socket/WinCertificates.h"
 
 namespace vesko {
 
-/// TLS over a TCP stream whose listener this is, by the system's own library. Opened comes when the
-/// certificate is checked; nothing is sent before but the handshake. May be destroyed in a listener
-/// call.
-class WinTlsStream final : public ByteStream, public ByteStreamListener {
+/// TLS by the system's library over a TCP stream whose listener this is. Opened comes when the
+/// server's certificate is accepted; until then nothing is sent but the handshake. May be destroyed
+/// from within a call of its listener.
+class WinTlsStream final : public StreamListener {
  public:
   struct Peer {
-    Text host;                     // as the user wrote it
-    std::wstring name;             // named to the server, and what its certificate is checked for
-    std::string authorities_file;  // further ones, PEM; may be empty
+    Text host;  // as the user wrote it, for messages
+    ServerIdentity server;
+    std::string authorities_file;  // authorities besides the system's, PEM; may be empty
   };
 
-  /// All but the peer must outlive the stream. `background` has nothing else to do meanwhile.
-  WinTlsStream(WinTcpStream& tcp, Background& background, Peer peer, ByteStreamListener& listener);
-  ~WinTlsStream() override;
+  /// TCP stream, background and listener must outlive this stream, which alone may use `background`
+  /// while it lives.
+  WinTlsStream(WinTcpStream& tcp, Background& background, Peer peer, StreamListener& listener);
+
+  /// Tells the peer that nothing more will come, where the handshake was over.
+  ~WinTlsStream();
   WinTlsStream(const WinTlsStream&) = delete;
   WinTlsStream& operator=(const WinTlsStream&) = delete;
 
-  void Send(std::string_view bytes) override;
+  /// Sends all bytes in order and never blocks; waits for the end of a later handshake. An error is
+  /// reported later by the event loop. Precondition: open.
+  void Send(std::string_view bytes);
 
  private:
   enum class Phase { kHandshake, kChecking, kOpen, kOver };
@@ -47,8 +53,10 @@ class WinTlsStream final : public ByteStream, public ByteStreamListener {
   void Advance();
   void Handshake();
   SECURITY_STATUS NextToken();
+  SECURITY_STATUS SendToken(SecBufferDesc* input);
   void CheckCertificate();
-  void Checked(std::optional<CertificateFault> fault);
+  void Checked(const std::vector<CertificateFault>& faults);
+  void SayGoodBye();
   void Decrypt();
   SECURITY_STATUS DecryptRecord(std::string& plain);
   void KeepTail(const SecBuffer& buffer);
@@ -58,12 +66,11 @@ class WinTlsStream final : public ByteStream, public ByteStreamListener {
   WinTcpStream& tcp_;
   Background& background_;
   const Peer peer_;
-  ByteStreamListener& listener_;
-  std::shared_ptr<char> alive_ = std::make_shared<char>();  // dies with the stream
+  StreamListener& listener_;
+  std::shared_ptr<char> alive_ = std::make_shared<char>();  // expires with the stream
 
   Phase phase_ = Phase::kHandshake;
-  bool connected_ = false;  // by TCP
-  bool was_open_ = false;   // a later handshake is none of the listener's business
+  bool was_open_ = false;   // the listener is not told of later handshakes
   bool anonymous_ = false;  // the server asked for a certificate of ours; there is none
   CredHandle credentials_{};
   CtxtHandle context_{};
