@@ -163,8 +163,6 @@ class ProgressForm : public Form {
   explicit ProgressForm(Toolkit& toolkit) : Form("ProgressForm", toolkit) {
     label_.SetLiteral(true);
     bar_.SetMaximum(kMany);
-    Add(label_);
-    Add(bar_);
     SetLayout(Column({Item(label_), Item(bar_)}));
   }
   ~ProgressForm() override { TakeDown(); }
@@ -183,8 +181,8 @@ class ProgressForm : public Form {
     Unload();
   }
 
-  Label label_{"lbl"};
-  ProgressBar bar_{"prg"};
+  Label label_{*this, "lbl"};
+  ProgressBar bar_{*this, "prg"};
 };
 
 }  // namespace

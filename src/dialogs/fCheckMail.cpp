@@ -37,10 +37,6 @@ void fCheckMail::SetUp() {
 }
 
 void fCheckMail::Arrange() {
-  for (Control* control : std::initializer_list<Control*>{&lblProgress, &prgBar1, &lblTime, &lblCmd,
-                                                          &cmdNext, &cmdCancel}) {
-    Add(*control);
-  }
   SetLayout(Column({Item(lblProgress), Item(prgBar1), Item(lblTime), Item(lblCmd), Space(),
                     Row({Space(), Item(cmdNext), Item(cmdCancel)})}));
 }

@@ -49,12 +49,12 @@ class fCheckMail : public Form, private ProgressView {
 
   const Text& font_name_;
 
-  Label lblProgress{"lblProgress"};
-  Label lblTime{"lblTime"};
-  Label lblCmd{"lblCmd"};
-  ProgressBar prgBar1{"prgBar1"};
-  CommandButton cmdNext{"cmdNext"};
-  CommandButton cmdCancel{"cmdCancel"};
+  Label lblProgress{*this, "lblProgress"};
+  Label lblTime{*this, "lblTime"};
+  Label lblCmd{*this, "lblCmd"};
+  ProgressBar prgBar1{*this, "prgBar1"};
+  CommandButton cmdNext{*this, "cmdNext"};
+  CommandButton cmdCancel{*this, "cmdCancel"};
 
   CheckRun run_;  // last: it speaks to the controls above
 };

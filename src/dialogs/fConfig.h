@@ -4,6 +4,9 @@
 
 #include "base/Text.h"
 #include "config/mRegistry.h"
+#include "dialogs/AccountsPage.h"
+#include "dialogs/OptionsPage.h"
+#include "dialogs/SpamPage.h"
 #include "maillist/SharedData.h"
 #include "platform/Services.h"
 #include "ui/Controls.h"
@@ -34,105 +37,27 @@ class fConfig : public Form {
   bool Canceled() const { return canceled_; }
 
  private:
-  /// The parts of one keyword list's editor.
-  struct KeywordEditor {
-    ListBox& list;
-    CommandButton (&buttons)[3];
-    Text prompt;
-  };
-
   void OnLoad() override;
   void OnUnload() override;
   void OnClose() override { Cancel(); }
 
   void SetUp();
-  void SetUpAccounts();
-  void SetUpKeywords(KeywordEditor& editor);
-  void SetUpOptions();
-  Layout AccountsPage();
-  Layout AccountFields();
-  Layout KeywordColumn(Label& label, KeywordEditor& editor);
-  Layout OptionsPage();
-  void AddAll();
-
-  void FillOptions();
-  void FillAccounts();
-
-  int SelectedAccount() const { return lstPop3Account.ListIndex(); }
-  void EnableAccountBoxes();
-  void AccountClicked();
-  void ShowAccount(int index);
-  void StoreShownAccount();
-  void TrimAccountBoxes();
-  void NewAccount();
-  void DeleteAccount();
-
-  void AddKeyword(KeywordEditor& editor);
-  void RenameKeyword(KeywordEditor& editor);
-  static void DeleteKeyword(KeywordEditor& editor);
-
-  void ManualCheckClicked();
-  void PickFile(TextBox& box, const Text& title, const Text& filter, const Text& extension);
-
   void Confirm();
-  bool TakeOptions();
-  bool ReadNumber(TextBox& box, const Label& label, int32_t& number);
   void Cancel();
   void Help();
 
-  const Locale& locale_;
   Configuration& configuration_;
   mRegistry& store_;
-  PlaySound play_sound_;
   const Text& font_name_;
   bool canceled_ = false;
-  int shown_account_ = -1;  // line of the account in the boxes, -1 for none
 
-  TabControl SSTab1{"SSTab1"};
-
-  Label lblAccounts{"lblAccounts"};
-  ListBox lstPop3Account{"lstPop3Account"};
-  CommandButton cmdPOP3[2]{CommandButton{"cmdPOP3(0)"}, CommandButton{"cmdPOP3(1)"}};
-  Frame fraAccount{"fraAccount"};
-  Label lblPop3Account[5]{Label{"lblPop3Account(0)"}, Label{"lblPop3Account(1)"},
-                          Label{"lblPop3Account(2)"}, Label{"lblPop3Account(3)"},
-                          Label{"lblPop3Account(4)"}};
-  TextBox txtPop3Account[5]{TextBox{"txtPop3Account(0)"}, TextBox{"txtPop3Account(1)"},
-                            TextBox{"txtPop3Account(2)"}, TextBox{"txtPop3Account(3)"},
-                            TextBox{"txtPop3Account(4)"}};
-  CheckBox chkSavePassword{"chkSavePassword"};
-  Label lblNote{"lblNote"};
-
-  Label lblSpamSender{"lblSpamSender"};
-  ListBox lstSpamSender{"lstSpamSender"};
-  CommandButton cmdSpamSender[3]{CommandButton{"cmdSpamSender(0)"},
-                                 CommandButton{"cmdSpamSender(1)"},
-                                 CommandButton{"cmdSpamSender(2)"}};
-  Label lblSpamSubject{"lblSpamSubject"};
-  ListBox lstSpamSubject{"lstSpamSubject"};
-  CommandButton cmdSpamSubject[3]{CommandButton{"cmdSpamSubject(0)"},
-                                  CommandButton{"cmdSpamSubject(1)"},
-                                  CommandButton{"cmdSpamSubject(2)"}};
-  KeywordEditor senders_;
-  KeywordEditor subjects_;
-
-  Label lblPOP3DownLines{"lblPOP3DownLines"};
-  TextBox txtPOP3DownLines{"txtPOP3DownLines"};
-  Label lblPOP3CheckTime{"lblPOP3CheckTime"};
-  TextBox txtPOP3CheckTime{"txtPOP3CheckTime"};
-  Label lblPOP3WaitTime{"lblPOP3WaitTime"};
-  TextBox txtPOP3WaitTime{"txtPOP3WaitTime"};
-  CheckBox chkPop3ManualCheck{"chkPop3ManualCheck"};
-  Label lblPOP3SoundFile{"lblPOP3SoundFile"};
-  TextBox txtPOP3SoundFile{"txtPOP3SoundFile"};
-  CommandButton cmdPop3Sound[2]{CommandButton{"cmdPop3Sound(0)"}, CommandButton{"cmdPop3Sound(1)"}};
-  Label lblDefEmailClient{"lblDefEmailClient"};
-  TextBox txtDefEmailClient{"txtDefEmailClient"};
-  CommandButton cmdDefEmailClient{"cmdDefEmailClient"};
-
-  CommandButton cmdOK{"cmdOK"};
-  CommandButton cmdCancel{"cmdCancel"};
-  CommandButton cmdHelp{"cmdHelp"};
+  TabControl SSTab1{*this, "SSTab1"};
+  AccountsPage accounts_;
+  SpamPage spam_;
+  OptionsPage options_;
+  CommandButton cmdOK{*this, "cmdOK"};
+  CommandButton cmdCancel{*this, "cmdCancel"};
+  CommandButton cmdHelp{*this, "cmdHelp"};
 };
 
 }  // namespace vesko

@@ -1,6 +1,5 @@
 #include "dialogs/fListMail.h"
 
-#include <array>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -34,46 +33,29 @@ struct Shortcut {
 constexpr Shortcut kShortcuts[] = {{'S', kSetSpam}, {'O', kSetOrdinary}, {'R', kSetRead},
                                    {'N', kSetNew},  {'A', kSelectAll},   {'I', kInvertSelection}};
 
-/// What a menu command does to a message's flag and to the images of the rows that show it. A row
-/// with another image keeps it.
+/// What a menu command does to the flag of a message.
 struct Mark {
   int menu_index;
   bool cMessage::*flag;
   bool value;
-  std::array<std::pair<std::string_view, const char*>, 2> images;
 };
-constexpr Mark kMarks[] = {
-    {kSetSpam, &cMessage::Spam, true, {{{"Mail", "Spam"}, {"MailRead", "SpamRead"}}}},
-    {kSetOrdinary, &cMessage::Spam, false, {{{"Spam", "Mail"}, {"SpamRead", "MailRead"}}}},
-    {kSetRead, &cMessage::Read, true, {{{"Mail", "MailRead"}, {"Spam", "SpamRead"}}}},
-    {kSetNew, &cMessage::Read, false, {{{"MailRead", "Mail"}, {"SpamRead", "Spam"}}}},
+constexpr Mark kMarks[] = {{kSetSpam, &cMessage::Spam, true},
+                           {kSetOrdinary, &cMessage::Spam, false},
+                           {kSetRead, &cMessage::Read, true},
+                           {kSetNew, &cMessage::Read, false}};
+
+struct MessageColumn {
+  TextView header;
+  Text cMessage::*text;
+  int width = ListView::kDefaultColumnWidth;
 };
-
-const Mark* FindMark(int menu_index) {
-  for (const Mark& mark : kMarks) {
-    if (mark.menu_index == menu_index) return &mark;
-  }
-  return nullptr;
-}
-
-/// True when the image has changed.
-bool ChangeImage(ListView& list, int row, const Mark& mark) {
-  for (const auto& [from, to] : mark.images) {
-    if (list.RowAt(row).image != from) continue;
-    list.SetImage(row, to);
-    return true;
-  }
-  return false;
-}
-
-ListView::Row RowFor(const cMessage& message) {
-  ListView::Row row;
-  row.key = colMails::Key(message.Server, message.MessageID);
-  row.cells = {message.From,      message.Subject, message.SendDate, message.Server,
-               message.MessageTo, message.CC,      message.BCC};
-  row.image = StateName(message);
-  return row;
-}
+constexpr MessageColumn kColumns[] = {{u"From", &cMessage::From, 150},
+                               {u"Subject", &cMessage::Subject, 200},
+                               {u"Date", &cMessage::SendDate, 110},
+                               {u"POP3 Server", &cMessage::Server, 100},
+                               {u"To", &cMessage::MessageTo},
+                               {u"Cc", &cMessage::CC},
+                               {u"Bcc", &cMessage::BCC}};
 
 }  // namespace
 
@@ -99,6 +81,10 @@ fListMail::~fListMail() { TakeDown(); }
 
 void fListMail::SetUp() {
   LV1.SetAccessibleName(u"Messages");
+  LV1.cell = [this](int item, int column) {
+    return *listed_[static_cast<size_t>(item)].*kColumns[column].text;
+  };
+  LV1.state = [this](int item) { return StateOf(*listed_[static_cast<size_t>(item)]); };
   LV1.on_column_click = [this](int column) { SortByColumn(LV1, column); };
   LV1.on_item_click = [this](int row) { ItemClicked(row); };
   LV1.on_key_down = [this](int key, int modifiers) { return KeyDown(key, modifiers); };
@@ -125,25 +111,14 @@ void fListMail::SetUpMenu() {
 }
 
 void fListMail::Arrange() {
-  Add(LV1);
-  Add(txtBody);
   std::vector<Layout> buttons{Space()};
-  for (CommandButton& button : cmdMail) {
-    Add(button);
-    buttons.push_back(Item(button));
-  }
+  for (CommandButton& button : cmdMail) buttons.push_back(Item(button));
   SetLayout(Column({Item(LV1, 2), Item(txtBody, 1), Row(std::move(buttons))}));
 }
 
 void fListMail::AddColumns() {
   LV1.ClearColumns();
-  LV1.AddColumn(u"From", 150);
-  LV1.AddColumn(u"Subject", 200);
-  LV1.AddColumn(u"Date", 110);
-  LV1.AddColumn(u"POP3 Server", 100);
-  LV1.AddColumn(u"To");
-  LV1.AddColumn(u"Cc");
-  LV1.AddColumn(u"Bcc");
+  for (const MessageColumn& column : kColumns) LV1.AddColumn(Text(column.header), column.width);
 }
 
 void fListMail::OnLoad() {
@@ -151,7 +126,6 @@ void fListMail::OnLoad() {
   LV1.SetUnsorted();
   AddColumns();
   txtBody.SetText({});
-  current_row_ = -1;
   RefreshAll();
   SetFirstInTabOrder(cmdMail[kConfigSpam]);
   cmdMail[kOpenEmailClient].SetEnabled(EmailClientExists());
@@ -160,8 +134,8 @@ void fListMail::OnLoad() {
 
 void fListMail::OnUnload() {
   mails_.ClearDeletionMarks();
-  LV1.ClearRows();
-  current_message_.reset();
+  LV1.SetCount(0);
+  listed_.clear();
 }
 
 void fListMail::ApplySpamFilter() {
@@ -169,16 +143,11 @@ void fListMail::ApplySpamFilter() {
 }
 
 void fListMail::FillList() {
-  LV1.ClearRows();
-  LV1.ReserveRows(mails_.Count());
-  mails_.ForEach([&](const cMessage& message) {
-    LV1.AddRow(RowFor(message));
-    return true;
-  });
+  listed_ = mails_.All();
+  LV1.SetCount(static_cast<int>(listed_.size()));
   // A list that is being sorted keeps its order when its rows come anew.
   if (LV1.Sorted()) LV1.Sort(LV1.SortKey(), LV1.SortDescending(), locale_);
   if (LV1.Count() > 0) return LV1.ClickRow(0);
-  current_message_.reset();
   txtBody.SetText({});
 }
 
@@ -201,14 +170,17 @@ void fListMail::SortByColumn(ListView& list, int column) {
 }
 
 colMails::Message fListMail::MessageOf(int row) const {
-  return row < 0 ? nullptr : mails_.Find(LV1.RowAt(row).key);
+  if (row < 0) return nullptr;
+  const cMessage& message = *listed_[static_cast<size_t>(LV1.ItemAt(row))];
+  return mails_.Find(colMails::Key(message.Server, message.MessageID));
 }
 
 void fListMail::ItemClicked(int row) {
-  current_message_ = MessageOf(row);
-  if (current_message_) txtBody.SetText(current_message_->MessageBody);
-  const bool was_unread = ChangeImage(LV1, row, *FindMark(kSetRead));
-  if (was_unread && current_message_) current_message_->Read = true;
+  if (const colMails::Message message = MessageOf(row)) {
+    txtBody.SetText(message->MessageBody);
+    message->Read = true;
+    LV1.ItemsChanged();
+  }
   IgnoreErrors([&] { UpdateStatus(); });
 }
 
@@ -223,8 +195,6 @@ bool fListMail::KeyDown(int key_code, int modifiers) {
 }
 
 void fListMail::MouseDown(int buttons, int row) {
-  current_row_ = row;
-  current_message_ = MessageOf(row);
   if (!(buttons & kRightButton) || row < 0) return;
   if (!LV1.Selected(row)) {
     LV1.SelectNone();
@@ -236,17 +206,18 @@ void fListMail::MouseDown(int buttons, int row) {
 void fListMail::RunMenuCommand(int index) {
   if (index == kSelectAll) LV1.SelectAll();
   if (index == kInvertSelection) LV1.InvertSelection();
-  if (FindMark(index)) MarkSelected(index);
+  for (const Mark& mark : kMarks) {
+    if (mark.menu_index == index) MarkSelected(mark.flag, mark.value);
+  }
   IgnoreErrors([&] { UpdateStatus(); });
 }
 
-void fListMail::MarkSelected(int index) {
-  const Mark& mark = *FindMark(index);
+void fListMail::MarkSelected(bool cMessage::*flag, bool value) {
   for (int row = 0; row < LV1.Count(); ++row) {
     if (!LV1.Selected(row)) continue;
-    ChangeImage(LV1, row, mark);
-    if (const colMails::Message message = MessageOf(row)) (*message).*mark.flag = mark.value;
+    if (const colMails::Message message = MessageOf(row)) (*message).*flag = value;
   }
+  LV1.ItemsChanged();
 }
 
 void fListMail::ConfigSpam() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "base/Text.h"
 #include "dialogs/fCheckMail.h"
 #include "dialogs/fConfig.h"
@@ -39,7 +41,7 @@ class fListMail : public Form {
   void MouseDown(int buttons, int row);
 
   void RunMenuCommand(int index);
-  void MarkSelected(int index);
+  void MarkSelected(bool cMessage::*flag, bool value);
 
   void ConfigSpam();
   void DeleteSpam();
@@ -54,13 +56,11 @@ class fListMail : public Form {
   fCheckMail& check_window_;
   const Text& font_name_;
 
-  int current_row_ = -1;               // last hit by the mouse
-  colMails::Message current_message_;  // or none
+  std::vector<colMails::Message> listed_;  // the items of LV1
 
-  ListView LV1{"LV1"};
-  TextBox txtBody{"txtBody"};
-  CommandButton cmdMail[4]{CommandButton{"cmdMail(0)"}, CommandButton{"cmdMail(1)"},
-                           CommandButton{"cmdMail(2)"}, CommandButton{"cmdMail(3)"}};
+  ListView LV1{*this, "LV1"};
+  TextBox txtBody{*this, "txtBody"};
+  ControlArray<CommandButton, 4> cmdMail{*this, "cmdMail"};
   PopupMenu mnuMail;  // its items are mnuMailSub
 };
 

@@ -47,18 +47,13 @@ void fPop3Site::SetUp() {
 
 void fPop3Site::Arrange() {
   std::vector<Layout> fields;
-  Add(fraAccount);
   for (size_t i = 0; i < 3; ++i) {
-    Add(lblPop3Account[i]);
-    Add(txtPop3Account[i]);
     fields.push_back(Item(lblPop3Account[i]));
     fields.push_back(Item(txtPop3Account[i]));
   }
-  Add(chkSavePassword);
   fields.push_back(Space(0));
   fields.push_back(Item(chkSavePassword));
   fraAccount.content = Grid(2, std::move(fields));
-  for (CommandButton* button : {&cmdOK, &cmdCancel, &cmdHelp}) Add(*button);
   SetLayout(
       Column({Item(fraAccount, 1), Row({Space(), Item(cmdOK), Item(cmdCancel), Item(cmdHelp)})}));
 }

@@ -41,15 +41,13 @@ class fPop3Site : public Form {
   const Text& font_name_;
   bool canceled_ = false;
 
-  Frame fraAccount{"fraAccount"};
-  Label lblPop3Account[3]{Label{"lblPop3Account(0)"}, Label{"lblPop3Account(1)"},
-                          Label{"lblPop3Account(2)"}};
-  TextBox txtPop3Account[3]{TextBox{"txtPop3Account(0)"}, TextBox{"txtPop3Account(1)"},
-                            TextBox{"txtPop3Account(2)"}};
-  CheckBox chkSavePassword{"chkSavePassword"};
-  CommandButton cmdOK{"cmdOK"};
-  CommandButton cmdCancel{"cmdCancel"};
-  CommandButton cmdHelp{"cmdHelp"};
+  Frame fraAccount{*this, "fraAccount"};
+  ControlArray<Label, 3> lblPop3Account{*this, "lblPop3Account"};
+  ControlArray<TextBox, 3> txtPop3Account{*this, "txtPop3Account"};
+  CheckBox chkSavePassword{*this, "chkSavePassword"};
+  CommandButton cmdOK{*this, "cmdOK"};
+  CommandButton cmdCancel{*this, "cmdCancel"};
+  CommandButton cmdHelp{*this, "cmdHelp"};
 };
 
 }  // namespace vesko

@@ -45,10 +45,9 @@ class SpamTest {
 
 }  // namespace
 
-std::string StateName(const cMessage& message) {
-  std::string name = message.Spam ? "Spam" : "Mail";
-  if (message.Read) name += "Read";
-  return name;
+MailState StateOf(const cMessage& message) {
+  if (message.Spam) return message.Read ? MailState::kSpamRead : MailState::kSpam;
+  return message.Read ? MailState::kMailRead : MailState::kMail;
 }
 
 Text StatusText(const MailCounts& counts, const Locale& locale) {
@@ -86,6 +85,16 @@ bool colMails::Add(Message message, const Text& user) {
 colMails::Message colMails::Find(const Text& key) const {
   const Entry* entry = entries_.Find(key);
   return entry ? entry->message : nullptr;
+}
+
+std::vector<colMails::Message> colMails::All() const {
+  std::vector<Message> all;
+  all.reserve(Count());
+  entries_.ForEach([&](const Entry& entry) {
+    all.push_back(entry.message);
+    return true;
+  });
+  return all;
 }
 
 std::vector<colMails::Message> colMails::MarkedForDeletion(TextView server, TextView user) const {

@@ -2,19 +2,17 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "base/KeyedCollection.h"
 #include "base/Text.h"
+#include "maillist/MailState.h"
 #include "message/cMessage.h"
 #include "platform/Locale.h"
 
 namespace vesko {
 
-/// Name of a message's display state, which is also the key of its image: "Mail", "MailRead",
-/// "Spam" or "SpamRead".
-std::string StateName(const cMessage& message);
+MailState StateOf(const cMessage& message);
 
 struct MailCounts {
   size_t total = 0;
@@ -55,6 +53,9 @@ class colMails {
   void ForEach(Visit&& visit) const {
     entries_.ForEach([&](const Entry& entry) { return visit(*entry.message); });
   }
+
+  /// All messages in order.
+  std::vector<Message> All() const;
 
   /// The messages marked Delete that this server and account fetched (both compared exactly).
   std::vector<Message> MarkedForDeletion(TextView server, TextView user) const;

@@ -2,15 +2,17 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/Text.h"
 
 namespace vesko {
 
-class ControlVisitor;
+class Form;
+struct Layout;
 
-/// The native side of a realised control. Owned by the desktop; tells it what the control's owner
-/// changed.
+/// The native side of a realised control. Owned by the desktop, which is told by it what the
+/// control's owner has changed. Its functions are called on the thread that runs the pump.
 class ControlPeer {
  public:
   virtual ~ControlPeer() = default;
@@ -19,7 +21,7 @@ class ControlPeer {
   /// some tens of milliseconds of running the pump.
   virtual void StateChanged() = 0;
 
-  /// Shows the state and repaints at once.
+  /// Shows the state and repaints before it returns.
   virtual void Refresh() = 0;
 
   /// Gives the control the keyboard focus; in a text box the whole text becomes selected.
@@ -32,13 +34,18 @@ struct Font {
   double size = 0;
 };
 
-/// One control of a window: plain state, no toolkit. Whoever owns it sets the state; the desktop
-/// mirrors it in a native widget and raises the events through the same public members that a test
-/// calls (Click, Type, …).
+/// One control of a window: plain state, no toolkit. Its owner sets the state; the desktop mirrors
+/// it in a native widget and raises the events through the same public members that a test calls
+/// (Click, Type, …). Texts are shown as plain text, whoever wrote them.
+///
+/// An event handler may change any control, unload the window and even destroy it: the control does
+/// not touch itself after raising an event. Errors that a handler throws leave the call that raised
+/// the event.
 class Control {
  public:
-  /// `name` is the control's name in the program, with its index in an array: "cmdMail(1)".
-  explicit Control(std::string name) : name_(std::move(name)) {}
+  /// Registers the control with its form, which must outlive it. `name` is the control's name in
+  /// the program, with its index where it is one of an array: "cmdMail(1)".
+  Control(Form& form, std::string name);
   virtual ~Control() = default;
   Control(const Control&) = delete;
   Control& operator=(const Control&) = delete;
@@ -54,7 +61,8 @@ class Control {
   const Text& Tooltip() const { return tooltip_; }
   void SetTooltip(Text tooltip) { Set(tooltip_, std::move(tooltip)); }
 
-  /// What a screen reader says; where it is empty, the caption or the label in front.
+  /// What a screen reader calls the control. Where it is empty, the reader takes the caption or
+  /// the label in front.
   const Text& AccessibleName() const { return accessible_name_; }
   void SetAccessibleName(Text name) { Set(accessible_name_, std::move(name)); }
 
@@ -64,7 +72,7 @@ class Control {
     Changed();
   }
 
-  /// No effect while the control is not realised.
+  /// See ControlPeer. Neither has an effect while the control is not realised.
   void SetFocus() {
     if (peer_) peer_->TakeFocus();
   }
@@ -72,9 +80,11 @@ class Control {
     if (peer_) peer_->Refresh();
   }
 
-  virtual void Accept(ControlVisitor& visitor) = 0;
+  /// The layouts that stand inside the control, one for each native container: the content of a
+  /// frame, the pages of a tab control.
+  virtual std::vector<const Layout*> Contents() const { return {}; }
 
-  /// For the desktop: null when the native side goes.
+  /// For the desktop, which sets null before the native side goes.
   void SetPeer(ControlPeer* peer) { peer_ = peer; }
   ControlPeer* Peer() const { return peer_; }
 
@@ -83,6 +93,7 @@ class Control {
     if (peer_) peer_->StateChanged();
   }
 
+  /// True when the value differed and the native side was told.
   template <typename Field, typename Value>
   bool Set(Field& field, Value&& value) {
     if (field == value) return false;
@@ -99,6 +110,30 @@ class Control {
   Text accessible_name_;
   Font font_{u"Tahoma", 0};  // the size comes from the desktop when the window is realised
   ControlPeer* peer_ = nullptr;
+};
+
+/// Controls of one kind under one name: "cmdMail(0)", "cmdMail(1)", …
+template <typename Kind, size_t Count>
+class ControlArray {
+ public:
+  ControlArray(Form& form, const std::string& name)
+      : ControlArray(form, name, std::make_index_sequence<Count>()) {}
+
+  /// Precondition: the index is below Count.
+  Kind& operator[](size_t index) { return controls_[index]; }
+  const Kind& operator[](size_t index) const { return controls_[index]; }
+
+  Kind* begin() { return controls_; }
+  Kind* end() { return controls_ + Count; }
+  const Kind* begin() const { return controls_; }
+  const Kind* end() const { return controls_ + Count; }
+
+ private:
+  template <size_t... kIndex>
+  ControlArray(Form& form, const std::string& name, std::index_sequence<kIndex...>)
+      : controls_{Kind(form, name + "(" + std::to_string(kIndex) + ")")...} {}
+
+  Kind controls_[Count];
 };
 
 }  // namespace vesko

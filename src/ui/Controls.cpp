@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
 #include <utility>
 
 #include "base/RunTimeError.h"
@@ -32,23 +31,7 @@ Text FirstLine(TextView text) {
   return line;
 }
 
-const Text& CellText(const ListView::Row& row, int column) {
-  static const Text kNone;
-  const auto index = static_cast<size_t>(column);
-  return column >= 0 && index < row.cells.size() ? row.cells[index] : kNone;
-}
-
 }  // namespace
-
-void Label::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void CommandButton::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void CheckBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void TextBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void ProgressBar::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void ListBox::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void ListView::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void Frame::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
-void TabControl::Accept(ControlVisitor& visitor) { visitor.Visit(*this); }
 
 void CommandButton::Click() {
   if (Enabled() && Visible()) Raise(on_click);
@@ -91,8 +74,14 @@ void ProgressBar::SetMaximum(int32_t maximum) {
   Set(maximum_, maximum);
 }
 
+const Text& ListBox::Item(int index) const {
+  RequireIndex(index, 0, Count());
+  return items_[static_cast<size_t>(index)];
+}
+
 void ListBox::SetItem(int index, Text item) {
-  Set(items_.at(static_cast<size_t>(index)), std::move(item));
+  RequireIndex(index, 0, Count());
+  Set(items_[static_cast<size_t>(index)], std::move(item));
 }
 
 void ListBox::AddItem(Text item) {
@@ -136,23 +125,25 @@ void ListView::ClearColumns() {
   RowsChanged();
 }
 
-void ListView::AddRow(Row row) {
-  rows_.push_back(std::move(row));
-  RowsChanged();
-}
-
-void ListView::ClearRows() {
+void ListView::SetCount(int count) {
   rows_.clear();
+  rows_.reserve(static_cast<size_t>(count));
+  for (int item = 0; item < count; ++item) rows_.push_back({item, false});
   current_ = -1;
   RowsChanged();
 }
 
-void ListView::SetImage(int row, std::string image) {
-  Set(rows_.at(static_cast<size_t>(row)).image, std::move(image));
+ListView::Row& ListView::RowAt(int row) {
+  RequireIndex(row, 0, Count());
+  return rows_[static_cast<size_t>(row)];
 }
 
+int ListView::ItemAt(int row) const { return RowAt(row).item; }
+
+bool ListView::Selected(int row) const { return RowAt(row).selected; }
+
 void ListView::SetSelected(int row, bool selected) {
-  if (Set(rows_.at(static_cast<size_t>(row)).selected, selected)) SelectionChanged();
+  if (Set(RowAt(row).selected, selected)) SelectionChanged();
 }
 
 void ListView::SelectAll() {
@@ -176,27 +167,28 @@ void ListView::SetCurrentRow(int row) {
 }
 
 void ListView::Sort(int column, bool descending, const Locale& locale) {
-  // Comparing by the locale is dear and rows are heavy: order plain numbers, then move rows once.
-  std::vector<size_t> order(rows_.size());
-  std::iota(order.begin(), order.end(), size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](size_t left, size_t right) {
-    const Text& a = CellText(rows_[descending ? right : left], column);
-    const Text& b = CellText(rows_[descending ? left : right], column);
-    return a != b && locale.Compare(a, b) < 0;
-  });
-  std::vector<Row> sorted;
-  sorted.reserve(rows_.size());
-  int current = -1;
-  for (size_t from : order) {
-    if (static_cast<int>(from) == current_) current = static_cast<int>(sorted.size());
-    sorted.push_back(std::move(rows_[from]));
-  }
-  rows_ = std::move(sorted);
-  current_ = current;
+  if (column >= 0 && column < static_cast<int>(columns_.size()))
+    SortRows(column, descending, locale);
   sort_key_ = column;
   sort_descending_ = descending;
   sorted_ = true;
   RowsChanged();
+}
+
+void ListView::SortRows(int column, bool descending, const Locale& locale) {
+  const int current_item = current_ < 0 ? -1 : ItemAt(current_);
+  // The owner makes each text once, not once for each comparison.
+  std::vector<Text> texts(rows_.size());
+  for (const Row& row : rows_) texts[static_cast<size_t>(row.item)] = cell(row.item, column);
+  std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& left, const Row& right) {
+    const Text& a = texts[static_cast<size_t>(descending ? right.item : left.item)];
+    const Text& b = texts[static_cast<size_t>(descending ? left.item : right.item)];
+    return a != b && locale.Compare(a, b) < 0;
+  });
+  if (current_ < 0) return;
+  const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                  [&](const Row& row) { return row.item == current_item; });
+  current_ = static_cast<int>(found - rows_.begin());
 }
 
 void ListView::SetUnsorted() {
@@ -246,6 +238,12 @@ void ListView::RowsChanged() {
 void ListView::SelectionChanged() {
   ++selection_generation_;
   Changed();
+}
+
+std::vector<const Layout*> TabControl::Contents() const {
+  std::vector<const Layout*> contents;
+  for (const Page& page : pages) contents.push_back(&page.content);
+  return contents;
 }
 
 }  // namespace vesko

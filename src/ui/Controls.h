@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/Text.h"
+#include "maillist/MailState.h"
 #include "platform/Locale.h"
 #include "ui/Control.h"
 #include "ui/Layout.h"
@@ -25,14 +26,27 @@ inline constexpr int kAlt = 4;
 inline constexpr int kLeftButton = 1;
 inline constexpr int kRightButton = 2;
 
-/// Shows one line or paragraph of plain text. A mnemonic ("&Name") leads to the control behind the
-/// label, the next one in the layout that takes the focus.
-class Label : public Control {
+/// Number of the run-time error for a property value out of range.
+inline constexpr int32_t kInvalidPropertyValue = 380;
+
+/// A control with one line of text on it.
+class CaptionedControl : public Control {
  public:
   using Control::Control;
 
+  /// "&" marks the mnemonic, "&&" is an ampersand.
   const Text& Caption() const { return caption_; }
   void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+
+ private:
+  Text caption_;
+};
+
+/// One line or paragraph of plain text. A mnemonic ("&Name") leads to the control behind the label,
+/// the next one in the layout that takes the focus.
+class Label : public CaptionedControl {
+ public:
+  using CaptionedControl::CaptionedControl;
 
   /// True for text that is not ours (server replies, names): "&" stands for itself there. A long
   /// text of such a label is shown shortened and never widens the window; where it wraps, it is
@@ -44,41 +58,27 @@ class Label : public Control {
   bool Wraps() const { return wraps_; }
   void SetWraps(bool wraps) { Set(wraps_, wraps); }
 
-  void Accept(ControlVisitor& visitor) override;
-
  private:
-  Text caption_;
   bool literal_ = false;
   bool wraps_ = false;
 };
 
-class CommandButton : public Control {
+class CommandButton : public CaptionedControl {
  public:
-  using Control::Control;
-
-  /// "&" marks the mnemonic.
-  const Text& Caption() const { return caption_; }
-  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+  using CaptionedControl::CaptionedControl;
 
   std::function<void()> on_click;
 
   /// The user presses the button; nothing happens while it is disabled or invisible.
   void Click();
-
-  void Accept(ControlVisitor& visitor) override;
-
- private:
-  Text caption_;
 };
 
-class CheckBox : public Control {
+class CheckBox : public CaptionedControl {
  public:
-  using Control::Control;
+  using CaptionedControl::CaptionedControl;
 
-  const Text& Caption() const { return caption_; }
-  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
-
-  /// 0 unchecked, 1 checked. Setting another value raises on_click, as a press does.
+  /// 0 unchecked, 1 checked; every other value that is set counts as 1. Setting a value that
+  /// differs raises on_click, as a press does.
   int Value() const { return value_; }
   void SetValue(int value);
 
@@ -87,10 +87,7 @@ class CheckBox : public Control {
   /// The user toggles the box; nothing happens while it is disabled.
   void Click();
 
-  void Accept(ControlVisitor& visitor) override;
-
  private:
-  Text caption_;
   int value_ = 0;
 };
 
@@ -127,8 +124,6 @@ class TextBox : public Control {
   /// The user presses a key; true when it was used up.
   bool PressKey(int key_code);
 
-  void Accept(ControlVisitor& visitor) override;
-
  private:
   /// The text of a box of one line after an edit that left `text`.
   Text Edited(TextView text) const;
@@ -143,30 +138,29 @@ class ProgressBar : public Control {
  public:
   using Control::Control;
 
-  /// From 0 to Maximum. Raise run-time error 380 for a value outside and a maximum below 1.
+  /// From 0 to Maximum. Setting a value outside, or a maximum below 1, raises run-time error 380
+  /// and changes nothing. A smaller maximum takes the value down with it.
   int32_t Value() const { return value_; }
   void SetValue(int32_t value);
   int32_t Maximum() const { return maximum_; }
   void SetMaximum(int32_t maximum);
-
-  void Accept(ControlVisitor& visitor) override;
 
  private:
   int32_t value_ = 0;
   int32_t maximum_ = 100;
 };
 
-inline constexpr int32_t kInvalidPropertyValue = 380;
-
-/// A list of lines with at most one selected.
+/// A list of lines with at most one selected. Lines count from 0; a position that does not exist
+/// raises run-time error 380 and changes nothing.
 class ListBox : public Control {
  public:
   using Control::Control;
 
   int Count() const { return static_cast<int>(items_.size()); }
-  const Text& Item(int index) const { return items_.at(static_cast<size_t>(index)); }
+  const Text& Item(int index) const;
   void SetItem(int index, Text item);
   void AddItem(Text item);
+  /// The selection stays with its line and goes with it.
   void RemoveItem(int index);
   void Clear();
 
@@ -179,15 +173,15 @@ class ListBox : public Control {
   /// The user selects a line; nothing happens while the list is disabled.
   void Click(int index);
 
-  void Accept(ControlVisitor& visitor) override;
-
  private:
   std::vector<Text> items_;
   int index_ = -1;
 };
 
-/// A list in report view: columns, rows with an image, several rows selected. Rows live here; a
-/// native list asks for what is visible, so the number of rows costs nothing to show.
+/// A list in report view: columns, rows with an image, several rows selected. The list holds no
+/// texts: it asks its owner for the cells and the state of a row when that row is drawn, so the
+/// number of rows costs next to nothing. The owner's items count from 0; unless the list is sorted,
+/// each stands in the row of its own number. A row that does not exist raises run-time error 380.
 class ListView : public Control {
  public:
   using Control::Control;
@@ -198,25 +192,26 @@ class ListView : public Control {
   };
   static constexpr int kDefaultColumnWidth = 96;
 
-  struct Row {
-    Text key;
-    std::vector<Text> cells;  // cells[0] is the row text
-    std::string image;        // key in the image list
-    bool selected = false;
-  };
-
   const std::vector<Column>& Columns() const { return columns_; }
   void AddColumn(Text header, int width = kDefaultColumnWidth);
   void ClearColumns();
 
-  int Count() const { return static_cast<int>(rows_.size()); }
-  const Row& RowAt(int row) const { return rows_.at(static_cast<size_t>(row)); }
-  void ReserveRows(size_t count) { rows_.reserve(count); }
-  void AddRow(Row row);
-  void ClearRows();
-  void SetImage(int row, std::string image);
+  /// What the owner's items show. To be set before there are rows; called for items and columns
+  /// that exist, at any time while the window is shown.
+  std::function<Text(int item, int column)> cell;
+  std::function<MailState(int item)> state;
 
-  bool Selected(int row) const { return RowAt(row).selected; }
+  /// Replaces all rows: the owner has so many items now. No row is selected or current then.
+  void SetCount(int count);
+  int Count() const { return static_cast<int>(rows_.size()); }
+  /// The owner's number of the item that stands in a row.
+  int ItemAt(int row) const;
+  Text CellAt(int row, int column) const { return cell(ItemAt(row), column); }
+  MailState StateAt(int row) const { return state(ItemAt(row)); }
+  /// The owner's items show something else in the same places.
+  void ItemsChanged() { Changed(); }
+
+  bool Selected(int row) const;
   void SetSelected(int row, bool selected);
   void SelectAll();
   void SelectNone();
@@ -231,7 +226,8 @@ class ListView : public Control {
   bool SortDescending() const { return sort_descending_; }
   bool Sorted() const { return sorted_; }
   /// Sorts the rows by one column's text in the locale's order, equal ones left as they stand.
-  /// Selection and current row stay with their rows.
+  /// Selection and current row stay with their items. A column that does not exist changes nothing
+  /// in the order of the rows.
   void Sort(int column, bool descending, const Locale& locale);
   /// The state of a fresh list: unsorted, the direction ascending. Rows stay as they stand.
   void SetUnsorted();
@@ -255,12 +251,19 @@ class ListView : public Control {
   /// Raises on_mouse_down and selects nothing; comes before the click of the same press.
   void PressMouse(int buttons, int row);
   /// The native selection has changed: takes it over without telling the native side again and
-  /// raises nothing. Ranges are pairs of first and last row, both included.
+  /// raises nothing. Ranges are pairs of first and last row, both included; rows that do not exist
+  /// are left out.
   void TakeSelection(const std::vector<std::pair<int, int>>& selected_ranges, int current_row);
 
-  void Accept(ControlVisitor& visitor) override;
-
  private:
+  struct Row {
+    int item;
+    bool selected;
+  };
+
+  Row& RowAt(int row);
+  const Row& RowAt(int row) const { return const_cast<ListView*>(this)->RowAt(row); }
+  void SortRows(int column, bool descending, const Locale& locale);
   void RowsChanged();
   void SelectionChanged();
 
@@ -275,19 +278,13 @@ class ListView : public Control {
 };
 
 /// A captioned box around other controls.
-class Frame : public Control {
+class Frame : public CaptionedControl {
  public:
-  using Control::Control;
-
-  const Text& Caption() const { return caption_; }
-  void SetCaption(Text caption) { Set(caption_, std::move(caption)); }
+  using CaptionedControl::CaptionedControl;
 
   Layout content;  // set before the window is realised
 
-  void Accept(ControlVisitor& visitor) override;
-
- private:
-  Text caption_;
+  std::vector<const Layout*> Contents() const override { return {&content}; }
 };
 
 class TabControl : public Control {
@@ -307,15 +304,14 @@ class TabControl : public Control {
   /// The user turns to a page.
   void Click(int tab) { SetTab(tab); }
 
-  void Accept(ControlVisitor& visitor) override;
+  std::vector<const Layout*> Contents() const override;
 
  private:
   int tab_ = 0;
 };
 
 /// A menu that pops up at the mouse cursor. Not a control of the layout.
-class PopupMenu {
- public:
+struct PopupMenu {
   struct Item {
     Text caption;   // "-" is a separator
     Text shortcut;  // shown only, "Ctrl+S"; the window handles the key itself
@@ -323,20 +319,6 @@ class PopupMenu {
   };
   std::vector<Item> items;
   std::function<void(int index)> on_click;
-};
-
-class ControlVisitor {
- public:
-  virtual ~ControlVisitor() = default;
-  virtual void Visit(Label&) = 0;
-  virtual void Visit(CommandButton&) = 0;
-  virtual void Visit(CheckBox&) = 0;
-  virtual void Visit(TextBox&) = 0;
-  virtual void Visit(ProgressBar&) = 0;
-  virtual void Visit(ListBox&) = 0;
-  virtual void Visit(ListView&) = 0;
-  virtual void Visit(Frame&) = 0;
-  virtual void Visit(TabControl&) = 0;
 };
 
 }  // namespace vesko

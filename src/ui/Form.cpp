@@ -4,6 +4,10 @@
 
 namespace vesko {
 
+Control::Control(Form& form, std::string name) : name_(std::move(name)) {
+  form.controls_.push_back(this);
+}
+
 Form::Form(std::string name, Toolkit& toolkit) : name_(std::move(name)), toolkit_(toolkit) {}
 
 Form::~Form() { TakeDown(); }

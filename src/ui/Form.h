@@ -13,13 +13,15 @@ namespace vesko {
 
 class CommandButton;
 
-/// A window without a toolkit. It owns its controls as members and names them with Add; the desktop
+/// A window without a toolkit. Its controls are its members, which register with it; the desktop
 /// realises it while it is shown. All geometry is in logical pixels (96 to the inch) of the screen.
 ///
 /// The life of one showing: load, show, activate, modal loop, unload. A window unloaded from within
 /// its activation or an event is hidden at once and taken down when control is back in ShowModal.
+/// It may be shown again afterwards, and its controls keep their state in between.
 class Form {
  public:
+  /// The toolkit must outlive the form.
   Form(std::string name, Toolkit& toolkit);
   virtual ~Form();
   Form(const Form&) = delete;
@@ -30,6 +32,7 @@ class Form {
   const Text& Caption() const { return caption_; }
   void SetCaption(Text caption);
 
+  /// Place and size of the whole window, its frame included.
   int Left() const { return bounds_.left; }
   int Top() const { return bounds_.top; }
   int Width() const { return bounds_.width; }
@@ -40,7 +43,7 @@ class Form {
 
   bool Resizable() const { return resizable_; }
 
-  /// All controls in the order of Add.
+  /// All controls in the order in which they were made.
   const std::vector<Control*>& Controls() const { return controls_; }
   const Layout& GetLayout() const { return layout_; }
 
@@ -49,14 +52,15 @@ class Form {
   CommandButton* DefaultButton() const { return default_button_; }
   CommandButton* CancelButton() const { return cancel_button_; }
 
-  /// The control at the first place of the tab order; null: the first of the layout.
+  /// The control at the first place of the tab order; where it is null, the first of the layout.
   Control* FirstInTabOrder() const { return first_in_tab_order_; }
   void SetFirstInTabOrder(Control& control);
 
   bool IsLoaded() const { return loaded_; }
 
-  /// Shows the window and returns when it is unloaded. Over the window that is shown modally
-  /// already, where there is one. No effect while it is shown.
+  /// Shows the window, over the one that is shown modally already where there is one, and returns
+  /// when it is unloaded or destroyed. No effect while it is shown. What OnLoad or OnActivate
+  /// throws passes through; the window is taken down then and may be shown again.
   void ShowModal();
 
   /// Ends the showing. No effect while the window is not loaded.
@@ -70,16 +74,17 @@ class Form {
   void TakeBounds(const Rect& bounds);
 
  protected:
-  void Add(Control& control) { controls_.push_back(&control); }
   void SetLayout(Layout layout) { layout_ = std::move(layout); }
   void SetDefaultButton(CommandButton& button) { default_button_ = &button; }
   void SetCancelButton(CommandButton& button) { cancel_button_ = &button; }
   void SetResizable(bool resizable) { resizable_ = resizable; }
   Toolkit& GetToolkit() const { return toolkit_; }
 
+  /// The native window exists and is hidden still.
   virtual void OnLoad() {}
+  /// The native window has just been shown.
   virtual void OnActivate() {}
-  /// Runs once, while the window is still loaded.
+  /// Runs once for each showing, while the window is still loaded.
   virtual void OnUnload() {}
   /// The user closes the window by its frame.
   virtual void OnClose() { Unload(); }
@@ -89,6 +94,7 @@ class Form {
   void TakeDown();
 
  private:
+  friend class Control;
   class Showing;
 
   void StateChanged();
@@ -101,7 +107,7 @@ class Form {
   bool loaded_ = false;
   bool unloading_ = false;
   Showing* showing_ = nullptr;
-  std::vector<Control*> controls_;
+  std::vector<Control*> controls_;  // they register themselves
   Layout layout_;
   CommandButton* default_button_ = nullptr;
   CommandButton* cancel_button_ = nullptr;

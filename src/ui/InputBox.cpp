@@ -25,9 +25,6 @@ class InputForm : public Form {
     cancel_.SetCaption(u"Cancel");
     ok_.on_click = [this] { Confirm(); };
     cancel_.on_click = [this] { Unload(); };
-    for (Control* control : std::initializer_list<Control*>{&prompt_, &answer_, &ok_, &cancel_}) {
-      Add(*control);
-    }
     SetLayout(Column({Item(prompt_, 1), Item(answer_), Row({Space(), Item(ok_), Item(cancel_)})}));
     SetDefaultButton(ok_);
     SetCancelButton(cancel_);
@@ -47,10 +44,10 @@ class InputForm : public Form {
   }
 
   Text result_;
-  Label prompt_{"lblPrompt"};
-  TextBox answer_{"txtAnswer"};
-  CommandButton ok_{"cmdOK"};
-  CommandButton cancel_{"cmdCancel"};
+  Label prompt_{*this, "lblPrompt"};
+  TextBox answer_{*this, "txtAnswer"};
+  CommandButton ok_{*this, "cmdOK"};
+  CommandButton cancel_{*this, "cmdCancel"};
 };
 
 }  // namespace

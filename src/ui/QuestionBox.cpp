@@ -24,7 +24,6 @@ class QuestionForm : public Form {
     message_.SetCaption(message);
     message_.SetLiteral(true);
     message_.SetWraps(true);
-    Add(message_);
     SetLayout(Column({Item(message_, 1), ButtonRow(captions)}));
   }
   ~QuestionForm() override { TakeDown(); }
@@ -35,7 +34,6 @@ class QuestionForm : public Form {
   Layout ButtonRow(const std::array<Text, 5>& captions) {
     std::vector<Layout> row{Space()};
     for (size_t i = 0; i < captions.size(); ++i) {
-      Add(answers_[i]);
       answers_[i].SetVisible(!captions[i].empty());
       if (captions[i].empty()) continue;
       SetUpButton(static_cast<int>(i), captions[i]);
@@ -63,10 +61,8 @@ class QuestionForm : public Form {
   }
 
   int pressed_ = kNoButton;
-  Label message_{"lblMessage"};
-  CommandButton answers_[5]{CommandButton{"cmdAnswer(0)"}, CommandButton{"cmdAnswer(1)"},
-                            CommandButton{"cmdAnswer(2)"}, CommandButton{"cmdAnswer(3)"},
-                            CommandButton{"cmdAnswer(4)"}};
+  Label message_{*this, "lblMessage"};
+  ControlArray<CommandButton, 5> answers_{*this, "cmdAnswer"};
 };
 
 }  // namespace

@@ -10,8 +10,9 @@ namespace vesko {
 /// Title of boxes that carry none of their own.
 inline constexpr TextView kApplicationTitle = u"VeskoEx";
 
+class Control;
 class Form;
-class PopupMenu;
+struct PopupMenu;
 
 struct Rect {
   int left = 0;
@@ -71,7 +72,7 @@ class Toolkit {
   virtual Rect Screen() const = 0;
 
   /// Marks a control's rectangle for repainting without erasing it first.
-  virtual void Invalidate(Form& form, class Control& control) = 0;
+  virtual void Invalidate(Form& form, Control& control) = 0;
 };
 
 }  // namespace vesko

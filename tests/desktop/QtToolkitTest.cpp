@@ -45,11 +45,12 @@ struct Counter : QObject {
 class QtToolkitTest : public QtWindowTest {};
 
 TEST_F(QtToolkitTest, WhatTheUserDoesReachesTheControls) {
-  CommandButton button("cmd");
-  CheckBox box("chk");
-  TextBox text("txt");
-  ListBox list("lst");
-  TabControl tabs("tab");
+  AnyForm form(*toolkit);
+  CommandButton button(form, "cmd");
+  CheckBox box(form, "chk");
+  TextBox text(form, "txt");
+  ListBox list(form, "lst");
+  TabControl tabs(form, "tab");
   tabs.pages = {{u"One", Column({})}, {u"Two", Column({})}};
   list.AddItem(u"a");
   list.AddItem(u"b");
@@ -61,7 +62,6 @@ TEST_F(QtToolkitTest, WhatTheUserDoesReachesTheControls) {
   box.on_click = [&] { log += "box "; };
   text.on_change = [&] { log += "text "; };
   list.on_click = [&] { log += "list "; };
-  AnyForm form(*toolkit, {&button, &box, &text, &list, &tabs});
   WhileShown(form, [&] {
     QTest::mouseClick(Native(button), Qt::LeftButton);
     QTest::keyClick(Native(box), Qt::Key_Space);
@@ -80,9 +80,9 @@ TEST_F(QtToolkitTest, WhatTheUserDoesReachesTheControls) {
 }
 
 TEST_F(QtToolkitTest, ABusyCheckIsShownNowAndThenButRefreshAtOnce) {
-  Label label("lbl");
+  AnyForm form(*toolkit);
+  Label label(form, "lbl");
   label.SetLiteral(true);
-  AnyForm form(*toolkit, {&label});
   WhileShown(form, [&] {
     Counter counter;
     Native(label)->installEventFilter(&counter);
@@ -104,9 +104,9 @@ TEST_F(QtToolkitTest, ABusyCheckIsShownNowAndThenButRefreshAtOnce) {
 }
 
 TEST_F(QtToolkitTest, APasswordCannotBeReadOutOfItsBox) {
-  TextBox box("txt");
+  AnyForm form(*toolkit);
+  TextBox box(form, "txt");
   box.SetPassword(true);
-  AnyForm form(*toolkit, {&box});
   WhileShown(form, [&] {
     auto* const edit = Native<QLineEdit>(box);
     QApplication::clipboard()->setText("before");
@@ -154,9 +154,9 @@ TEST_F(QtToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
        }}};
   for (const auto& way : ways) {
     SCOPED_TRACE(way.first);
-    TextBox box("txt");
+    AnyForm form(*toolkit);
+    TextBox box(form, "txt");
     box.SetText(u"[]");
-    AnyForm form(*toolkit, {&box});
     WhileShown(form, [&] {
       auto* const edit = Native<QLineEdit>(box);
       for (const char* text : {"pw\r\nDELE 1", "d\n", "\t\u2028x"}) {
@@ -175,7 +175,8 @@ TEST_F(QtToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
 }
 
 TEST_F(QtToolkitTest, TextFromServersIsNeverMarkup) {
-  Label literal("lblLiteral"), wrapping("lblWrapping"), plain("lblPlain");
+  AnyForm form(*toolkit);
+  Label literal(form, "lblLiteral"), wrapping(form, "lblWrapping"), plain(form, "lblPlain");
   const Text evil = u"<b>&bold</b><img src='http://tracker.example'>" + Text(3000, u'x');
   literal.SetLiteral(true);
   wrapping.SetLiteral(true);
@@ -184,7 +185,6 @@ TEST_F(QtToolkitTest, TextFromServersIsNeverMarkup) {
   wrapping.SetCaption(evil);
   plain.SetCaption(u"Q&&A &Name");
   plain.SetTooltip(u"<b>tip</b>");
-  AnyForm form(*toolkit, {&literal, &wrapping, &plain});
   WhileShown(form, [&] {
     for (const Label* label : {&literal, &wrapping}) {
       EXPECT_EQ(Native<QLabel>(*label)->textFormat(), Qt::PlainText);
@@ -223,13 +223,13 @@ TEST_F(QtToolkitTest, EnterEscapeAndClosing) {
   };
   for (const Case& test : kCases) {
     SCOPED_TRACE(test.name);
-    TextBox box("txt");
-    CommandButton other("cmdOther"), ok("cmdOk"), cancel("cmdCancel");
+    AnyForm form(*toolkit);
+    TextBox box(form, "txt");
+    CommandButton other(form, "cmdOther"), ok(form, "cmdOk"), cancel(form, "cmdCancel");
     std::string log;
     other.on_click = [&] { log += "other "; };
     ok.on_click = [&] { log += "default "; };
     cancel.on_click = [&] { log += "cancel "; };
-    AnyForm form(*toolkit, {&box, &other, &ok, &cancel});
     if (test.has_default) form.SetDefaultButton(ok);
     if (test.has_cancel) form.SetCancelButton(cancel);
     WhileShown(form, [&] {
@@ -244,8 +244,9 @@ TEST_F(QtToolkitTest, EnterEscapeAndClosing) {
 }
 
 TEST_F(QtToolkitTest, ATextBoxGetsItsKeysFirst) {
-  TextBox box("txt");
-  CommandButton ok("cmdOk");
+  AnyForm form(*toolkit);
+  TextBox box(form, "txt");
+  CommandButton ok(form, "cmdOk");
   std::string log;
   bool use_up = true;
   box.on_key_down = [&](int key) {
@@ -253,7 +254,6 @@ TEST_F(QtToolkitTest, ATextBoxGetsItsKeysFirst) {
     return use_up;
   };
   ok.on_click = [&] { log += "ok "; };
-  AnyForm form(*toolkit, {&box, &ok});
   form.SetDefaultButton(ok);
   WhileShown(form, [&] {
     QTest::keyClick(Native(box), Qt::Key_Return);
@@ -266,15 +266,16 @@ TEST_F(QtToolkitTest, ATextBoxGetsItsKeysFirst) {
 }
 
 TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
-  Label name("lblName"), keywords("lblKeywords");
-  TextBox box("txt"), other("txtOther");
-  ListBox list("lst");
-  CommandButton button("cmd");
+  AnyForm form(*toolkit);
+  Label keywords(form, "lblKeywords");
+  ListBox list(form, "lst");
+  CommandButton button(form, "cmd");
+  Label name(form, "lblName");
+  TextBox box(form, "txt"), other(form, "txtOther");
   name.SetCaption(u"&Name");
   keywords.SetCaption(u"&Keywords");
   button.SetCaption(u"&Rename");
   other.SetAccessibleName(u"Port");
-  AnyForm form(*toolkit, {&button, &name, &box, &other, &keywords, &list});
   form.SetFirstInTabOrder(other);
   WhileShown(form, [&] {
     EXPECT_TRUE(Native(other)->hasFocus());
@@ -303,10 +304,10 @@ TEST_F(QtToolkitTest, LabelsLeadToAndNameWhatStandsBehindThem) {
 }
 
 TEST_F(QtToolkitTest, AHugeBodyIsShownInPartAndKeptWhole) {
-  TextBox body("txt");
+  AnyForm form(*toolkit);
+  TextBox body(form, "txt");
   body.SetMultiLine(true);
   const Text huge = Text(u"first\r\nNUL\0 and bell\u0007", 21) + Text(25'000'000, u'x');
-  AnyForm form(*toolkit, {&body});
   WhileShown(form, [&] {
     auto* const edit = Native<QPlainTextEdit>(body);
     body.SetText(huge);
@@ -327,10 +328,10 @@ TEST_F(QtToolkitTest, AHugeBodyIsShownInPartAndKeptWhole) {
 }
 
 TEST_F(QtToolkitTest, WindowsNestAndBlockTheOnesBelow) {
-  CommandButton below("cmdBelow"), above("cmdAbove");
-  AnyForm outer(*toolkit, {&below}), inner(*toolkit, {&above});
+  AnyForm outer(*toolkit), inner(*toolkit);
+  CommandButton below(outer, "cmdBelow"), above(inner, "cmdAbove");
   bool box_seen = false;
-  below.on_click = [&] { inner.ShowModal(); };
+  below.on_click = [&] { inner.Open(); };
   above.on_click = [&] {
     Soon([&] {
       QWidget* const box = QApplication::activeModalWidget();
@@ -356,35 +357,35 @@ TEST_F(QtToolkitTest, WindowsNestAndBlockTheOnesBelow) {
     });
     QTest::mouseClick(Native(below), Qt::LeftButton);
   });
-  outer.ShowModal();
+  outer.Open();
   EXPECT_TRUE(box_seen);
   EXPECT_FALSE(outer.IsLoaded());
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(QtToolkitTest, AWindowMayGoInTheMiddleOfItsOwnEvent) {
-  struct Owner {
-    explicit Owner(Toolkit& toolkit) : form(toolkit, {&box, &button}) {}
-    TextBox box{"txt"};
-    CommandButton button{"cmd"};
-    AnyForm form;
+  struct Owner : AnyForm {
+    using AnyForm::AnyForm;
+    ~Owner() override { TakeDown(); }
+    TextBox box{*this, "txt"};
+    CommandButton button{*this, "cmd"};
   };
   for (const bool while_another_is_above : {false, true}) {
     auto owner = std::make_unique<Owner>(*toolkit);
     owner->button.on_click = [&] {
       if (!while_another_is_above) return owner.reset();
-      CommandButton above("cmdAbove");
-      AnyForm inner(*toolkit, {&above});
+      AnyForm inner(*toolkit);
+      CommandButton above(inner, "cmdAbove");
       Soon([&] {
         owner.reset();
         EXPECT_TRUE(Native(above)->isVisible());
         Soon([&] { inner.Unload(); });
       });
-      inner.ShowModal();
+      inner.Open();
     };
     owner->box.on_change = [&] { QTest::mouseClick(Native(owner->button), Qt::LeftButton); };
     Soon([&] { QTest::keyClick(Native(owner->box), Qt::Key_A); });
-    owner->form.ShowModal();
+    owner->Open();
     EXPECT_EQ(owner, nullptr);
     Settle();
     EXPECT_TRUE(QApplication::topLevelWidgets().isEmpty());
@@ -432,12 +433,12 @@ TEST_F(QtToolkitTest, NothingIsCutOffAtAnyFontSize) {
     QFont font = desktop;
     font.setPointSizeF(size);
     QApplication::setFont(font);
-    TabControl tabs("tab");
-    CommandButton buttons[] = {CommandButton("a"), CommandButton("b"), CommandButton("c")};
+    AnyForm form(*toolkit);
+    TabControl tabs(form, "tab");
+    ControlArray<CommandButton, 3> buttons(form, "cmd");
     for (CommandButton& button : buttons) button.SetCaption(u"Open Email Client");
     tabs.pages = {{u"Two", Row({Item(buttons[0]), Item(buttons[1]), Item(buttons[2])})}};
-    AnyForm form(*toolkit, {&tabs});
-    for (CommandButton& button : buttons) form.Add(button);
+    form.SetLayout(Item(tabs));
     form.Resize(100, 50);
     WhileShown(form, [&] {
       for (const CommandButton& button : buttons) {
@@ -455,12 +456,12 @@ TEST_F(QtToolkitTest, NothingIsCutOffAtAnyFontSize) {
 TEST_F(QtToolkitTest, TextThatWrapsLeavesRoomForTheButtons) {
   for (const size_t length : {10, 300, 330, 1000}) {
     SCOPED_TRACE(length);
-    Label label("lbl");
-    CommandButton button("cmd");
+    AnyForm form(*toolkit);
+    Label label(form, "lbl");
+    CommandButton button(form, "cmd");
     label.SetLiteral(true);
     label.SetWraps(true);
     label.SetCaption(u"Failed on '" + Text(length, u'x') + u"' and so on.\r\nTry again ?");
-    AnyForm form(*toolkit, {&label, &button});
     WhileShown(form, [&] {
       const QWidget* const window = WindowOf(button);
       const QRect place(Native(button)->mapTo(window, QPoint()), Native(button)->size());

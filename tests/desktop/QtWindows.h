@@ -6,47 +6,12 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
-#include <initializer_list>
 #include <memory>
-#include <utility>
-#include <vector>
 
 #include "desktop/linux/LinuxDesktop.h"
-#include "ui/Controls.h"
-#include "ui/Form.h"
+#include "support/AnyForm.h"
 
 namespace vesko {
-
-/// A window of whatever controls a test needs, in a column.
-class AnyForm : public Form {
- public:
-  AnyForm(Toolkit& toolkit, std::initializer_list<Control*> controls) : Form("AnyForm", toolkit) {
-    std::vector<Layout> items;
-    for (Control* control : controls) {
-      Add(*control);
-      items.push_back(Item(*control));
-    }
-    SetLayout(Column(std::move(items)));
-  }
-  ~AnyForm() override { TakeDown(); }
-
-  using Form::Add;
-  using Form::SetCancelButton;
-  using Form::SetDefaultButton;
-  using Form::SetResizable;
-
-  std::function<void()> on_activate;
-  int closed = 0;
-
- private:
-  void OnActivate() override {
-    if (on_activate) on_activate();
-  }
-  void OnClose() override {
-    ++closed;
-    Unload();
-  }
-};
 
 /// Windows are driven and looked at while they are shown.
 class QtWindowTest : public testing::Test {
@@ -59,14 +24,12 @@ class QtWindowTest : public testing::Test {
     }
   }
 
-  template <typename Step>
-  void WhileShown(AnyForm& form, Step step) {
-    form.on_activate = [&, step] {
+  /// Shows the form, lets everything settle, runs the step and unloads the form.
+  void WhileShown(AnyForm& form, const std::function<void()>& step) {
+    form.While([&] {
       Settle();
       step();
-      form.Unload();
-    };
-    form.ShowModal();
+    });
   }
 
   /// Runs a step as soon as a loop delivers events, a native box's own included.

@@ -6,29 +6,10 @@
 #include <cstring>
 
 #include "desktop/windows/WindowsDesktop.h"
-#include "ui/Controls.h"
-#include "ui/Form.h"
+#include "support/AnyForm.h"
 
 namespace vesko {
 namespace {
-
-class BoxForm : public Form {
- public:
-  explicit BoxForm(Toolkit& toolkit) : Form("BoxForm", toolkit) {
-    Add(box);
-    SetLayout(Column({Item(box)}));
-  }
-  ~BoxForm() override { TakeDown(); }
-
-  std::function<void()> while_shown;
-  TextBox box{"txt"};
-
- private:
-  void OnActivate() override {
-    while_shown();
-    Unload();
-  }
-};
 
 void PutOnClipboard(const std::wstring& text) {
   const size_t size = (text.size() + 1) * sizeof(wchar_t);
@@ -55,25 +36,25 @@ TEST(WinToolkitTest, ABoxOfOneLineTakesOneLineByWhicheverWay) {
        }}};
   for (const auto& [name, enter] : ways) {
     SCOPED_TRACE(name);
-    BoxForm form(*toolkit);
-    form.box.SetText(u"[]");
-    form.while_shown = [&] {
+    AnyForm form(*toolkit);
+    TextBox box(form, "txt");
+    box.SetText(u"[]");
+    form.While([&] {
       const HWND edit = FindWindowExW(GetActiveWindow(), nullptr, L"EDIT", nullptr);
       ASSERT_NE(edit, nullptr);
       for (const wchar_t* text : {L"pw\r\nDELE 1", L"d\n", L"\t\x2028x"}) {
         const int end = GetWindowTextLengthW(edit) - 1;
         SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(end), end);
         enter(edit, text);
-        form.box.Refresh();
+        box.Refresh();
       }
       wchar_t shown[20];
       GetWindowTextW(edit, shown, 20);
-      EXPECT_EQ(form.box.GetText(), u"[pwd]");
+      EXPECT_EQ(box.GetText(), u"[pwd]");
       EXPECT_EQ(std::wstring(shown), L"[pwd]");
       SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"set\r\nby a program"));
-      EXPECT_EQ(form.box.GetText(), u"set");
-    };
-    form.ShowModal();
+      EXPECT_EQ(box.GetText(), u"set");
+    });
   }
 }
 

@@ -32,7 +32,7 @@ class fListMailTest : public testing::Test {
 
 Text RowTexts(const ListView& list) {
   std::vector<Text> texts;
-  for (int row = 0; row < list.Count(); ++row) texts.push_back(list.RowAt(row).cells[0]);
+  for (int row = 0; row < list.Count(); ++row) texts.push_back(list.CellAt(row, 0));
   return Join(texts, u" ");
 }
 
@@ -43,29 +43,28 @@ TEST_F(fListMailTest, OpensWithTheFirstMessageRead) {
   machine.AddMail(u"b@spam.example");
   Show([&](Form& form, ListView& list) {
     EXPECT_EQ(form.Caption(), u"2 MAILS (1 NEW MAILS, 1 SPAM MAILS)");
-    EXPECT_EQ(list.RowAt(0).cells[1], u"subject");
-    EXPECT_EQ(list.RowAt(0).cells[5] + list.RowAt(0).cells[6], u"ccbcc");
-    EXPECT_EQ(list.RowAt(0).key, u"one.example<0@mail.example>");
-    EXPECT_EQ(list.Columns().size(), list.RowAt(0).cells.size());
-    EXPECT_EQ(list.RowAt(0).image, "MailRead");
-    EXPECT_EQ(list.RowAt(1).image, "Spam");
+    EXPECT_EQ(list.CellAt(0, 1), u"subject");
+    EXPECT_EQ(list.CellAt(0, 5) + list.CellAt(0, 6), u"ccbcc");
+    EXPECT_EQ(list.StateAt(0), MailState::kMailRead);
+    EXPECT_EQ(list.StateAt(1), MailState::kSpam);
     EXPECT_TRUE(list.Selected(0) && first.Read);
     EXPECT_EQ(Read(form, "txtBody"), u"body from a@mail.example");
     EXPECT_EQ(form.FirstInTabOrder()->Name(), "cmdMail(0)");
     list.ClickRow(1);
-    EXPECT_EQ(list.RowAt(1).image, "SpamRead");
+    EXPECT_EQ(list.StateAt(1), MailState::kSpamRead);
     EXPECT_EQ(Read(form, "txtBody"), u"body from b@spam.example");
     EXPECT_EQ(form.Caption(), u"2 MAILS (0 NEW MAILS, 1 SPAM MAILS)");
   });
 }
 
 TEST_F(fListMailTest, MarksChangeFlagsAndImages) {
-  // After the key, of "Mail", "MailRead", "Spam", "SpamRead".
-  const std::pair<int, std::array<const char*, 4>> rows[] = {
-      {'S', {"Spam", "SpamRead", "Spam", "SpamRead"}},
-      {'O', {"Mail", "MailRead", "Mail", "MailRead"}},
-      {'R', {"MailRead", "MailRead", "SpamRead", "SpamRead"}},
-      {'N', {"Mail", "Mail", "Spam", "Spam"}}};
+  using enum MailState;
+  // After the key, of kMail, kMailRead, kSpam, kSpamRead.
+  const std::pair<int, std::array<MailState, 4>> rows[] = {
+      {'S', {kSpam, kSpamRead, kSpam, kSpamRead}},
+      {'O', {kMail, kMailRead, kMail, kMailRead}},
+      {'R', {kMailRead, kMailRead, kSpamRead, kSpamRead}},
+      {'N', {kMail, kMail, kSpam, kSpam}}};
   for (int i = 0; i < 5; ++i) machine.AddMail(i < 3 ? u"a@mail.example" : u"b@spam.example");
   for (const auto& c : rows) {
     int n = 0;
@@ -78,11 +77,9 @@ TEST_F(fListMailTest, MarksChangeFlagsAndImages) {
       list.SetSelected(0, false);  // read by the opening; rows 1 to 4 have the four states
       EXPECT_TRUE(list.PressKey(c.first, kControl));
       for (int row = 1; row <= 4; ++row) {
-        const ListView::Row& shown = list.RowAt(row);
-        EXPECT_EQ(shown.image, c.second.at(row - 1)) << static_cast<char>(c.first);
-        EXPECT_EQ(StateName(*machine.mails.Find(shown.key)), shown.image);
+        EXPECT_EQ(list.StateAt(row), c.second.at(row - 1)) << static_cast<char>(c.first);
       }
-      EXPECT_EQ(list.RowAt(0).image, "MailRead") << "not selected";
+      EXPECT_EQ(list.StateAt(0), MailState::kMailRead) << "not selected";
     });
   }
 }
@@ -118,7 +115,8 @@ TEST_F(fListMailTest, TheRightButtonPopsTheMenuUp) {
     EXPECT_EQ(popups, 0);
     list.SetSelected(1, true);
     list.PressMouse(kRightButton, 1);
-    EXPECT_EQ(list.RowAt(0).image + list.RowAt(1).image, "SpamReadSpam") << "selection kept";
+    EXPECT_EQ(list.StateAt(0), MailState::kSpamRead) << "selection kept";
+    EXPECT_EQ(list.StateAt(1), MailState::kSpam);
     list.PressMouse(kRightButton | kLeftButton, 2);
     EXPECT_TRUE(!list.Selected(0) && !list.Selected(1) && list.Selected(2));
     EXPECT_EQ(popups, 2);
@@ -156,11 +154,11 @@ TEST_F(fListMailTest, ConfigSpamFiltersAgainUnlessCancelled) {
     list.ClickRow(1);
     Press(form, "cmdMail(0)");
     EXPECT_EQ(RowTexts(list), u"a@new.example b@new.example") << "sorted as before";
-    EXPECT_EQ(list.RowAt(1).image, "SpamRead");
+    EXPECT_EQ(list.StateAt(1), MailState::kSpamRead);
     EXPECT_EQ(list.CurrentRow(), 0);
     list.PressKey('O', kControl);
     Press(form, "cmdMail(0)");
-    EXPECT_EQ(list.RowAt(0).image, "MailRead") << "cancelled: nothing more";
+    EXPECT_EQ(list.StateAt(0), MailState::kMailRead) << "cancelled: nothing more";
   });
 }
 
@@ -209,7 +207,7 @@ TEST_F(fListMailTest, LeavingForgetsDeletionMarksAndManualSpamMarks) {
   });
   EXPECT_FALSE(mail.Delete);
   EXPECT_TRUE(mail.Read && mail.Spam);
-  Show([&](Form&, ListView& list) { EXPECT_EQ(list.RowAt(0).image, "MailRead"); });
+  Show([&](Form&, ListView& list) { EXPECT_EQ(list.StateAt(0), MailState::kMailRead); });
 }
 
 TEST_F(fListMailTest, TheLongestMailboxIsSortedAndMarkedAtOnce) {

@@ -29,7 +29,7 @@ TEST_F(ColMails, NamesAndCountsStates) {
     auto message = Message(u"s", FromAscii(name), 1);
     message->Spam = message->MessageID.starts_with(u"Spam");
     message->Read = message->MessageID.ends_with(u"Read");
-    EXPECT_EQ(StateName(*message), name);
+    EXPECT_EQ(NameOf(StateOf(*message)), name);
     mails_.Add(message, u"ann");
   }
   mails_.Add(Message(u"s", u"e", 1), u"ann");

@@ -36,10 +36,7 @@ void GiveFontSize(Control& control) {
 void Collect(const Layout& layout, std::vector<Control*>& controls) {
   if (layout.control) {
     controls.push_back(layout.control);
-    if (auto* frame = dynamic_cast<Frame*>(layout.control)) Collect(frame->content, controls);
-    if (auto* tabs = dynamic_cast<TabControl*>(layout.control)) {
-      for (const TabControl::Page& page : tabs->pages) Collect(page.content, controls);
-    }
+    for (const Layout* content : layout.control->Contents()) Collect(*content, controls);
   }
   for (const Layout& item : layout.items) Collect(item, controls);
 }

@@ -1,18 +1,30 @@
 #include <gtest/gtest.h>
 
 #include "base/RunTimeError.h"
+#include "support/AnyForm.h"
+#include "support/ScriptedToolkit.h"
 #include "support/TestLocale.h"
 #include "ui/Controls.h"
 
 namespace vesko {
 namespace {
 
-TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
+class ControlsTest : public testing::Test {
+ protected:
+  ScriptedToolkit toolkit;
+  AnyForm form{toolkit};
+};
+
+using TextBoxTest = ControlsTest;
+using ProgressBarTest = ControlsTest;
+using ListBoxTest = ControlsTest;
+
+TEST_F(ControlsTest, DisabledControlsIgnoreTheUser) {
   int events = 0;
-  CommandButton button("cmd");
-  CheckBox check("chk");
-  TextBox box("txt");
-  ListBox list("lst");
+  CommandButton button(form, "cmd");
+  CheckBox check(form, "chk");
+  TextBox box(form, "txt");
+  ListBox list(form, "lst");
   button.on_click = check.on_click = box.on_change = list.on_click = [&] { ++events; };
   list.AddItem(u"a");
   for (Control* control : std::initializer_list<Control*>{&button, &check, &box, &list}) {
@@ -33,7 +45,7 @@ TEST(ControlsTest, DisabledControlsIgnoreTheUser) {
   EXPECT_EQ(box.GetText(), u"");
 }
 
-TEST(TextBoxTest, ABoxOfOneLineTakesOneLine) {
+TEST_F(TextBoxTest, ABoxOfOneLineTakesOneLine) {
   struct Row {
     TextView before, edited, after;
   };
@@ -52,12 +64,12 @@ TEST(TextBoxTest, ABoxOfOneLineTakesOneLine) {
       {u"\u00E9\u3042", u"\u00E9\u3042\u2027", u"\u00E9\u3042\u2027"},
   };
   for (const auto& [before, edited, after] : rows) {
-    TextBox box("txt");
+    TextBox box(form, "txt");
     box.SetText(Text(before));
     box.Type(edited);
     EXPECT_EQ(box.GetText(), after);
     if (!before.empty()) continue;
-    TextBox set("txt"), lines("txt");
+    TextBox set(form, "txt"), lines(form, "txt");
     set.SetText(Text(edited));
     EXPECT_EQ(set.GetText(), after);
     lines.SetMultiLine(true);
@@ -66,8 +78,8 @@ TEST(TextBoxTest, ABoxOfOneLineTakesOneLine) {
   }
 }
 
-TEST(ProgressBarTest, KeepsItsRange) {
-  ProgressBar bar("prg");
+TEST_F(ProgressBarTest, KeepsItsRange) {
+  ProgressBar bar(form, "prg");
   EXPECT_THROW(bar.SetValue(101), RunTimeError);
   EXPECT_THROW(bar.SetValue(-1), RunTimeError);
   EXPECT_THROW(bar.SetMaximum(0), RunTimeError);
@@ -76,59 +88,73 @@ TEST(ProgressBarTest, KeepsItsRange) {
   EXPECT_EQ(bar.Value(), 7);
 }
 
-TEST(ListBoxTest, SelectionFollowsItsLine) {
+TEST_F(ListBoxTest, SelectionFollowsItsLine) {
   const int rows[][3] = {{1, 0, 0}, {1, 1, -1}, {1, 2, 1}, {-1, 0, -1}};
   for (const auto& [selected, removed, expected] : rows) {
-    ListBox list("lst");
+    ListBox list(form, "lst");
     for (const char16_t* item : {u"a", u"b", u"c"}) list.AddItem(item);
     list.SetListIndex(selected);
     list.RemoveItem(removed);
     EXPECT_EQ(list.ListIndex(), expected) << selected << " " << removed;
     EXPECT_EQ(list.Count(), 2);
   }
-  ListBox empty("lst");
+  ListBox empty(form, "lst");
   EXPECT_THROW(empty.SetListIndex(0), RunTimeError);
   EXPECT_THROW(empty.RemoveItem(0), RunTimeError);
 }
 
-class ListViewTest : public testing::Test {
+class ListViewTest : public ControlsTest {
  protected:
-  void Add(std::vector<Text> cells) { list.AddRow({cells[0], cells, "Mail", false}); }
+  ListViewTest() {
+    list.AddColumn(u"One");
+    list.AddColumn(u"Two");
+    list.cell = [this](int item, int column) {
+      return items[static_cast<size_t>(item)][static_cast<size_t>(column)];
+    };
+  }
 
-  Text Keys() const {
-    Text keys;
-    for (int row = 0; row < list.Count(); ++row) keys += list.RowAt(row).key;
-    return keys;
+  void Fill(std::vector<std::vector<Text>> rows) {
+    items = std::move(rows);
+    list.SetCount(static_cast<int>(items.size()));
+  }
+
+  Text FirstCells() const {
+    Text cells;
+    for (int row = 0; row < list.Count(); ++row) cells += list.CellAt(row, 0);
+    return cells;
   }
 
   std::unique_ptr<Locale> locale = MakeTestLocale();
-  ListView list{"LV1"};
+  std::vector<std::vector<Text>> items;
+  ListView list{form, "LV1"};
 };
 
-TEST_F(ListViewTest, SortsStablyAndKeepsSelectionWithItsRows) {
-  Add({u"c", u"same"});
-  Add({u"B", u"same"});
-  Add({u"a", u"other"});
+TEST_F(ListViewTest, SortsStablyAndKeepsSelectionWithItsItems) {
+  Fill({{u"c", u"same"}, {u"B", u"same"}, {u"a", u"other"}});
   list.SetSelected(1, true);
   list.SetCurrentRow(1);
   list.Sort(0, false, *locale);
-  EXPECT_EQ(Keys(), u"aBc");
+  EXPECT_EQ(FirstCells(), u"aBc");
   list.Sort(0, true, *locale);
-  EXPECT_EQ(Keys(), u"cBa");
+  EXPECT_EQ(FirstCells(), u"cBa");
   list.Sort(1, true, *locale);
-  EXPECT_EQ(Keys(), u"cBa") << "equal rows stay as they stand";
+  EXPECT_EQ(FirstCells(), u"cBa") << "equal rows stay as they stand";
   list.Sort(1, false, *locale);
-  EXPECT_EQ(Keys(), u"acB");
+  EXPECT_EQ(FirstCells(), u"acB");
   list.Sort(6, true, *locale);
-  EXPECT_EQ(Keys(), u"acB") << "no row has such a cell";
-  EXPECT_TRUE(list.Selected(2));
+  EXPECT_EQ(FirstCells(), u"acB") << "there is no such column";
+  EXPECT_TRUE(list.Selected(2) && !list.Selected(0));
   EXPECT_EQ(list.CurrentRow(), 2);
+  EXPECT_EQ(list.ItemAt(2), 1);
   list.SetUnsorted();
   EXPECT_FALSE(list.Sorted() || list.SortDescending());
+  EXPECT_EQ(list.SortKey(), 0);
+  list.SetCount(3);
+  EXPECT_EQ(FirstCells(), u"cBa") << "new rows stand as their items do";
 }
 
 TEST_F(ListViewTest, SelectsAsTheUserDoes) {
-  for (const char16_t* key : {u"a", u"b", u"c", u"d"}) Add({key});
+  list.SetCount(4);
   int clicked = -1;
   list.on_item_click = [&](int row) { clicked = row; };
   list.SelectAll();
@@ -143,8 +169,10 @@ TEST_F(ListViewTest, SelectsAsTheUserDoes) {
   EXPECT_TRUE(list.Selected(0) && list.Selected(1) && !list.Selected(2) && list.Selected(3));
   EXPECT_EQ(list.CurrentRow(), -1) << "such a row does not exist";
   EXPECT_EQ(list.SelectionGeneration(), generation) << "the native side knows it already";
-  list.ClearRows();
+  list.SetCount(0);
   EXPECT_NE(list.SelectionGeneration(), generation);
+  EXPECT_THROW(list.Selected(0), RunTimeError);
+  EXPECT_THROW(list.ClickRow(0), RunTimeError);
 }
 
 }  // namespace

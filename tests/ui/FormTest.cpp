@@ -13,13 +13,12 @@ namespace {
 class LifeForm : public Form {
  public:
   explicit LifeForm(ScriptedToolkit& toolkit) : Form("Life", toolkit), calls_(toolkit.calls) {
-    Add(button);
     SetLayout(Item(button));
   }
   ~LifeForm() override { TakeDown(); }
 
   std::function<void()> on_load, on_activate;
-  CommandButton button{"cmdOne"};
+  CommandButton button{*this, "cmdOne"};
 
  private:
   void OnLoad() override { Note("load", on_load); }

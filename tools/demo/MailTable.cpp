@@ -84,7 +84,7 @@ void PrintHeader(std::ostream& out) {
 void PrintTable(std::ostream& out, const colMails& mails) {
   PrintHeader(out);
   mails.ForEach([&](const cMessage& message) {
-    PrintRow(out, {FromAscii(StateName(message)), message.From, message.Subject, message.SendDate,
+    PrintRow(out, {FromAscii(NameOf(StateOf(message))), message.From, message.Subject, message.SendDate,
                    message.Server});
     return true;
   });

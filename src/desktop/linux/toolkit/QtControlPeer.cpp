@@ -6,6 +6,7 @@
 #include <QFontInfo>
 #include <QTextDocument>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtText.h"
 
 namespace vesko {
@@ -20,7 +21,7 @@ QFont NativeFont(const Font& font) {
 }
 
 QString PlainTooltip(TextView text) {
-  const QString tooltip = OneLine(text);
+  const QString tooltip = ToQString(OneLine(text));
   return Qt::mightBeRichText(tooltip) ? "<qt>" + tooltip.toHtmlEscaped() + "</qt>" : tooltip;
 }
 
@@ -45,8 +46,8 @@ void QtControlPeer::Refresh() {
 }
 
 void QtControlPeer::TakeFocus() {
-  GetMirror()
-      .SynchroniseAll();  // the control may have been enabled, or its page turned to, just now
+  // The control may have been enabled, or its page turned to, just now.
+  GetMirror().SynchroniseAll();
   widget_->setFocus(Qt::OtherFocusReason);
 }
 
@@ -58,7 +59,7 @@ void QtControlPeer::ShowState() {
     widget_->setVisible(visible_);
   }
   widget_->setToolTip(PlainTooltip(control_.Tooltip()));
-  const QString name = OneLine(control_.AccessibleName());
+  const QString name = ToQString(OneLine(control_.AccessibleName()));
   widget_->setAccessibleName(name.isEmpty() ? label_ : name);
   ShowOwnState();
 }

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "base/RunTimeError.h"
 #include "desktop/common/Mirror.h"
@@ -16,7 +17,7 @@
 namespace vesko {
 
 /// The events of one window that are being handled at the moment. While there are any, its widgets
-/// stand on the stack and must stay, even when the window is taken down.
+/// are on the stack and must stay, even when the window is taken down.
 struct EventsUnderWay {
   int count = 0;
   QPointer<QWidget> leaving;
@@ -30,21 +31,22 @@ struct PeerContext {
   std::shared_ptr<EventsUnderWay> events;
 };
 
-/// Hands an event to its handler. The handler may take down the window: nothing of it may be used
-/// afterwards without asking. An error ends the event and no more, as it must not fly through the
-/// toolkit.
-template <typename Event>
-void Raise(const PeerContext& context, Event&& event) {
+/// Runs the handler of an event. The handler may take down the window: the caller uses nothing of
+/// it afterwards without asking whether it is still there. A run-time error ends the handler and is
+/// dropped, because it must not pass through the toolkit.
+template <typename Handler>
+void RunHandler(const PeerContext& context, Handler&& handler) {
   const std::shared_ptr<EventsUnderWay> events = context.events;
   ++events->count;
-  IgnoreErrors(std::forward<Event>(event));
+  IgnoreErrors(std::forward<Handler>(handler));
   if (--events->count == 0 && events->leaving) events->leaving->deleteLater();
 }
 
 /// The native side of one control, whatever its kind.
 class QtControlPeer : public ControlPeer, public Mirrored {
  public:
-  /// The widget belongs to its window and outlives the peer.
+  /// Takes over the widget until a window adopts it; it must outlive the peer. The control must
+  /// outlive the peer.
   QtControlPeer(Control& control, QWidget* widget, const PeerContext& context);
   ~QtControlPeer() override;
 
@@ -52,23 +54,27 @@ class QtControlPeer : public ControlPeer, public Mirrored {
   void Refresh() final;
   void TakeFocus() override;
 
-  QWidget* Widget() const { return widget_; }
+  QWidget* GetWidget() const { return widget_; }
   const Control& GetControl() const { return control_; }
   bool TakesFocus() const { return (widget_->focusPolicy() & Qt::TabFocus) != 0; }
 
-  /// True where a label in front names the control, as it has no caption of its own.
+  /// The widgets that the control's contents are laid out in, in the order of Control::Contents.
+  virtual std::vector<QWidget*> Containers() const { return {}; }
+
+  /// True where the label in front names the control, as it has no caption of its own.
   virtual bool WantsLabel() const { return false; }
   void SetLabel(const QString& label) { label_ = label; }
 
-  /// The label's mnemonic leads there. Only labels do something about it.
-  virtual void LeadTo(QtControlPeer&) {}
+  /// `target` is the control that the mnemonic leads to. Does nothing unless this is a label.
+  virtual void LeadTo(QtControlPeer& /*target*/) {}
 
  protected:
   void ShowState() final;
-  /// Shows what the kinds of controls do not have in common.
+  /// Shows the part of the state that only this kind of control has.
   virtual void ShowOwnState() = 0;
 
-  /// Connections made with it end with the peer; it tells whether the peer is still there.
+  /// Connections made with it end with the peer, and a QPointer to it tells whether the peer is
+  /// still there.
   QObject* Lifetime() { return &lifetime_; }
   const PeerContext& Context() const { return context_; }
 
@@ -82,6 +88,23 @@ class QtControlPeer : public ControlPeer, public Mirrored {
   bool visible_ = true;
   std::optional<Font> font_;
   QObject lifetime_;
+};
+
+using PeerPtr = std::unique_ptr<QtControlPeer>;
+
+/// The native side of a control of one kind, in a widget of one class.
+template <typename ControlKind, typename Widget>
+class QtPeerOf : public QtControlPeer {
+ public:
+  using Kind = ControlKind;
+
+  QtPeerOf(Kind& control, const PeerContext& context)
+      : QtControlPeer(control, new Widget, context), control_(control) {}
+
+ protected:
+  Widget* Native() const { return static_cast<Widget*>(GetWidget()); }
+
+  Kind& control_;
 };
 
 /// The desktop's own font size in points.

@@ -7,78 +7,61 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QTabWidget>
+#include <stdexcept>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtText.h"
 
 namespace vesko {
 namespace {
 
-class ButtonPeer : public QtControlPeer {
+class ButtonPeer : public QtPeerOf<CommandButton, QPushButton> {
  public:
-  ButtonPeer(CommandButton& control, const PeerContext& context)
-      : QtControlPeer(control, new QPushButton, context), control_(control) {
-    QObject::connect(Button(), &QPushButton::clicked, Lifetime(),
-                     [this] { Raise(Context(), [this] { control_.Click(); }); });
+  ButtonPeer(CommandButton& control, const PeerContext& context) : QtPeerOf(control, context) {
+    QObject::connect(Native(), &QPushButton::clicked, Lifetime(),
+                     [this] { RunHandler(Context(), [this] { control_.Click(); }); });
   }
 
  protected:
-  void ShowOwnState() override { Button()->setText(OneLine(control_.Caption())); }
-
- private:
-  QPushButton* Button() const { return static_cast<QPushButton*>(Widget()); }
-
-  CommandButton& control_;
+  void ShowOwnState() override { Native()->setText(ToQString(OneLine(control_.Caption()))); }
 };
 
-class CheckBoxPeer : public QtControlPeer {
+class CheckBoxPeer : public QtPeerOf<CheckBox, QCheckBox> {
  public:
-  CheckBoxPeer(CheckBox& control, const PeerContext& context)
-      : QtControlPeer(control, new QCheckBox, context), control_(control) {
-    QObject::connect(Box(), &QCheckBox::clicked, Lifetime(), [this] {
+  CheckBoxPeer(CheckBox& control, const PeerContext& context) : QtPeerOf(control, context) {
+    QObject::connect(Native(), &QCheckBox::clicked, Lifetime(), [this] {
       MarkChanged();  // the control decides whether the press counts
-      Raise(Context(), [this] { control_.Click(); });
+      RunHandler(Context(), [this] { control_.Click(); });
     });
   }
 
  protected:
   void ShowOwnState() override {
-    Box()->setText(OneLine(control_.Caption()));
-    Box()->setChecked(control_.Value() != 0);
+    Native()->setText(ToQString(OneLine(control_.Caption())));
+    Native()->setChecked(control_.Value() != 0);
   }
-
- private:
-  QCheckBox* Box() const { return static_cast<QCheckBox*>(Widget()); }
-
-  CheckBox& control_;
 };
 
-class ProgressPeer : public QtControlPeer {
+class ProgressPeer : public QtPeerOf<ProgressBar, QProgressBar> {
  public:
-  ProgressPeer(ProgressBar& control, const PeerContext& context)
-      : QtControlPeer(control, new QProgressBar, context), control_(control) {
-    Bar()->setTextVisible(false);
+  ProgressPeer(ProgressBar& control, const PeerContext& context) : QtPeerOf(control, context) {
+    Native()->setTextVisible(false);
   }
 
   bool WantsLabel() const override { return true; }
 
  protected:
   void ShowOwnState() override {
-    Bar()->setRange(0, control_.Maximum());
-    Bar()->setValue(control_.Value());
+    Native()->setRange(0, control_.Maximum());
+    Native()->setValue(control_.Value());
   }
-
- private:
-  QProgressBar* Bar() const { return static_cast<QProgressBar*>(Widget()); }
-
-  ProgressBar& control_;
 };
 
-class ListBoxPeer : public QtControlPeer {
+class ListBoxPeer : public QtPeerOf<ListBox, QListWidget> {
  public:
-  ListBoxPeer(ListBox& control, const PeerContext& context)
-      : QtControlPeer(control, new QListWidget, context), control_(control) {
-    List()->setUniformItemSizes(true);
-    QObject::connect(List(), &QListWidget::itemSelectionChanged, Lifetime(),
+  ListBoxPeer(ListBox& control, const PeerContext& context) : QtPeerOf(control, context) {
+    Native()->setUniformItemSizes(true);
+    QObject::connect(Native(), &QListWidget::itemSelectionChanged, Lifetime(),
                      [this] { SelectionChanged(); });
   }
 
@@ -86,104 +69,102 @@ class ListBoxPeer : public QtControlPeer {
 
  protected:
   void ShowOwnState() override {
-    const QSignalBlocker silent(List());
+    const QSignalBlocker silent(Native());
     ShowItems();
     if (control_.ListIndex() < 0) {
-      List()->clearSelection();
-      List()->setCurrentRow(-1, QItemSelectionModel::NoUpdate);
+      Native()->clearSelection();
+      Native()->setCurrentRow(-1, QItemSelectionModel::NoUpdate);
     } else {
-      List()->setCurrentRow(control_.ListIndex());
+      Native()->setCurrentRow(control_.ListIndex());
     }
   }
 
  private:
-  QListWidget* List() const { return static_cast<QListWidget*>(Widget()); }
-
   void ShowItems() {
-    while (List()->count() > control_.Count()) delete List()->takeItem(List()->count() - 1);
+    while (Native()->count() > control_.Count()) delete Native()->takeItem(Native()->count() - 1);
     for (int i = 0; i < control_.Count(); ++i) {
-      const QString text = OneLine(control_.Item(i));
-      if (i == List()->count()) {
-        List()->addItem(text);
+      const QString text = ToQString(OneLine(control_.Item(i)));
+      if (i == Native()->count()) {
+        Native()->addItem(text);
       } else {
-        List()->item(i)->setText(text);
+        Native()->item(i)->setText(text);
       }
     }
   }
 
   void SelectionChanged() {
-    const QList<QListWidgetItem*> selected = List()->selectedItems();
+    const QList<QListWidgetItem*> selected = Native()->selectedItems();
     if (selected.isEmpty()) return;
-    const int row = List()->row(selected.front());
+    const int row = Native()->row(selected.front());
     MarkChanged();
-    if (row < control_.Count()) Raise(Context(), [&] { control_.Click(row); });
+    if (row < control_.Count()) RunHandler(Context(), [&] { control_.Click(row); });
   }
-
-  ListBox& control_;
 };
 
-class FramePeer : public QtControlPeer {
+class FramePeer : public QtPeerOf<Frame, QGroupBox> {
  public:
-  FramePeer(Frame& control, const PeerContext& context)
-      : QtControlPeer(control, new QGroupBox, context), control_(control) {}
+  using QtPeerOf::QtPeerOf;
+
+  std::vector<QWidget*> Containers() const override { return {Native()}; }
 
  protected:
-  void ShowOwnState() override {
-    static_cast<QGroupBox*>(Widget())->setTitle(OneLine(control_.Caption()));
-  }
-
- private:
-  Frame& control_;
+  void ShowOwnState() override { Native()->setTitle(ToQString(OneLine(control_.Caption()))); }
 };
 
-class TabPeer : public QtControlPeer {
+class TabPeer : public QtPeerOf<TabControl, QTabWidget> {
  public:
-  TabPeer(TabControl& control, const std::vector<QWidget*>& pages, const PeerContext& context)
-      : QtControlPeer(control, new QTabWidget, context), control_(control) {
-    for (size_t i = 0; i < pages.size(); ++i) {
-      Tabs()->addTab(pages[i], OneLine(control.pages[i].caption));
+  TabPeer(TabControl& control, const PeerContext& context) : QtPeerOf(control, context) {
+    for (const TabControl::Page& page : control.pages) {
+      Native()->addTab(new QWidget, ToQString(OneLine(page.caption)));
     }
-    QObject::connect(Tabs(), &QTabWidget::currentChanged, Lifetime(),
-                     [this](int tab) { Raise(Context(), [&] { control_.Click(tab); }); });
+    QObject::connect(Native(), &QTabWidget::currentChanged, Lifetime(),
+                     [this](int tab) { RunHandler(Context(), [&] { control_.Click(tab); }); });
+  }
+
+  std::vector<QWidget*> Containers() const override {
+    std::vector<QWidget*> pages;
+    for (int i = 0; i < Native()->count(); ++i) pages.push_back(Native()->widget(i));
+    return pages;
   }
 
  protected:
   void ShowOwnState() override {
-    const QSignalBlocker silent(Tabs());
-    Tabs()->setCurrentIndex(control_.Tab());
+    const QSignalBlocker silent(Native());
+    Native()->setCurrentIndex(control_.Tab());
   }
+};
 
- private:
-  QTabWidget* Tabs() const { return static_cast<QTabWidget*>(Widget()); }
+template <typename Peer>
+PeerPtr Make(typename Peer::Kind& control, const PeerContext& context) {
+  return std::make_unique<Peer>(control, context);
+}
 
-  TabControl& control_;
+/// Null where the control is of another kind.
+template <typename Kind, PeerPtr (*kMake)(Kind&, const PeerContext&)>
+PeerPtr MakeFor(Control& control, const PeerContext& context) {
+  auto* const kind = dynamic_cast<Kind*>(&control);
+  return kind ? kMake(*kind, context) : nullptr;
+}
+
+constexpr PeerPtr (*kMakers[])(Control&, const PeerContext&) = {
+    MakeFor<Label, MakeLabelPeer>,
+    MakeFor<CommandButton, Make<ButtonPeer>>,
+    MakeFor<CheckBox, Make<CheckBoxPeer>>,
+    MakeFor<TextBox, MakeTextBoxPeer>,
+    MakeFor<ProgressBar, Make<ProgressPeer>>,
+    MakeFor<ListBox, Make<ListBoxPeer>>,
+    MakeFor<ListView, MakeListViewPeer>,
+    MakeFor<Frame, Make<FramePeer>>,
+    MakeFor<TabControl, Make<TabPeer>>,
 };
 
 }  // namespace
 
-PeerPtr MakeQtPeer(CommandButton& control, const PeerContext& context) {
-  return std::make_unique<ButtonPeer>(control, context);
-}
-
-PeerPtr MakeQtPeer(CheckBox& control, const PeerContext& context) {
-  return std::make_unique<CheckBoxPeer>(control, context);
-}
-
-PeerPtr MakeQtPeer(ProgressBar& control, const PeerContext& context) {
-  return std::make_unique<ProgressPeer>(control, context);
-}
-
-PeerPtr MakeQtPeer(ListBox& control, const PeerContext& context) {
-  return std::make_unique<ListBoxPeer>(control, context);
-}
-
-PeerPtr MakeQtPeer(Frame& control, const PeerContext& context) {
-  return std::make_unique<FramePeer>(control, context);
-}
-
-PeerPtr MakeQtPeer(TabControl& control, const std::vector<QWidget*>& pages,
-                   const PeerContext& context) {
-  return std::make_unique<TabPeer>(control, pages, context);
+PeerPtr MakeQtPeer(Control& control, const PeerContext& context) {
+  for (const auto make : kMakers) {
+    if (PeerPtr peer = make(control, context)) return peer;
+  }
+  throw std::logic_error("a control of an unknown kind");
 }
 
 }  // namespace vesko

@@ -12,61 +12,40 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "desktop/linux/toolkit/QtControls.h"
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtLayout.h"
 #include "desktop/linux/toolkit/QtText.h"
+#include "ui/Controls.h"
 
 namespace vesko {
 namespace {
 
-class WindowEvents {
- public:
-  virtual ~WindowEvents() = default;
-  virtual void Closed() = 0;
-  virtual void Escaped() = 0;
-  virtual void BoundsChanged() = 0;
-};
+class QtForm;
 
+/// The native window. It leaves every decision to its form: a request to close or to escape does
+/// nothing by itself, and the form hides the window when it is unloaded.
 class Window : public QDialog {
  public:
-  Window(WindowEvents& events, QWidget* parent) : QDialog(parent), events_(&events) {}
+  Window(QtForm& form, QWidget* parent) : QDialog(parent), form_(&form) {}
 
-  void Detach() { events_ = nullptr; }
+  /// The native side of the form goes; the window may live on until its events are over.
+  void Detach() { form_ = nullptr; }
 
   // The dialog's own way out, taken on Escape.
-  void reject() override {
-    if (events_) events_->Escaped();
-  }
+  void reject() override;
 
  protected:
-  // The form decides; when it is unloaded it hides the window itself.
-  void closeEvent(QCloseEvent* event) override {
-    event->ignore();
-    if (events_) events_->Closed();
-  }
-  void moveEvent(QMoveEvent* event) override {
-    QDialog::moveEvent(event);
-    if (events_) events_->BoundsChanged();
-  }
-  void resizeEvent(QResizeEvent* event) override {
-    QDialog::resizeEvent(event);
-    if (events_) events_->BoundsChanged();
-  }
-
-  // Without a default button the dialog leaves Enter alone; the button with the focus takes it.
-  void keyPressEvent(QKeyEvent* event) override {
-    auto* const button = qobject_cast<QPushButton*>(focusWidget());
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (enter && button && !button->autoDefault()) return button->click();
-    QDialog::keyPressEvent(event);
-  }
+  void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  WindowEvents* events_;
+  QtForm* form_;
 };
 
-/// What stands in a window. It scrolls where it cannot have its least height, not its favourite
-/// one.
+/// The contents of a window. They scroll when they get less than their least height, not already
+/// when they get less than their preferred one.
 class Content : public QWidget {
  public:
   int LeastWidth() const { return layout()->totalMinimumSize().width(); }
@@ -76,7 +55,7 @@ class Content : public QWidget {
   }
 };
 
-class QtForm : public FormPeer, private Mirrored, private WindowEvents {
+class QtForm : public FormPeer, private Mirrored {
  public:
   QtForm(Form& form, Windows& windows)
       : Mirrored(windows.mirror),
@@ -140,9 +119,25 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
 
   void StateChanged() override { MarkChanged(); }
 
+  // What the window tells.
+
+  void Closed() {
+    RunHandler(context_, [this] { form_.Close(); });
+  }
+
+  void Escaped() {
+    CommandButton* const cancel = form_.CancelButton();
+    RunHandler(context_, [&] { cancel ? cancel->Click() : form_.Close(); });
+  }
+
+  void BoundsChanged() {
+    if (!window_->isVisible() || showing_bounds_) return;
+    form_.TakeBounds({window_->x(), window_->y(), window_->width(), window_->height()});
+  }
+
  protected:
   void ShowState() override {
-    window_->setWindowTitle(OneLine(form_.Caption()));
+    window_->setWindowTitle(ToQString(OneLine(form_.Caption())));
     ShowBounds();
     ShowTabOrder();
   }
@@ -184,23 +179,21 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
     for (auto* const button : window_->findChildren<QPushButton*>()) {
       button->setAutoDefault(form_.DefaultButton() != nullptr);
     }
-    auto* const button = qobject_cast<QPushButton*>(WidgetOf(Base(form_.DefaultButton())));
+    auto* const button = qobject_cast<QPushButton*>(WidgetOf(form_.DefaultButton()));
     if (button) button->setDefault(true);
   }
-
-  static const Control* Base(const CommandButton* button) { return button; }
 
   QWidget* WidgetOf(const Control* control) const {
     const auto found = std::find_if(peers_.begin(), peers_.end(), [&](const PeerPtr& peer) {
       return control && &peer->GetControl() == control;
     });
-    return found == peers_.end() ? nullptr : (*found)->Widget();
+    return found == peers_.end() ? nullptr : (*found)->GetWidget();
   }
 
   std::vector<QWidget*> TabOrder() const {
     std::vector<QWidget*> order;
     for (const PeerPtr& peer : peers_) {
-      if (peer->TakesFocus()) order.push_back(peer->Widget());
+      if (peer->TakesFocus()) order.push_back(peer->GetWidget());
     }
     const auto first = std::find(order.begin(), order.end(), WidgetOf(form_.FirstInTabOrder()));
     if (first != order.end()) std::rotate(order.begin(), first, first + 1);
@@ -258,20 +251,6 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
     }
   }
 
-  void Closed() override {
-    Raise(context_, [this] { form_.Close(); });
-  }
-
-  void Escaped() override {
-    CommandButton* const cancel = form_.CancelButton();
-    Raise(context_, [&] { cancel ? cancel->Click() : form_.Close(); });
-  }
-
-  void BoundsChanged() override {
-    if (!window_->isVisible() || showing_bounds_) return;
-    form_.TakeBounds({window_->x(), window_->y(), window_->width(), window_->height()});
-  }
-
   Form& form_;
   Windows& windows_;
   PeerContext context_;
@@ -283,6 +262,33 @@ class QtForm : public FormPeer, private Mirrored, private WindowEvents {
   std::shared_ptr<bool> open_ = std::make_shared<bool>(false);
   bool showing_bounds_ = false;
 };
+
+void Window::reject() {
+  if (form_) form_->Escaped();
+}
+
+void Window::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (form_) form_->Closed();
+}
+
+void Window::moveEvent(QMoveEvent* event) {
+  QDialog::moveEvent(event);
+  if (form_) form_->BoundsChanged();
+}
+
+void Window::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  if (form_) form_->BoundsChanged();
+}
+
+// Without a default button the dialog leaves Enter alone; the button with the focus takes it.
+void Window::keyPressEvent(QKeyEvent* event) {
+  auto* const button = qobject_cast<QPushButton*>(focusWidget());
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (enter && button && !button->autoDefault()) return button->click();
+  QDialog::keyPressEvent(event);
+}
 
 }  // namespace
 

@@ -1,34 +1,35 @@
 #include "desktop/linux/toolkit/QtIcons.h"
 
-#include <QFile>
-#include <map>
+#include <QString>
+#include <array>
 
-// The resources stand in a static library, where they would otherwise be left out.
+// The resources are in a static library, where they would be left out otherwise.
 static void LoadImages() { Q_INIT_RESOURCE(images); }
 
 namespace vesko {
 namespace {
 
-QIcon LoadIcon(const std::string& key) {
+QIcon LoadIcon(std::string_view name) {
   QIcon icon;
+  const auto key = QLatin1String(name.data(), static_cast<qsizetype>(name.size()));
   for (const int size : kIconSizes) {
-    const QString file =
-        QStringLiteral(":/vesko/%1-%2.png").arg(QString::fromStdString(key)).arg(size);
-    if (QFile::exists(file)) icon.addFile(file, QSize(size, size));
+    icon.addFile(QStringLiteral(":/vesko/%1-%2.png").arg(key).arg(size), QSize(size, size));
   }
   return icon;
 }
 
+std::array<QIcon, std::size(kMailStateNames)> LoadIcons() {
+  LoadImages();
+  std::array<QIcon, std::size(kMailStateNames)> icons;
+  for (size_t i = 0; i < icons.size(); ++i) icons[i] = LoadIcon(kMailStateNames[i]);
+  return icons;
+}
+
 }  // namespace
 
-const QIcon& StateIcon(const std::string& key) {
-  static std::map<std::string, QIcon> icons;
-  auto found = icons.find(key);
-  if (found == icons.end()) {
-    LoadImages();
-    found = icons.emplace(key, LoadIcon(key)).first;
-  }
-  return found->second;
+const QIcon& StateIcon(MailState state) {
+  static const auto kIcons = LoadIcons();
+  return kIcons[static_cast<size_t>(state)];
 }
 
 }  // namespace vesko

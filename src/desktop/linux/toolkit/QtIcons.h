@@ -1,14 +1,15 @@
 #pragma once
 
 #include <QIcon>
-#include <string>
+
+#include "maillist/MailState.h"
 
 namespace vesko {
 
 /// Sides of the drawn images, in pixels.
 inline constexpr int kIconSizes[] = {16, 24, 32, 48};
 
-/// The icon of a message state: "Mail", "MailRead", "Spam", "SpamRead". No icon for other keys.
-const QIcon& StateIcon(const std::string& key);
+/// The icon of a message state, in all sizes. Loaded once; valid until the program ends.
+const QIcon& StateIcon(MailState state);
 
 }  // namespace vesko

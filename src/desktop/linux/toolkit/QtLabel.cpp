@@ -4,6 +4,7 @@
 #include <QStyle>
 #include <algorithm>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtControls.h"
 #include "desktop/linux/toolkit/QtText.h"
 
@@ -12,8 +13,8 @@ namespace {
 
 // Wrapped text is comfortable to read at about this many characters a line.
 constexpr int kComfortableLine = 52;
-// Enough of a shortened line to know what it is about. The same for every text, or the window would
-// change with it.
+// Enough of a shortened line to know what it is about. It does not depend on the text, or the
+// window would change with it.
 constexpr int kShortestLine = 36;
 constexpr size_t kLongestParagraph = 10000;
 
@@ -41,7 +42,7 @@ class TextLabel : public QLabel {
     return shortened_ ? QSize(Chars(kShortestLine), LineHeight()) : QLabel::sizeHint();
   }
   QSize minimumSizeHint() const override {
-    // How high it really gets depends on the width that it is given.
+    // The real height depends on the width that the label is given.
     if (wordWrap()) return {WrappedSize().width(), LineHeight()};
     return shortened_ ? sizeHint() : QLabel::minimumSizeHint();
   }
@@ -69,41 +70,39 @@ class TextLabel : public QLabel {
   bool shortened_ = false;
 };
 
-class LabelPeer : public QtControlPeer {
+class LabelPeer : public QtPeerOf<Label, TextLabel> {
  public:
-  LabelPeer(Label& control, const PeerContext& context)
-      : QtControlPeer(control, new TextLabel, context), control_(control) {}
+  using QtPeerOf::QtPeerOf;
 
   void LeadTo(QtControlPeer& target) override {
     if (control_.Literal()) return;
-    GetLabel()->setBuddy(target.Widget());
-    if (target.WantsLabel()) target.SetLabel(WithoutMnemonic(OneLine(control_.Caption())));
+    Native()->setBuddy(target.GetWidget());
+    if (target.WantsLabel()) {
+      target.SetLabel(WithoutMnemonic(ToQString(OneLine(control_.Caption()))));
+    }
   }
 
  protected:
   void ShowOwnState() override {
-    TextLabel* const label = GetLabel();
-    label->SetWraps(control_.Wraps());
-    label->SetShortened(control_.Literal() && !control_.Wraps());
-    label->setText(Shown());
+    Native()->SetWraps(control_.Wraps());
+    Native()->SetShortened(control_.Literal() && !control_.Wraps());
+    Native()->setText(Shown());
   }
 
  private:
-  TextLabel* GetLabel() const { return static_cast<TextLabel*>(Widget()); }
-
   QString Shown() const {
-    const QString text = control_.Wraps() ? WithBreaks(Lines(control_.Caption(), kLongestParagraph))
-                                          : OneLine(control_.Caption());
-    // A label without a buddy shows an "&" as it stands.
-    return control_.Literal() || GetLabel()->buddy() ? text : WithoutMnemonic(text);
+    const QString text = control_.Wraps() ? WithBreaks(ToQString(Paragraph()))
+                                          : ToQString(OneLine(control_.Caption()));
+    // A label without a buddy shows an "&" as it is.
+    return control_.Literal() || Native()->buddy() ? text : WithoutMnemonic(text);
   }
 
-  Label& control_;
+  Text Paragraph() const { return Lines(control_.Caption(), kLongestParagraph, u"\n"); }
 };
 
 }  // namespace
 
-PeerPtr MakeQtPeer(Label& control, const PeerContext& context) {
+PeerPtr MakeLabelPeer(Label& control, const PeerContext& context) {
   return std::make_unique<LabelPeer>(control, context);
 }
 

@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "desktop/linux/toolkit/QtControls.h"
+
 namespace vesko {
 namespace {
 
-class Builder : private ControlVisitor {
+class Builder {
  public:
   Builder(const PeerContext& context, std::vector<PeerPtr>& peers)
       : context_(context), peers_(peers) {}
@@ -56,7 +58,7 @@ class Builder : private ControlVisitor {
     if (item.stretch > 0) grid.setRowStretch(row, item.stretch);
   }
 
-  // Margins stand around a window, a box or a page, not around every row.
+  // Margins surround a window, a frame or a page, not every row.
   QLayout* BuildInner(const Layout& layout) {
     QLayout* const inner = Build(layout);
     inner->setContentsMargins(0, 0, 0, 0);
@@ -64,47 +66,17 @@ class Builder : private ControlVisitor {
   }
 
   QWidget* BuildWidget(Control& control) {
-    control.Accept(*this);
-    return built_;
-  }
-
-  template <typename Kind>
-  void Make(Kind& control) {
-    Keep(MakeQtPeer(control, context_));
-  }
-
-  void Keep(PeerPtr peer) {
-    built_ = peer->Widget();
-    peers_.push_back(std::move(peer));
-  }
-
-  void Visit(Label& control) override { Make(control); }
-  void Visit(CommandButton& control) override { Make(control); }
-  void Visit(CheckBox& control) override { Make(control); }
-  void Visit(TextBox& control) override { Make(control); }
-  void Visit(ProgressBar& control) override { Make(control); }
-  void Visit(ListBox& control) override { Make(control); }
-  void Visit(ListView& control) override { Make(control); }
-
-  void Visit(Frame& control) override {
-    Make(control);
-    QWidget* const box = built_;
-    box->setLayout(Build(control.content));
-    built_ = box;
-  }
-
-  void Visit(TabControl& control) override {
-    std::vector<QWidget*> pages(control.pages.size());
-    for (QWidget*& page : pages) page = new QWidget;
-    Keep(MakeQtPeer(control, pages, context_));
-    QWidget* const tabs = built_;
-    for (size_t i = 0; i < pages.size(); ++i) pages[i]->setLayout(Build(control.pages[i].content));
-    built_ = tabs;
+    peers_.push_back(MakeQtPeer(control, context_));
+    const QtControlPeer& peer = *peers_.back();
+    const std::vector<const Layout*> contents = control.Contents();
+    for (size_t i = 0; i < contents.size(); ++i) {
+      peer.Containers()[i]->setLayout(Build(*contents[i]));
+    }
+    return peer.GetWidget();
   }
 
   const PeerContext& context_;
   std::vector<PeerPtr>& peers_;
-  QWidget* built_ = nullptr;
 };
 
 void JoinLabels(const std::vector<PeerPtr>& peers) {

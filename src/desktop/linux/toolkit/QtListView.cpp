@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtControls.h"
 #include "desktop/linux/toolkit/QtIcons.h"
 #include "desktop/linux/toolkit/QtKeys.h"
@@ -22,8 +23,8 @@ namespace {
 
 constexpr double kUsualCharWidth = 5;
 
-/// The control's rows as they were when the view was last reset. Nothing is copied: cells are read
-/// from the control when they are painted.
+/// The control's rows. The model remembers how many there were when the view was last reset; the
+/// cells are read from the control when they are painted.
 class RowModel : public QAbstractTableModel {
  public:
   explicit RowModel(ListView& list) : list_(&list) {}
@@ -45,9 +46,12 @@ class RowModel : public QAbstractTableModel {
 
   QVariant data(const QModelIndex& index, int role) const override {
     if (!list_ || index.row() >= list_->Count()) return {};
-    const ListView::Row& row = list_->RowAt(index.row());
-    if (role == Qt::DisplayRole) return Cell(row, static_cast<size_t>(index.column()));
-    if (role == Qt::DecorationRole && index.column() == 0) return StateIcon(row.image);
+    if (role == Qt::DisplayRole) {
+      return ToQString(OneLine(list_->CellAt(index.row(), index.column())));
+    }
+    if (role == Qt::DecorationRole && index.column() == 0) {
+      return StateIcon(list_->StateAt(index.row()));
+    }
     return {};
   }
 
@@ -55,34 +59,21 @@ class RowModel : public QAbstractTableModel {
     if (!list_ || orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
     const auto column = static_cast<size_t>(section);
     if (column >= list_->Columns().size()) return {};
-    return OneLine(list_->Columns()[column].header);
+    return ToQString(OneLine(list_->Columns()[column].header));
   }
 
  private:
-  static QVariant Cell(const ListView::Row& row, size_t column) {
-    return column < row.cells.size() ? OneLine(row.cells[column]) : QString();
-  }
-
   ListView* list_;
   int rows_ = 0;
   int columns_ = 0;
 };
 
-/// What the view reports.
-class RowViewEvents {
- public:
-  virtual ~RowViewEvents() = default;
-  virtual void MouseAims() = 0;                         // before a press counts
-  virtual bool KeyPressed(const QKeyEvent& event) = 0;  // true when it was used up
-  virtual void KeyHandled() = 0;
-  virtual void MouseHandled(const QMouseEvent& event, int row) = 0;
-  virtual void MouseReleased() = 0;
-  virtual void MenuAsked() = 0;
-};
+class ListViewPeer;
 
+/// The native list. Passes on to its peer what the user does before or after the list acts on it.
 class RowView : public QTreeView {
  public:
-  explicit RowView(RowViewEvents& events) : events_(&events) {
+  RowView() {
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setExpandsOnDoubleClick(false);
@@ -97,7 +88,8 @@ class RowView : public QTreeView {
     header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   }
 
-  void Detach() { events_ = nullptr; }
+  /// Null when the peer goes; the view may live on until its events are over.
+  void SetPeer(ListViewPeer* peer) { peer_ = peer; }
 
   QSize minimumSizeHint() const override {
     const int line = fontMetrics().lineSpacing();
@@ -105,83 +97,99 @@ class RowView : public QTreeView {
   }
 
  protected:
-  void keyPressEvent(QKeyEvent* event) override {
-    if (!events_) return;
-    if (AsksForMenu(*event)) return events_->MenuAsked();
-    if (events_->KeyPressed(*event)) return event->accept();
-    if (!events_) return;
-    QTreeView::keyPressEvent(event);
-    if (events_) events_->KeyHandled();
-  }
-
-  void mousePressEvent(QMouseEvent* event) override {
-    if (events_) events_->MouseAims();
-    QTreeView::mousePressEvent(event);
-    const QModelIndex index = indexAt(event->position().toPoint());
-    if (events_) events_->MouseHandled(*event, index.isValid() ? index.row() : -1);
-  }
-
-  void mouseReleaseEvent(QMouseEvent* event) override {
-    QTreeView::mouseReleaseEvent(event);
-    if (events_) events_->MouseReleased();
-  }
-
-  // A menu asked for with the mouse has come with the press.
-  void contextMenuEvent(QContextMenuEvent* event) override {
-    if (event->reason() == QContextMenuEvent::Keyboard && events_) events_->MenuAsked();
-  }
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
-  static bool AsksForMenu(const QKeyEvent& event) {
-    return event.key() == Qt::Key_F10 && event.modifiers() == Qt::ShiftModifier;
-  }
-
-  RowViewEvents* events_;
+  ListViewPeer* peer_ = nullptr;
 };
 
-class ListViewPeer : public QtControlPeer, private RowViewEvents {
+class ListViewPeer : public QtPeerOf<ListView, RowView> {
  public:
   ListViewPeer(ListView& control, const PeerContext& context)
-      : QtControlPeer(control, new RowView(*this), context),
-        list_(control),
-        model_(new RowModel(control)) {
-    model_->setParent(View());
-    View()->setModel(model_);
-    QObject::connect(View()->header(), &QHeaderView::sectionClicked, Lifetime(),
+      : QtPeerOf(control, context), model_(new RowModel(control)) {
+    model_->setParent(Native());
+    Native()->setModel(model_);
+    Native()->SetPeer(this);
+    QObject::connect(Native()->header(), &QHeaderView::sectionClicked, Lifetime(),
                      [this](int section) { HeaderClicked(section); });
-    QObject::connect(View()->selectionModel(), &QItemSelectionModel::selectionChanged, Lifetime(),
+    QObject::connect(Native()->selectionModel(), &QItemSelectionModel::selectionChanged, Lifetime(),
                      [this] { TakeSelection(); });
-    QObject::connect(View()->selectionModel(), &QItemSelectionModel::currentChanged, Lifetime(),
+    QObject::connect(Native()->selectionModel(), &QItemSelectionModel::currentChanged, Lifetime(),
                      [this] { TakeSelection(); });
   }
   ~ListViewPeer() override {
-    View()->Detach();
+    Native()->SetPeer(nullptr);
     model_->ListGone();
   }
 
   bool WantsLabel() const override { return true; }
 
+  /// A press is about to be handled: it is meant for the row that is there now.
+  void MouseAims() { SynchroniseIfChanged(); }
+
+  /// A key comes before the list sees it; true when it was used up.
+  bool KeyPressed(const QKeyEvent& event) {
+    const int key = KeyCode(event);
+    if (key == 0) return false;
+    SynchroniseIfChanged();
+    bool used = false;
+    RunHandler(Context(), [&] { used = control_.PressKey(key, Modifiers(event.modifiers())); });
+    return used;
+  }
+
+  /// The list has acted on a key.
+  void KeyHandled() {
+    if (control_.CurrentRow() != clicked_) RaiseItemClick();
+  }
+
+  /// The list has acted on a press; row -1: outside of the rows.
+  void MouseHandled(const QMouseEvent& event, int row) {
+    const int buttons = Buttons(event.button());
+    const bool plain_click = buttons == kLeftButton && event.modifiers() == Qt::NoModifier;
+    const QPointer<QObject> alive = Lifetime();
+    if (row >= 0 && UpToDate() && (plain_click || row != clicked_)) RaiseItemClick();
+    if (alive && buttons != 0) RaiseMouse(buttons, row);
+  }
+
+  /// Dragging over rows clicks the last one only.
+  void MouseReleased() {
+    if (UpToDate() && control_.CurrentRow() != clicked_) RaiseItemClick();
+  }
+
+  /// The menu was asked for by keyboard.
+  void MenuAsked() {
+    SynchroniseIfChanged();
+    const QModelIndex current = Native()->currentIndex();
+    if (!current.isValid()) return;
+    Native()->scrollTo(current);
+    const auto place = Context().popup_place;
+    *place = Native()->viewport()->mapToGlobal(Native()->visualRect(current).bottomLeft());
+    RaiseMouse(kRightButton, current.row());
+    place->reset();
+  }
+
  protected:
   void ShowOwnState() override {
     const QScopedValueRollback<bool> showing(showing_, true);
-    const bool rows_changed = generation_ != list_.Generation();
+    const bool rows_changed = generation_ != control_.Generation();
     if (rows_changed) ShowRows();
-    if (rows_changed || selection_generation_ != list_.SelectionGeneration()) ShowSelection();
+    if (rows_changed || selection_generation_ != control_.SelectionGeneration()) ShowSelection();
     ShowSortIndicator();
-    View()->viewport()->update();
+    Native()->viewport()->update();
   }
 
  private:
-  RowView* View() const { return static_cast<RowView*>(Widget()); }
-
   void ShowRows() {
-    generation_ = list_.Generation();
-    const bool new_columns = model_->columnCount() != static_cast<int>(list_.Columns().size());
+    generation_ = control_.Generation();
+    const bool new_columns = model_->columnCount() != static_cast<int>(control_.Columns().size());
     model_->Reset();
-    clicked_ = list_.CurrentRow();
+    clicked_ = control_.CurrentRow();
     if (new_columns) ShowColumns();
-    const int icon = IconSizeFor(View()->fontMetrics().height());
-    View()->setIconSize({icon, icon});
+    const int icon = IconSizeFor(Native()->fontMetrics().height());
+    Native()->setIconSize({icon, icon});
   }
 
   // The largest image that does not make its line higher.
@@ -192,10 +200,10 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
   }
 
   void ShowColumns() {
-    QHeaderView* const header = View()->header();
+    QHeaderView* const header = Native()->header();
     const double scale = FontScale();
     for (int column = 0; column < model_->columnCount(); ++column) {
-      const double width = scale * list_.Columns()[static_cast<size_t>(column)].width;
+      const double width = scale * control_.Columns()[static_cast<size_t>(column)].width;
       header->resizeSection(column,
                             std::max(static_cast<int>(width), header->sectionSizeHint(column)));
     }
@@ -203,27 +211,27 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
 
   // Widths are meant for a small font; with a larger one the same text takes more room.
   double FontScale() const {
-    return std::max(1.0, View()->fontMetrics().averageCharWidth() / kUsualCharWidth);
+    return std::max(1.0, Native()->fontMetrics().averageCharWidth() / kUsualCharWidth);
   }
 
   void ShowSortIndicator() {
-    QHeaderView* const header = View()->header();
-    header->setSortIndicatorShown(list_.Sorted());
-    header->setSortIndicator(list_.Sorted() ? list_.SortKey() : -1,
-                             list_.SortDescending() ? Qt::DescendingOrder : Qt::AscendingOrder);
+    QHeaderView* const header = Native()->header();
+    header->setSortIndicatorShown(control_.Sorted());
+    header->setSortIndicator(control_.Sorted() ? control_.SortKey() : -1,
+                             control_.SortDescending() ? Qt::DescendingOrder : Qt::AscendingOrder);
   }
 
   // Starting from an empty selection, thousands of ranges are set without comparing each with each.
   void ShowSelection() {
-    selection_generation_ = list_.SelectionGeneration();
-    QItemSelectionModel* const selection = View()->selectionModel();
+    selection_generation_ = control_.SelectionGeneration();
+    QItemSelectionModel* const selection = Native()->selectionModel();
     const int shown_current = selection->currentIndex().row();
     selection->reset();
     selection->select(SelectedRanges(), QItemSelectionModel::Select);
-    const int current = list_.CurrentRow();
-    View()->setAutoScroll(current != shown_current);  // "select all" stays where it is
+    const int current = control_.CurrentRow();
+    Native()->setAutoScroll(current != shown_current);  // "select all" stays where it is
     selection->setCurrentIndex(model_->index(current, 0), QItemSelectionModel::NoUpdate);
-    View()->setAutoScroll(true);
+    Native()->setAutoScroll(true);
     clicked_ = current;
   }
 
@@ -231,8 +239,8 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
     QItemSelection ranges;
     const int last_column = model_->columnCount() - 1;
     int first = 0;
-    for (int row = 0; row <= list_.Count(); ++row) {
-      if (row < list_.Count() && list_.Selected(row)) continue;
+    for (int row = 0; row <= control_.Count(); ++row) {
+      if (row < control_.Count() && control_.Selected(row)) continue;
       if (first < row) {
         ranges.append(
             QItemSelectionRange(model_->index(first, 0), model_->index(row - 1, last_column)));
@@ -243,70 +251,30 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
   }
 
   // While the rows have changed but are not shown yet, the view speaks of rows that are gone.
-  bool UpToDate() const { return generation_ == list_.Generation(); }
+  bool UpToDate() const { return generation_ == control_.Generation(); }
 
   void TakeSelection() {
     if (showing_ || !UpToDate()) return;
     std::vector<std::pair<int, int>> runs;
-    for (const QItemSelectionRange& range : View()->selectionModel()->selection()) {
+    for (const QItemSelectionRange& range : Native()->selectionModel()->selection()) {
       runs.emplace_back(range.top(), range.bottom());
     }
-    list_.TakeSelection(runs, View()->currentIndex().row());
+    control_.TakeSelection(runs, Native()->currentIndex().row());
   }
 
   void HeaderClicked(int section) {
     MarkChanged();  // the view has turned its arrow by itself
-    Raise(Context(), [&] { list_.ClickColumn(section + 1); });
-  }
-
-  // A press is for the row that stands there now.
-  void MouseAims() override { SynchroniseIfChanged(); }
-
-  bool KeyPressed(const QKeyEvent& event) override {
-    const int key = KeyCode(event);
-    if (key == 0) return false;
-    SynchroniseIfChanged();
-    bool used = false;
-    Raise(Context(), [&] { used = list_.PressKey(key, Modifiers(event.modifiers())); });
-    return used;
-  }
-
-  void KeyHandled() override {
-    if (list_.CurrentRow() != clicked_) RaiseItemClick();
-  }
-
-  void MouseHandled(const QMouseEvent& event, int row) override {
-    const int buttons = Buttons(event.button());
-    const bool plain_click = buttons == kLeftButton && event.modifiers() == Qt::NoModifier;
-    const QPointer<QObject> alive = Lifetime();
-    if (row >= 0 && UpToDate() && (plain_click || row != clicked_)) RaiseItemClick();
-    if (alive && buttons != 0) RaiseMouse(buttons, row);
-  }
-
-  // Dragging over rows clicks the last one only.
-  void MouseReleased() override {
-    if (UpToDate() && list_.CurrentRow() != clicked_) RaiseItemClick();
-  }
-
-  void MenuAsked() override {
-    SynchroniseIfChanged();
-    const QModelIndex current = View()->currentIndex();
-    if (!current.isValid()) return;
-    View()->scrollTo(current);
-    const auto place = Context().popup_place;
-    *place = View()->viewport()->mapToGlobal(View()->visualRect(current).bottomLeft());
-    RaiseMouse(kRightButton, current.row());
-    place->reset();
+    RunHandler(Context(), [&] { control_.ClickColumn(section + 1); });
   }
 
   void RaiseItemClick() {
-    clicked_ = list_.CurrentRow();
-    if (clicked_ < 0 || !list_.on_item_click) return;
-    Raise(Context(), [click = list_.on_item_click, row = clicked_] { click(row); });
+    clicked_ = control_.CurrentRow();
+    if (clicked_ < 0 || !control_.on_item_click) return;
+    RunHandler(Context(), [click = control_.on_item_click, row = clicked_] { click(row); });
   }
 
   void RaiseMouse(int buttons, int row) {
-    Raise(Context(), [&] { list_.PressMouse(buttons, row < list_.Count() ? row : -1); });
+    RunHandler(Context(), [&] { control_.PressMouse(buttons, row < control_.Count() ? row : -1); });
   }
 
   static int Buttons(Qt::MouseButton button) {
@@ -314,7 +282,6 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
     return button == Qt::RightButton ? kRightButton : 0;
   }
 
-  ListView& list_;
   RowModel* model_;
   uint64_t generation_ = 0;
   uint64_t selection_generation_ = 0;
@@ -322,9 +289,36 @@ class ListViewPeer : public QtControlPeer, private RowViewEvents {
   bool showing_ = false;
 };
 
+void RowView::keyPressEvent(QKeyEvent* event) {
+  if (!peer_) return;
+  const bool menu = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
+  if (menu) return peer_->MenuAsked();
+  if (peer_->KeyPressed(*event)) return event->accept();
+  if (!peer_) return;
+  QTreeView::keyPressEvent(event);
+  if (peer_) peer_->KeyHandled();
+}
+
+void RowView::mousePressEvent(QMouseEvent* event) {
+  if (peer_) peer_->MouseAims();
+  QTreeView::mousePressEvent(event);
+  const QModelIndex index = indexAt(event->position().toPoint());
+  if (peer_) peer_->MouseHandled(*event, index.isValid() ? index.row() : -1);
+}
+
+void RowView::mouseReleaseEvent(QMouseEvent* event) {
+  QTreeView::mouseReleaseEvent(event);
+  if (peer_) peer_->MouseReleased();
+}
+
+// A menu asked for with the mouse has come with the press.
+void RowView::contextMenuEvent(QContextMenuEvent* event) {
+  if (event->reason() == QContextMenuEvent::Keyboard && peer_) peer_->MenuAsked();
+}
+
 }  // namespace
 
-PeerPtr MakeQtPeer(ListView& control, const PeerContext& context) {
+PeerPtr MakeListViewPeer(ListView& control, const PeerContext& context) {
   return std::make_unique<ListViewPeer>(control, context);
 }
 

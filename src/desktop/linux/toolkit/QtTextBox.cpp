@@ -3,8 +3,10 @@
 #include <QPlainTextEdit>
 #include <QProxyStyle>
 #include <QSignalBlocker>
+#include <functional>
 #include <utility>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/toolkit/QtControls.h"
 #include "desktop/linux/toolkit/QtKeys.h"
 #include "desktop/linux/toolkit/QtText.h"
@@ -12,10 +14,10 @@
 namespace vesko {
 namespace {
 
-// Laying out more than this takes longer than a person waits, and nobody reads on.
+// Laying out more than this takes longer than a person waits, and nobody reads that far.
 constexpr size_t kLongestShown = 256 * 1024;
 
-/// Masks every character of a password by "*", the one typed last included.
+/// Masks every character of a password by "*", including the one typed last.
 class MaskStyle : public QProxyStyle {
  public:
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -26,137 +28,135 @@ class MaskStyle : public QProxyStyle {
   }
 };
 
-/// Offers each key to the control before the widget sees it. Lives as long as the widget.
+/// Offers each key to the control before the widget sees it. Lives as long as the widget, which may
+/// be longer than the peer.
 class KeyHook : public QObject {
  public:
-  KeyHook(QWidget* widget, QtControlPeer& peer, TextBox& control, const PeerContext& context)
-      : QObject(widget), peer_(&peer), control_(control), context_(context) {
+  using Handler = std::function<bool(const QKeyEvent& event)>;
+
+  KeyHook(QWidget* widget, Handler handler) : QObject(widget), handler_(std::move(handler)) {
     widget->installEventFilter(this);
   }
 
-  void Detach() { peer_ = nullptr; }
+  void Detach() { handler_ = nullptr; }
 
   bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() != QEvent::KeyPress || !peer_) return false;
-    peer_->SynchroniseIfChanged();  // or the key would change an older text
-    const int key = KeyCode(*static_cast<QKeyEvent*>(event));
-    if (key == 0) return false;
-    bool used = false;
-    Raise(context_, [&] { used = control_.PressKey(key); });
-    return used;
+    if (event->type() != QEvent::KeyPress || !handler_) return false;
+    const Handler handler = handler_;  // which may detach this
+    return handler(*static_cast<QKeyEvent*>(event));
   }
 
  private:
-  QtControlPeer* peer_;
-  TextBox& control_;
-  PeerContext context_;
+  Handler handler_;
 };
 
-class LinePeer : public QtControlPeer {
+/// What boxes of one line and of several have in common.
+template <typename Edit>
+class TextBoxPeer : public QtPeerOf<TextBox, Edit> {
  public:
-  LinePeer(TextBox& control, const PeerContext& context)
-      : QtControlPeer(control, new QLineEdit, context), control_(control) {
-    hook_ = new KeyHook(Edit(), *this, control, context);
-    // Programs that help a person to write change the text as well as the keyboard does.
-    QObject::connect(Edit(), &QLineEdit::textChanged, Lifetime(), [this](const QString& text) {
-      MarkChanged();  // the control may take less than the text
-      Raise(Context(), [&] { control_.Type(ToText(text)); });
-    });
-  }
-  ~LinePeer() override { hook_->Detach(); }
+  TextBoxPeer(TextBox& control, const PeerContext& context)
+      : QtPeerOf<TextBox, Edit>(control, context),
+        hook_(new KeyHook(this->Native(),
+                          [this](const QKeyEvent& event) { return KeyPressed(event); })) {}
+  ~TextBoxPeer() override { hook_->Detach(); }
 
   bool WantsLabel() const override { return true; }
 
   void TakeFocus() override {
     QtControlPeer::TakeFocus();
-    Edit()->selectAll();
+    this->Native()->selectAll();
+  }
+
+ private:
+  bool KeyPressed(const QKeyEvent& event) {
+    this->SynchroniseIfChanged();  // or the key would change an older text
+    const int key = KeyCode(event);
+    if (key == 0) return false;
+    bool used = false;
+    RunHandler(this->Context(), [&] { used = this->control_.PressKey(key); });
+    return used;
+  }
+
+  KeyHook* hook_;
+};
+
+class LinePeer : public TextBoxPeer<QLineEdit> {
+ public:
+  LinePeer(TextBox& control, const PeerContext& context) : TextBoxPeer(control, context) {
+    // Assistive programs change the text as well as the keyboard does.
+    QObject::connect(Native(), &QLineEdit::textChanged, Lifetime(), [this](const QString& text) {
+      MarkChanged();  // the control may take less than the text
+      RunHandler(Context(), [&] { control_.Type(ToText(text)); });
+    });
   }
 
  protected:
   void ShowOwnState() override {
     ShowPassword();
-    Edit()->setReadOnly(control_.ReadOnly());
+    Native()->setReadOnly(control_.ReadOnly());
     ShowText(ToQString(control_.GetText()));
   }
 
  private:
-  QLineEdit* Edit() const { return static_cast<QLineEdit*>(Widget()); }
-
-  /// The cursor stays before the same text: after a paste, behind what is left of it.
+  /// The text behind the cursor stays behind it: after a paste the cursor follows what is left of
+  /// it.
   void ShowText(const QString& text) {
-    if (Edit()->text() == text) return;
-    const auto behind = Edit()->text().size() - Edit()->cursorPosition();
-    const QSignalBlocker silent(Edit());
-    Edit()->setText(text);
-    Edit()->setCursorPosition(static_cast<int>(text.size() - behind));
+    if (Native()->text() == text) return;
+    const auto behind = Native()->text().size() - Native()->cursorPosition();
+    const QSignalBlocker silent(Native());
+    Native()->setText(text);
+    Native()->setCursorPosition(static_cast<int>(text.size() - behind));
   }
 
   void ShowPassword() {
-    if (control_.Password() == (Edit()->echoMode() == QLineEdit::Password)) return;
+    if (control_.Password() == (Native()->echoMode() == QLineEdit::Password)) return;
     if (control_.Password()) {
       auto* const mask = new MaskStyle;
-      mask->setParent(Edit());
-      Edit()->setStyle(mask);
+      mask->setParent(Native());
+      Native()->setStyle(mask);
     }
-    Edit()->setEchoMode(control_.Password() ? QLineEdit::Password : QLineEdit::Normal);
+    Native()->setEchoMode(control_.Password() ? QLineEdit::Password : QLineEdit::Normal);
   }
-
-  TextBox& control_;
-  KeyHook* hook_;
 };
 
-class ParagraphsPeer : public QtControlPeer {
+class ParagraphsPeer : public TextBoxPeer<QPlainTextEdit> {
  public:
-  ParagraphsPeer(TextBox& control, const PeerContext& context)
-      : QtControlPeer(control, new QPlainTextEdit, context), control_(control) {
-    hook_ = new KeyHook(Edit(), *this, control, context);
-    Edit()->setTabChangesFocus(true);
-    QObject::connect(Edit(), &QPlainTextEdit::textChanged, Lifetime(), [this] { TextChanged(); });
-  }
-  ~ParagraphsPeer() override { hook_->Detach(); }
-
-  bool WantsLabel() const override { return true; }
-
-  void TakeFocus() override {
-    QtControlPeer::TakeFocus();
-    Edit()->selectAll();
+  ParagraphsPeer(TextBox& control, const PeerContext& context) : TextBoxPeer(control, context) {
+    Native()->setTabChangesFocus(true);
+    QObject::connect(Native(), &QPlainTextEdit::textChanged, Lifetime(), [this] { TextChanged(); });
   }
 
  protected:
   void ShowOwnState() override {
     ShowText();
-    // What is not shown as it is cannot be edited without loss.
-    Edit()->setReadOnly(control_.ReadOnly() || !shown_whole_);
+    // A text that is not shown as it is cannot be edited without loss.
+    Native()->setReadOnly(control_.ReadOnly() || !shown_whole_);
   }
 
  private:
-  QPlainTextEdit* Edit() const { return static_cast<QPlainTextEdit*>(Widget()); }
-
   void ShowText() {
     const TextView text = control_.GetText();
     const TextView head = text.substr(0, kLongestShown + 1);
     if (head == shown_) return;
     shown_ = head;
-    const QSignalBlocker silent(Edit());
-    Edit()->setPlainText(Lines(text, kLongestShown, &shown_whole_));
+    const QSignalBlocker silent(Native());
+    Native()->setPlainText(ToQString(Lines(text, kLongestShown, u"\n", &shown_whole_)));
   }
 
   void TextChanged() {
-    Text text = ReplaceAll(ToText(Edit()->toPlainText()), u"\n", kCrLf);
+    const Text text = ReplaceAll(ToText(Native()->toPlainText()), u"\n", kCrLf);
     shown_ = text;
     MarkChanged();
-    Raise(Context(), [&] { control_.Type(std::move(text)); });
+    RunHandler(Context(), [&] { control_.Type(text); });
   }
 
-  TextBox& control_;
   Text shown_;
   bool shown_whole_ = true;
-  KeyHook* hook_;
 };
 
 }  // namespace
 
-PeerPtr MakeQtPeer(TextBox& control, const PeerContext& context) {
+PeerPtr MakeTextBoxPeer(TextBox& control, const PeerContext& context) {
   if (control.MultiLine()) return std::make_unique<ParagraphsPeer>(control, context);
   return std::make_unique<LinePeer>(control, context);
 }

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMessageBox>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "desktop/linux/toolkit/QtControlPeer.h"
 #include "desktop/linux/toolkit/QtForm.h"
@@ -23,9 +24,9 @@ QStringList NameFilters(const Text& filter) {
   QStringList filters;
   const std::vector<Text> pieces = Split(filter, u"|");
   for (size_t i = 0; i + 1 < pieces.size(); i += 2) {
-    QString description = OneLine(pieces[i]);
+    QString description = ToQString(OneLine(pieces[i]));
     description = description.left(description.lastIndexOf(u'(')).trimmed();
-    QString patterns = OneLine(pieces[i + 1]).replace(u';', u' ');
+    QString patterns = ToQString(OneLine(pieces[i + 1])).replace(u';', u' ');
     if (patterns == u"*.*") patterns = QStringLiteral("*");
     filters.append(description + " (" + patterns + ")");
   }
@@ -72,15 +73,15 @@ class QtToolkit : public Toolkit {
     box.setTextFormat(Qt::PlainText);
     box.setIcon(icon == MessageIcon::kInformation ? QMessageBox::Information
                                                   : QMessageBox::Warning);
-    box.setWindowTitle(OneLine(title.empty() ? TextView(kApplicationTitle) : title));
-    box.setText(WithBreaks(Lines(text, kLongestMessage)));
+    box.setWindowTitle(ToQString(OneLine(title.empty() ? kApplicationTitle : TextView(title))));
+    box.setText(WithBreaks(ToQString(Lines(text, kLongestMessage, u"\n"))));
     box.exec();
   }
 
   Text OpenFile(const Text& title, const Text& filter, const Text& default_extension) override {
-    OpenDialog dialog(windows_.Top(), OneLine(default_extension));
+    OpenDialog dialog(windows_.Top(), ToQString(OneLine(default_extension)));
     dialog.setWindowModality(Qt::WindowModal);
-    dialog.setWindowTitle(OneLine(title));
+    dialog.setWindowTitle(ToQString(OneLine(title)));
     dialog.setNameFilters(NameFilters(filter));
     if (dialog.exec() != QDialog::Accepted) return {};
     return ToText(dialog.selectedFiles().value(0));
@@ -102,7 +103,7 @@ class QtToolkit : public Toolkit {
 
   void Invalidate(Form&, Control& control) override {
     auto* const peer = dynamic_cast<QtControlPeer*>(control.Peer());
-    if (peer) peer->Widget()->update();
+    if (peer) peer->GetWidget()->update();
   }
 
  private:
@@ -119,7 +120,7 @@ class QtToolkit : public Toolkit {
       return;
     }
     QAction* const action =
-        native.addAction(OneLine(item.caption) + u'\t' + OneLine(item.shortcut));
+        native.addAction(ToQString(OneLine(item.caption) + u'\t' + OneLine(item.shortcut)));
     action->setEnabled(item.enabled);
   }
 

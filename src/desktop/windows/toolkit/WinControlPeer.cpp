@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/windows/toolkit/WinText.h"
 
 namespace vesko {
@@ -17,7 +18,7 @@ void RegisterWindowClass(const wchar_t* name, HINSTANCE module, WNDPROC procedur
 }
 
 WinControlPeer::~WinControlPeer() {
-  control_.SetPeer(nullptr);
+  base_.SetPeer(nullptr);
   if (window_) DestroyWindow(window_);
   if (font_) DeleteObject(font_);
 }
@@ -27,13 +28,13 @@ void WinControlPeer::Create(HWND parent, const wchar_t* window_class, DWORD styl
   window_ = CreateWindowExW(extended_style, window_class, L"", WS_CHILD | WS_VISIBLE | style, 0, 0,
                             0, 0, parent, nullptr, context_.instance, nullptr);
   SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-  control_.SetPeer(this);
+  base_.SetPeer(this);
   ShowFont();
   MarkChanged();
 }
 
 void WinControlPeer::ShowFont() {
-  const Font& font = control_.GetFont();
+  const Font& font = base_.GetFont();
   if (font_ && font.name == font_name_ && font.size == font_size_) return;
   font_name_ = font.name;
   font_size_ = font.size;
@@ -50,12 +51,12 @@ void WinControlPeer::ShowFont() {
 
 void WinControlPeer::ShowState() {
   ShowFont();
-  if (!control_.Enabled() && GetFocus() == window_) PassFocusOn();
-  if ((IsWindowEnabled(window_) != FALSE) != control_.Enabled()) {
-    EnableWindow(window_, control_.Enabled());
+  if (!base_.Enabled() && GetFocus() == window_) PassFocusOn();
+  if ((IsWindowEnabled(window_) != FALSE) != base_.Enabled()) {
+    EnableWindow(window_, base_.Enabled());
   }
   const bool visible = (GetWindowLongPtrW(window_, GWL_STYLE) & WS_VISIBLE) != 0;
-  if (visible != control_.Visible()) ShowWindow(window_, control_.Visible() ? SW_SHOWNA : SW_HIDE);
+  if (visible != base_.Visible()) ShowWindow(window_, base_.Visible() ? SW_SHOWNA : SW_HIDE);
 }
 
 void WinControlPeer::Place(const RECT& place) {
@@ -80,7 +81,7 @@ void WinControlPeer::PassFocusOn() {
 int WinControlPeer::LineHeight() const { return Measure(font_, L"Ag", 0, true).cy; }
 
 SIZE WinControlPeer::TextSize(TextView text, bool literal) const {
-  return Measure(font_, OneLine(text), 0, literal);
+  return Measure(font_, ToWide(OneLine(text)), 0, literal);
 }
 
 int ModifiersDown() {

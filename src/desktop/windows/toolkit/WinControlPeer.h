@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "desktop/common/Mirror.h"
 #include "ui/Control.h"
@@ -33,10 +34,10 @@ void RegisterWindowClass(const wchar_t* name, HINSTANCE module, WNDPROC procedur
 class WinControlPeer : public ControlPeer, protected Mirrored {
  public:
   WinControlPeer(Control& control, WinContext& context)
-      : Mirrored(context.mirror), context_(context), control_(control) {}
+      : Mirrored(context.mirror), context_(context), base_(control) {}
   ~WinControlPeer() override;
 
-  Control& GetControl() const { return control_; }
+  Control& GetControl() const { return base_; }
   HWND Window() const { return window_; }
 
   /// Least size in device pixels; the height may depend on the width that is there.
@@ -44,6 +45,10 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
   virtual int HeightFor(int width) const = 0;
   virtual bool GrowsSideways() const { return false; }
   virtual bool GrowsDown() const { return false; }
+
+  /// The windows that are the parents of the control's contents, in the order of
+  /// Control::Contents.
+  virtual std::vector<HWND> Containers() const { return {}; }
 
   virtual bool TakesFocus() const { return true; }
   /// Moves the window; containers leave room for a frame.
@@ -56,8 +61,6 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
   virtual bool KeyPressed(WPARAM /*key*/) { return false; }
   /// A key that was pressed anywhere in the window; true when it was used up.
   virtual bool KeyPressedInWindow(WPARAM /*key*/) { return false; }
-
-  void ShowNow() { Synchronise(); }
 
   // ControlPeer
   void StateChanged() override { MarkChanged(); }
@@ -80,7 +83,7 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
   /// The keyboard is dead while a disabled control has the focus.
   void PassFocusOn();
 
-  Control& control_;
+  Control& base_;
   HWND window_ = nullptr;
   HFONT font_ = nullptr;
   Text font_name_;
@@ -89,13 +92,18 @@ class WinControlPeer : public ControlPeer, protected Mirrored {
 
 using WinPeerPtr = std::unique_ptr<WinControlPeer>;
 
-WinPeerPtr MakeWinPeer(Label& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(CommandButton& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(CheckBox& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(TextBox& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(ProgressBar& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(ListBox& control, HWND parent, WinContext& context);
-WinPeerPtr MakeWinPeer(ListView& control, HWND parent, WinContext& context);
+/// The native side of a control of one kind.
+template <typename ControlKind>
+class WinPeerOf : public WinControlPeer {
+ public:
+  using Kind = ControlKind;
+
+  WinPeerOf(Kind& control, WinContext& context)
+      : WinControlPeer(control, context), control_(control) {}
+
+ protected:
+  Kind& control_;
+};
 
 /// Shift, Control and Alt as the events report them.
 int ModifiersDown();

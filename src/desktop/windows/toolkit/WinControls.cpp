@@ -1,8 +1,10 @@
-// Labels, buttons, boxes, bars and plain lists.
+#include "desktop/windows/toolkit/WinControls.h"
 
 #include <algorithm>
+#include <stdexcept>
 
-#include "desktop/windows/toolkit/WinControlPeer.h"
+#include "desktop/common/ShownText.h"
+#include "desktop/windows/toolkit/WinTabs.h"
 #include "desktop/windows/toolkit/WinText.h"
 
 namespace vesko {
@@ -11,10 +13,9 @@ namespace {
 
 constexpr size_t kLongestShown = 256 * 1024;  // code units of a text box; the state stays whole
 
-class LabelPeer final : public WinControlPeer {
+class LabelPeer final : public WinPeerOf<Label> {
  public:
-  LabelPeer(Label& label, HWND parent, WinContext& context)
-      : WinControlPeer(label, context), label_(label) {
+  LabelPeer(Label& label, HWND parent, WinContext& context) : WinPeerOf(label, context) {
     DWORD style = SS_LEFT;
     if (label.Literal())
       style = label.Wraps() ? SS_NOPREFIX | SS_EDITCONTROL
@@ -23,15 +24,15 @@ class LabelPeer final : public WinControlPeer {
   }
 
   bool TakesFocus() const override { return false; }
-  bool GrowsSideways() const override { return label_.Literal() || label_.Wraps(); }
+  bool GrowsSideways() const override { return control_.Literal() || control_.Wraps(); }
   int LeastWidth() const override {
-    if (label_.Wraps()) return context_.Scaled(kWrapWidth);
-    return label_.Literal() ? context_.Scaled(40) : TextSize(label_.Caption()).cx;
+    if (control_.Wraps()) return context_.Scaled(kWrapWidth);
+    return control_.Literal() ? context_.Scaled(40) : TextSize(control_.Caption()).cx;
   }
   int HeightFor(int width) const override {
-    if (!label_.Wraps()) return LineHeight();
+    if (!control_.Wraps()) return LineHeight();
     return std::max<int>(LineHeight(),
-                         Measure(NativeFont(), Caption(), width, label_.Literal()).cy);
+                         Measure(NativeFont(), Caption(), width, control_.Literal()).cy);
   }
 
  protected:
@@ -45,71 +46,66 @@ class LabelPeer final : public WinControlPeer {
   static constexpr size_t kLongestCaption = 4000;
 
   std::wstring Caption() const {
-    return label_.Wraps() ? Lines(label_.Caption(), kLongestCaption) : OneLine(label_.Caption());
+    return ToWide(control_.Wraps() ? Lines(control_.Caption(), kLongestCaption, kCrLf)
+                                   : OneLine(control_.Caption()));
   }
-
-  Label& label_;
 };
 
-class ButtonPeer final : public WinControlPeer {
+class ButtonPeer final : public WinPeerOf<CommandButton> {
  public:
-  ButtonPeer(CommandButton& button, HWND parent, WinContext& context)
-      : WinControlPeer(button, context), button_(button) {
+  ButtonPeer(CommandButton& button, HWND parent, WinContext& context) : WinPeerOf(button, context) {
     Create(parent, WC_BUTTONW, BS_PUSHBUTTON | BS_NOTIFY | WS_TABSTOP);
   }
 
   int LeastWidth() const override {
-    return std::max<int>(context_.Scaled(75), TextSize(button_.Caption()).cx + context_.Scaled(22));
+    return std::max<int>(context_.Scaled(75),
+                         TextSize(control_.Caption()).cx + context_.Scaled(22));
   }
   int HeightFor(int) const override { return LineHeight() + context_.Scaled(10); }
 
   bool Command(WORD code) override {
     if (code != BN_CLICKED) return false;
-    button_.Click();
+    control_.Click();
     return true;
   }
 
  protected:
   void ShowState() override {
     WinControlPeer::ShowState();
-    SetTextIfOther(Window(), OneLine(button_.Caption()));
+    SetTextIfOther(Window(), ToWide(OneLine(control_.Caption())));
   }
 
  private:
-  CommandButton& button_;
 };
 
-class CheckBoxPeer final : public WinControlPeer {
+class CheckBoxPeer final : public WinPeerOf<CheckBox> {
  public:
-  CheckBoxPeer(CheckBox& box, HWND parent, WinContext& context)
-      : WinControlPeer(box, context), box_(box) {
+  CheckBoxPeer(CheckBox& box, HWND parent, WinContext& context) : WinPeerOf(box, context) {
     Create(parent, WC_BUTTONW, BS_CHECKBOX | WS_TABSTOP);
   }
 
-  int LeastWidth() const override { return TextSize(box_.Caption()).cx + context_.Scaled(22); }
+  int LeastWidth() const override { return TextSize(control_.Caption()).cx + context_.Scaled(22); }
   int HeightFor(int) const override { return LineHeight() + context_.Scaled(4); }
 
   bool Command(WORD code) override {
     if (code != BN_CLICKED) return false;
-    box_.Click();
+    control_.Click();
     return true;
   }
 
  protected:
   void ShowState() override {
     WinControlPeer::ShowState();
-    SetTextIfOther(Window(), OneLine(box_.Caption()));
-    SendMessageW(Window(), BM_SETCHECK, box_.Value() == 0 ? BST_UNCHECKED : BST_CHECKED, 0);
+    SetTextIfOther(Window(), ToWide(OneLine(control_.Caption())));
+    SendMessageW(Window(), BM_SETCHECK, control_.Value() == 0 ? BST_UNCHECKED : BST_CHECKED, 0);
   }
 
  private:
-  CheckBox& box_;
 };
 
-class TextBoxPeer final : public WinControlPeer {
+class TextBoxPeer final : public WinPeerOf<TextBox> {
  public:
-  TextBoxPeer(TextBox& box, HWND parent, WinContext& context)
-      : WinControlPeer(box, context), box_(box) {
+  TextBoxPeer(TextBox& box, HWND parent, WinContext& context) : WinPeerOf(box, context) {
     DWORD style = WS_TABSTOP;
     style |= box.MultiLine() ? ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL : ES_AUTOHSCROLL;
     if (box.ReadOnly()) style |= ES_READONLY;
@@ -120,22 +116,22 @@ class TextBoxPeer final : public WinControlPeer {
   }
 
   bool GrowsSideways() const override { return true; }
-  bool GrowsDown() const override { return box_.MultiLine(); }
+  bool GrowsDown() const override { return control_.MultiLine(); }
   int LeastWidth() const override { return context_.Scaled(120); }
   int HeightFor(int) const override {
     const int around = 2 * GetSystemMetrics(SM_CYEDGE) + context_.Scaled(4);
-    return LineHeight() * (box_.MultiLine() ? 4 : 1) + around;
+    return LineHeight() * (control_.MultiLine() ? 4 : 1) + around;
   }
 
   bool Command(WORD code) override {
     if (code == EN_CHANGE && !showing_) {
       MarkChanged();  // the box may take less than the text
-      box_.Type(WindowText(Window()));
+      control_.Type(WindowText(Window()));
     }
     return code == EN_CHANGE;
   }
 
-  bool KeyPressed(WPARAM key) override { return box_.PressKey(static_cast<int>(key)); }
+  bool KeyPressed(WPARAM key) override { return control_.PressKey(static_cast<int>(key)); }
 
   void TakeFocus() override {
     WinControlPeer::TakeFocus();
@@ -152,14 +148,14 @@ class TextBoxPeer final : public WinControlPeer {
 
  private:
   void ShowText() {
-    if (box_.MultiLine()) {
+    if (control_.MultiLine()) {
       // Long texts do not change by typing here: the body pane is read only.
-      if (shown_ == box_.GetText()) return;
-      shown_ = box_.GetText();
-      SetWindowTextW(Window(), Lines(shown_, kLongestShown).c_str());
+      if (shown_ == control_.GetText()) return;
+      shown_ = control_.GetText();
+      SetWindowTextW(Window(), ToWide(Lines(shown_, kLongestShown, kCrLf)).c_str());
       return;
     }
-    ShowLine(ToWide(box_.GetText()));
+    ShowLine(ToWide(control_.GetText()));
   }
 
   /// The cursor stays before the same text: after a paste, behind what is left of it.
@@ -172,15 +168,13 @@ class TextBoxPeer final : public WinControlPeer {
     SendMessageW(Window(), EM_SETSEL, static_cast<WPARAM>(place), place);
   }
 
-  TextBox& box_;
   Text shown_;
   bool showing_ = false;
 };
 
-class ProgressBarPeer final : public WinControlPeer {
+class ProgressBarPeer final : public WinPeerOf<ProgressBar> {
  public:
-  ProgressBarPeer(ProgressBar& bar, HWND parent, WinContext& context)
-      : WinControlPeer(bar, context), bar_(bar) {
+  ProgressBarPeer(ProgressBar& bar, HWND parent, WinContext& context) : WinPeerOf(bar, context) {
     Create(parent, PROGRESS_CLASSW, PBS_SMOOTH);
   }
 
@@ -192,18 +186,16 @@ class ProgressBarPeer final : public WinControlPeer {
  protected:
   void ShowState() override {
     WinControlPeer::ShowState();
-    SendMessageW(Window(), PBM_SETRANGE32, 0, bar_.Maximum());
-    SendMessageW(Window(), PBM_SETPOS, static_cast<WPARAM>(bar_.Value()), 0);
+    SendMessageW(Window(), PBM_SETRANGE32, 0, control_.Maximum());
+    SendMessageW(Window(), PBM_SETPOS, static_cast<WPARAM>(control_.Value()), 0);
   }
 
  private:
-  ProgressBar& bar_;
 };
 
-class ListBoxPeer final : public WinControlPeer {
+class ListBoxPeer final : public WinPeerOf<ListBox> {
  public:
-  ListBoxPeer(ListBox& list, HWND parent, WinContext& context)
-      : WinControlPeer(list, context), list_(list) {
+  ListBoxPeer(ListBox& list, HWND parent, WinContext& context) : WinPeerOf(list, context) {
     Create(parent, WC_LISTBOXW, LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_TABSTOP,
            WS_EX_CLIENTEDGE);
     SetWindowTextW(Window(), ToWide(list.AccessibleName()).c_str());
@@ -216,7 +208,7 @@ class ListBoxPeer final : public WinControlPeer {
 
   bool Command(WORD code) override {
     if (code != LBN_SELCHANGE) return false;
-    list_.Click(static_cast<int>(SendMessageW(Window(), LB_GETCURSEL, 0, 0)));
+    control_.Click(static_cast<int>(SendMessageW(Window(), LB_GETCURSEL, 0, 0)));
     return true;
   }
 
@@ -225,16 +217,16 @@ class ListBoxPeer final : public WinControlPeer {
     WinControlPeer::ShowState();
     if (!SameItems()) Refill();
     const auto shown = static_cast<int>(SendMessageW(Window(), LB_GETCURSEL, 0, 0));
-    if (shown != list_.ListIndex()) {
-      SendMessageW(Window(), LB_SETCURSEL, static_cast<WPARAM>(list_.ListIndex()), 0);
+    if (shown != control_.ListIndex()) {
+      SendMessageW(Window(), LB_SETCURSEL, static_cast<WPARAM>(control_.ListIndex()), 0);
     }
   }
 
  private:
   bool SameItems() const {
-    if (static_cast<int>(shown_.size()) != list_.Count()) return false;
-    for (int i = 0; i < list_.Count(); ++i) {
-      if (shown_[static_cast<size_t>(i)] != list_.Item(i)) return false;
+    if (static_cast<int>(shown_.size()) != control_.Count()) return false;
+    for (int i = 0; i < control_.Count(); ++i) {
+      if (shown_[static_cast<size_t>(i)] != control_.Item(i)) return false;
     }
     return true;
   }
@@ -243,38 +235,73 @@ class ListBoxPeer final : public WinControlPeer {
     shown_.clear();
     SendMessageW(Window(), WM_SETREDRAW, FALSE, 0);
     SendMessageW(Window(), LB_RESETCONTENT, 0, 0);
-    for (int i = 0; i < list_.Count(); ++i) {
-      shown_.push_back(list_.Item(i));
+    for (int i = 0; i < control_.Count(); ++i) {
+      shown_.push_back(control_.Item(i));
       SendMessageW(Window(), LB_ADDSTRING, 0,
-                   reinterpret_cast<LPARAM>(OneLine(list_.Item(i)).c_str()));
+                   reinterpret_cast<LPARAM>(ToWide(OneLine(control_.Item(i))).c_str()));
     }
     SendMessageW(Window(), WM_SETREDRAW, TRUE, 0);
     InvalidateRect(Window(), nullptr, TRUE);
   }
 
-  ListBox& list_;
   std::vector<Text> shown_;
+};
+
+class FramePeer final : public WinPeerOf<Frame> {
+ public:
+  FramePeer(Frame& frame, HWND parent, WinContext& context)
+      : WinPeerOf(frame, context), parent_(parent) {
+    Create(parent, WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT);
+  }
+
+  std::vector<HWND> Containers() const override { return {parent_}; }
+
+  bool TakesFocus() const override { return false; }
+  bool GrowsSideways() const override { return true; }
+  int LeastWidth() const override { return TextSize(control_.Caption()).cx + context_.Scaled(24); }
+  int HeightFor(int) const override { return LineHeight(); }
+
+ protected:
+  void ShowState() override {
+    WinControlPeer::ShowState();
+    SetTextIfOther(Window(), ToWide(OneLine(control_.Caption())));
+  }
+
+ private:
+  HWND parent_;
+};
+
+template <typename Peer>
+WinPeerPtr Make(typename Peer::Kind& control, HWND parent, WinContext& context) {
+  return std::make_unique<Peer>(control, parent, context);
+}
+
+/// Null where the control is of another kind.
+template <typename Kind, WinPeerPtr (*kMake)(Kind&, HWND, WinContext&)>
+WinPeerPtr MakeFor(Control& control, HWND parent, WinContext& context) {
+  auto* const kind = dynamic_cast<Kind*>(&control);
+  return kind ? kMake(*kind, parent, context) : nullptr;
+}
+
+constexpr WinPeerPtr (*kMakers[])(Control&, HWND, WinContext&) = {
+    MakeFor<Label, Make<LabelPeer>>,
+    MakeFor<CommandButton, Make<ButtonPeer>>,
+    MakeFor<CheckBox, Make<CheckBoxPeer>>,
+    MakeFor<TextBox, Make<TextBoxPeer>>,
+    MakeFor<ProgressBar, Make<ProgressBarPeer>>,
+    MakeFor<ListBox, Make<ListBoxPeer>>,
+    MakeFor<ListView, MakeListViewPeer>,
+    MakeFor<Frame, Make<FramePeer>>,
+    MakeFor<TabControl, Make<WinTabs>>,
 };
 
 }  // namespace
 
-WinPeerPtr MakeWinPeer(Label& control, HWND parent, WinContext& context) {
-  return std::make_unique<LabelPeer>(control, parent, context);
-}
-WinPeerPtr MakeWinPeer(CommandButton& control, HWND parent, WinContext& context) {
-  return std::make_unique<ButtonPeer>(control, parent, context);
-}
-WinPeerPtr MakeWinPeer(CheckBox& control, HWND parent, WinContext& context) {
-  return std::make_unique<CheckBoxPeer>(control, parent, context);
-}
-WinPeerPtr MakeWinPeer(TextBox& control, HWND parent, WinContext& context) {
-  return std::make_unique<TextBoxPeer>(control, parent, context);
-}
-WinPeerPtr MakeWinPeer(ProgressBar& control, HWND parent, WinContext& context) {
-  return std::make_unique<ProgressBarPeer>(control, parent, context);
-}
-WinPeerPtr MakeWinPeer(ListBox& control, HWND parent, WinContext& context) {
-  return std::make_unique<ListBoxPeer>(control, parent, context);
+WinPeerPtr MakeWinPeer(Control& control, HWND parent, WinContext& context) {
+  for (const auto make : kMakers) {
+    if (WinPeerPtr peer = make(control, parent, context)) return peer;
+  }
+  throw std::logic_error("a control of an unknown kind");
 }
 
 }  // namespace vesko

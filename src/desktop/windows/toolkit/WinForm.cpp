@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/windows/toolkit/WinLayout.h"
 #include "desktop/windows/toolkit/WinText.h"
 #include "ui/Controls.h"
@@ -101,7 +102,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
 
  protected:
   void ShowState() override {
-    SetTextIfOther(window_, OneLine(form_.Caption()));
+    SetTextIfOther(window_, ToWide(OneLine(form_.Caption())));
     showing_ = true;
     SetWindowPos(window_, nullptr, Device(form_.Left()), Device(form_.Top()), Device(form_.Width()),
                  Device(form_.Height()), SWP_NOZORDER | SWP_NOACTIVATE);
@@ -141,7 +142,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
                                       WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_,
                                       nullptr, windows_.context.instance, nullptr);
     for (WinControlPeer* peer : layout_->Peers()) {
-      std::wstring text = OneLine(peer->GetControl().Tooltip());
+      std::wstring text = ToWide(OneLine(peer->GetControl().Tooltip()));
       if (text.empty()) continue;
       TTTOOLINFOW tool = {};
       tool.cbSize = TTTOOLINFOW_V1_SIZE;

@@ -1,41 +1,26 @@
 #include "desktop/windows/toolkit/WinImages.h"
 
-#include <string_view>
+#include <iterator>
+
+#include "maillist/MailState.h"
 
 namespace vesko {
-
-namespace {
-
-struct MailImage {
-  std::string_view key;
-  const wchar_t* resource;
-};
-constexpr MailImage kImages[] = {
-    {"Mail", L"MAIL"}, {"MailRead", L"MAILREAD"}, {"Spam", L"SPAM"}, {"SpamRead", L"SPAMREAD"}};
-
-}  // namespace
 
 ImageListPtr LoadMailImages(const WinContext& context) {
   const int width = GetSystemMetrics(SM_CXSMICON);
   const int height = GetSystemMetrics(SM_CYSMICON);
   ImageListPtr images(ImageList_Create(width, height, ILC_COLOR32 | ILC_MASK,
-                                       static_cast<int>(std::size(kImages)), 0));
-  for (const MailImage& image : kImages) {
+                                       static_cast<int>(std::size(kMailStateNames)), 0));
+  for (const std::string_view name : kMailStateNames) {
+    const std::wstring resource(name.begin(), name.end());  // resource names have no case
     auto icon = static_cast<HICON>(
-        LoadImageW(context.instance, image.resource, IMAGE_ICON, width, height, 0));
+        LoadImageW(context.instance, resource.c_str(), IMAGE_ICON, width, height, 0));
     const bool missing = icon == nullptr;
     if (missing) icon = LoadIconW(nullptr, IDI_APPLICATION);
     ImageList_ReplaceIcon(images.get(), -1, icon);
     if (!missing) DestroyIcon(icon);
   }
   return images;
-}
-
-int MailImageIndex(std::string_view key) {
-  for (size_t i = 0; i < std::size(kImages); ++i) {
-    if (kImages[i].key == key) return static_cast<int>(i);
-  }
-  return -1;
 }
 
 }  // namespace vesko

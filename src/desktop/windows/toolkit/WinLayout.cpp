@@ -1,11 +1,10 @@
 #include "desktop/windows/toolkit/WinLayout.h"
 
-#include <uxtheme.h>
-
 #include <algorithm>
 #include <numeric>
 
-#include "desktop/windows/toolkit/WinText.h"
+#include "desktop/windows/toolkit/WinControls.h"
+#include "desktop/windows/toolkit/WinTabs.h"
 
 namespace vesko {
 
@@ -13,136 +12,6 @@ namespace {
 
 constexpr int kMargin = 9;   // logical pixels around a window, a box or a page
 constexpr int kSpacing = 6;  // between two items
-
-/// A page of a tab control: passes on what its controls say to the window that holds the tabs.
-LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
-  switch (message) {
-    case WM_COMMAND:
-    case WM_NOTIFY:
-      return SendMessageW(GetParent(page), message, wparam, lparam);
-    case WM_ERASEBKGND: {
-      RECT area;
-      GetClientRect(page, &area);
-      FillRect(reinterpret_cast<HDC>(wparam), &area,
-               GetSysColorBrush(IsThemeActive() ? COLOR_WINDOW : COLOR_3DFACE));
-      return 1;
-    }
-    case WM_CTLCOLORSTATIC:
-      // A box that cannot be typed into asks like a label, but has a ground of its own.
-      if (SendMessageW(reinterpret_cast<HWND>(lparam), WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) {
-        return DefWindowProcW(page, message, wparam, lparam);
-      }
-      [[fallthrough]];
-    case WM_CTLCOLORBTN: {
-      const int colour = IsThemeActive() ? COLOR_WINDOW : COLOR_3DFACE;
-      SetBkColor(reinterpret_cast<HDC>(wparam), GetSysColor(colour));
-      return reinterpret_cast<LRESULT>(GetSysColorBrush(colour));
-    }
-    default:
-      return DefWindowProcW(page, message, wparam, lparam);
-  }
-}
-
-HWND MakePage(HWND parent, HINSTANCE instance) {
-  RegisterWindowClass(kPageClass, instance, PageProcedure);
-  return CreateWindowExW(WS_EX_CONTROLPARENT, kPageClass, L"", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0,
-                         0, parent, nullptr, instance, nullptr);
-}
-
-class FramePeer final : public WinControlPeer {
- public:
-  FramePeer(Frame& frame, HWND parent, WinContext& context)
-      : WinControlPeer(frame, context), frame_(frame) {
-    Create(parent, WC_BUTTONW, BS_GROUPBOX, WS_EX_TRANSPARENT);
-  }
-  bool TakesFocus() const override { return false; }
-  bool GrowsSideways() const override { return true; }
-  int LeastWidth() const override { return TextSize(frame_.Caption()).cx + context_.Scaled(24); }
-  int HeightFor(int) const override { return LineHeight(); }
-
- protected:
-  void ShowState() override {
-    WinControlPeer::ShowState();
-    SetTextIfOther(Window(), OneLine(frame_.Caption()));
-  }
-
- private:
-  Frame& frame_;
-};
-
-class TabPeer final : public WinControlPeer {
- public:
-  TabPeer(TabControl& tabs, HWND parent, WinContext& context)
-      : WinControlPeer(tabs, context), tabs_(tabs) {
-    Create(parent, WC_TABCONTROLW, WS_TABSTOP | WS_CLIPSIBLINGS);
-    for (size_t i = 0; i < tabs.pages.size(); ++i) {
-      std::wstring caption = OneLine(tabs.pages[i].caption);
-      TCITEMW item = {};
-      item.mask = TCIF_TEXT;
-      item.pszText = caption.data();
-      SendMessageW(Window(), TCM_INSERTITEMW, i, reinterpret_cast<LPARAM>(&item));
-      pages_.push_back(MakePage(parent, context.instance));
-    }
-  }
-  ~TabPeer() override {
-    for (HWND page : pages_) DestroyWindow(page);
-  }
-
-  const std::vector<HWND>& Pages() const { return pages_; }
-
-  bool GrowsSideways() const override { return true; }
-  bool GrowsDown() const override { return true; }
-  int LeastWidth() const override { return context_.Scaled(200); }
-  int HeightFor(int) const override { return LineHeight() * 2; }
-
-  /// What the strip of tabs and the frame take of an area.
-  RECT PageArea(RECT area) const {
-    SendMessageW(Window(), TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&area));
-    return area;
-  }
-
-  bool Notify(NMHDR& header, LRESULT&) override {
-    if (header.code != static_cast<UINT>(TCN_SELCHANGE)) return false;
-    Turn(static_cast<int>(SendMessageW(Window(), TCM_GETCURSEL, 0, 0)));
-    return true;
-  }
-
-  bool KeyPressedInWindow(WPARAM key) override {
-    const int step = StepOf(key);
-    const int count = static_cast<int>(pages_.size());
-    if (step != 0) Turn((tabs_.Tab() + step + count) % count);
-    return step != 0;
-  }
-
- protected:
-  void ShowState() override {
-    WinControlPeer::ShowState();
-    SendMessageW(Window(), TCM_SETCURSEL, static_cast<WPARAM>(tabs_.Tab()), 0);
-    for (size_t i = 0; i < pages_.size(); ++i) {
-      const bool current = static_cast<int>(i) == tabs_.Tab();
-      ShowWindow(pages_[i], current ? SW_SHOWNA : SW_HIDE);
-    }
-  }
-
- private:
-  static int StepOf(WPARAM key) {
-    const int modifiers = ModifiersDown();
-    if (!(modifiers & kControl)) return 0;
-    if (key == VK_TAB) return modifiers & kShift ? -1 : 1;
-    if (key == VK_NEXT) return 1;
-    return key == VK_PRIOR ? -1 : 0;
-  }
-
-  /// A control of the page that goes does not keep the focus.
-  void Turn(int tab) {
-    if (IsChild(pages_[static_cast<size_t>(tabs_.Tab())], GetFocus())) SetFocus(Window());
-    tabs_.Click(tab);
-    Synchronise();
-  }
-
-  TabControl& tabs_;
-  std::vector<HWND> pages_;
-};
 
 /// Spare room dealt out by shares; the last share gets the rest.
 void Deal(std::vector<int>& sizes, const std::vector<int>& shares, int spare) {
@@ -164,7 +33,7 @@ struct WinLayout::Node {
   int stretch;
   WinContext& context;
   WinPeerPtr peer;
-  TabPeer* tabs = nullptr;
+  WinTabs* tabs = nullptr;
   std::vector<std::unique_ptr<Node>> items;  // of a frame: one; of tabs: one a page
 
   int Spacing() const { return context.Scaled(kSpacing); }
@@ -291,7 +160,7 @@ struct WinLayout::Node {
     // Behind its pages it cannot hide them; and it is the last to be reached by the Tab key.
     SetWindowPos(tabs->Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (size_t i = 0; i < items.size(); ++i) {
-      SetWindowPos(tabs->Pages()[i], nullptr, page.left, page.top, width, height,
+      SetWindowPos(tabs->Containers()[i], nullptr, page.left, page.top, width, height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
       items[i]->Place({Margin(), Margin(), width - Margin(), height - Margin()});
     }
@@ -391,7 +260,7 @@ struct WinLayout::Node {
 
 namespace {
 
-class Builder : private ControlVisitor {
+class Builder {
  public:
   Builder(WinContext& context, std::vector<WinControlPeer*>& peers)
       : context_(context), peers_(peers) {}
@@ -409,50 +278,18 @@ class Builder : private ControlVisitor {
 
  private:
   void BuildControl(Control& control, HWND parent, WinLayout::Node& node) {
-    WinLayout::Node* const outer_node = std::exchange(node_, &node);
-    const HWND outer_parent = std::exchange(parent_, parent);
-    control.Accept(*this);
-    node_ = outer_node;
-    parent_ = outer_parent;
-  }
-
-  void Keep(WinPeerPtr peer) {
-    peers_.push_back(peer.get());
-    node_->peer = std::move(peer);
-  }
-
-  template <typename Kind>
-  void Make(Kind& control) {
-    Keep(MakeWinPeer(control, parent_, context_));
-  }
-
-  void Visit(Label& control) override { Make(control); }
-  void Visit(CommandButton& control) override { Make(control); }
-  void Visit(CheckBox& control) override { Make(control); }
-  void Visit(TextBox& control) override { Make(control); }
-  void Visit(ProgressBar& control) override { Make(control); }
-  void Visit(ListBox& control) override { Make(control); }
-  void Visit(ListView& control) override { Make(control); }
-
-  void Visit(Frame& control) override {
-    Keep(std::make_unique<FramePeer>(control, parent_, context_));
-    node_->items.push_back(Build(control.content, parent_));
-  }
-
-  void Visit(TabControl& control) override {
-    auto peer = std::make_unique<TabPeer>(control, parent_, context_);
-    TabPeer& tabs = *peer;
-    node_->tabs = &tabs;
-    Keep(std::move(peer));
-    for (size_t i = 0; i < control.pages.size(); ++i) {
-      node_->items.push_back(Build(control.pages[i].content, tabs.Pages()[i]));
+    node.peer = MakeWinPeer(control, parent, context_);
+    node.tabs = dynamic_cast<WinTabs*>(node.peer.get());
+    peers_.push_back(node.peer.get());
+    const std::vector<const Layout*> contents = control.Contents();
+    const std::vector<HWND> containers = node.peer->Containers();
+    for (size_t i = 0; i < contents.size(); ++i) {
+      node.items.push_back(Build(*contents[i], containers[i]));
     }
   }
 
   WinContext& context_;
   std::vector<WinControlPeer*>& peers_;
-  WinLayout::Node* node_ = nullptr;
-  HWND parent_ = nullptr;
 };
 
 }  // namespace

@@ -9,8 +9,6 @@
 
 namespace vesko {
 
-inline constexpr wchar_t kPageClass[] = L"VeskoPage";  // of a page of a tab control
-
 /// Builds the native controls of a window and gives them their places.
 class WinLayout {
  public:

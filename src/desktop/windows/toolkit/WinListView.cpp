@@ -4,7 +4,8 @@
 #include <array>
 #include <string_view>
 
-#include "desktop/windows/toolkit/WinControlPeer.h"
+#include "desktop/common/ShownText.h"
+#include "desktop/windows/toolkit/WinControls.h"
 #include "desktop/windows/toolkit/WinImages.h"
 #include "desktop/windows/toolkit/WinText.h"
 
@@ -15,10 +16,10 @@ namespace {
 constexpr UINT kSelectionMessage = WM_APP + 1;
 constexpr UINT_PTR kSubclass = 1;
 
-class ListViewPeer final : public WinControlPeer {
+class ListViewPeer final : public WinPeerOf<ListView> {
  public:
   ListViewPeer(ListView& list, HWND parent, WinContext& context)
-      : WinControlPeer(list, context), list_(list), images_(LoadMailImages(context)) {
+      : WinPeerOf(list, context), images_(LoadMailImages(context)) {
     Create(parent, WC_LISTVIEWW,
            LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS | WS_TABSTOP,
            WS_EX_CLIENTEDGE);
@@ -45,7 +46,7 @@ class ListViewPeer final : public WinControlPeer {
         SelectionMoved();
         return true;
       case LVN_COLUMNCLICK:
-        list_.ClickColumn(reinterpret_cast<NMLISTVIEW&>(header).iSubItem + 1);
+        control_.ClickColumn(reinterpret_cast<NMLISTVIEW&>(header).iSubItem + 1);
         return true;
       case LVN_ODFINDITEMW:
         result = FindByText(reinterpret_cast<NMLVFINDITEMW&>(header));
@@ -57,7 +58,7 @@ class ListViewPeer final : public WinControlPeer {
 
   bool KeyPressed(WPARAM key) override {
     TakeSelection();
-    return list_.PressKey(static_cast<int>(key), ModifiersDown());
+    return control_.PressKey(static_cast<int>(key), ModifiersDown());
   }
 
  protected:
@@ -65,8 +66,8 @@ class ListViewPeer final : public WinControlPeer {
     WinControlPeer::ShowState();
     showing_ = true;
     ShowColumns();
-    if (rows_shown_ != list_.Generation()) ShowRows();
-    if (selection_shown_ != list_.SelectionGeneration()) ShowSelection();
+    if (rows_shown_ != control_.Generation()) ShowRows();
+    if (selection_shown_ != control_.SelectionGeneration()) ShowSelection();
     showing_ = false;
     InvalidateRect(Window(), nullptr, FALSE);
   }
@@ -101,11 +102,11 @@ class ListViewPeer final : public WinControlPeer {
     LVHITTESTINFO hit = {};
     hit.pt = {static_cast<SHORT>(LOWORD(lparam)), static_cast<SHORT>(HIWORD(lparam))};
     const int row = ListView_HitTest(Window(), &hit);
-    list_.PressMouse(button, row >= 0 && row < list_.Count() ? row : -1);
+    control_.PressMouse(button, row >= 0 && row < control_.Count() ? row : -1);
   }
 
   void MenuByKeyboard() {
-    const int row = list_.CurrentRow();
+    const int row = control_.CurrentRow();
     if (row < 0) return;
     ListView_EnsureVisible(Window(), row, FALSE);
     RECT place = {};
@@ -113,28 +114,26 @@ class ListViewPeer final : public WinControlPeer {
     POINT corner = {place.left, place.bottom};
     ClientToScreen(Window(), &corner);
     context_.popup_place = corner;
-    list_.PressMouse(kRightButton, row);
+    control_.PressMouse(kRightButton, row);
     context_.popup_place.reset();
   }
 
   void Fill(LVITEMW& item) {
-    if (item.iItem < 0 || item.iItem >= list_.Count()) return;
-    const ListView::Row& row = list_.RowAt(item.iItem);
-    if (item.mask & LVIF_IMAGE) item.iImage = MailImageIndex(row.image);
-    const auto column = static_cast<size_t>(item.iSubItem);
+    if (item.iItem < 0 || item.iItem >= control_.Count()) return;
+    if (item.mask & LVIF_IMAGE) item.iImage = static_cast<int>(control_.StateAt(item.iItem));
     if ((item.mask & LVIF_TEXT) && item.cchTextMax > 0) {
-      const std::wstring text = column < row.cells.size() ? OneLine(row.cells[column]) : L"";
+      const std::wstring text = ToWide(OneLine(control_.CellAt(item.iItem, item.iSubItem)));
       lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
     }
   }
 
   /// Typing letters leads to the next row whose text begins with them.
   LRESULT FindByText(const NMLVFINDITEMW& search) const {
-    if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || list_.Count() == 0) return -1;
+    if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || control_.Count() == 0) return -1;
     const std::wstring_view wanted(search.lvfi.psz);
-    for (int step = 0; step < list_.Count(); ++step) {
-      const int row = (search.iStart + step) % list_.Count();
-      const std::wstring text = OneLine(list_.RowAt(row).cells.at(0));
+    for (int step = 0; step < control_.Count(); ++step) {
+      const int row = (search.iStart + step) % control_.Count();
+      const std::wstring text = ToWide(OneLine(control_.CellAt(row, 0)));
       if (text.size() < wanted.size()) continue;
       const int length = static_cast<int>(wanted.size());
       if (CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, text.c_str(), length, wanted.data(),
@@ -146,12 +145,12 @@ class ListViewPeer final : public WinControlPeer {
   }
 
   void ShowColumns() {
-    const auto& columns = list_.Columns();
+    const auto& columns = control_.Columns();
     if (columns_shown_ != columns.size()) {
       while (ListView_DeleteColumn(Window(), 0)) {
       }
       for (size_t i = 0; i < columns.size(); ++i) {
-        std::wstring header = OneLine(columns[i].header);
+        std::wstring header = ToWide(OneLine(columns[i].header));
         LVCOLUMNW column = {};
         column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
         column.pszText = header.data();
@@ -172,8 +171,8 @@ class ListViewPeer final : public WinControlPeer {
       SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
       const int before = item.fmt;
       item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-      if (list_.Sorted() && list_.SortKey() == i) {
-        item.fmt |= list_.SortDescending() ? HDF_SORTDOWN : HDF_SORTUP;
+      if (control_.Sorted() && control_.SortKey() == i) {
+        item.fmt |= control_.SortDescending() ? HDF_SORTDOWN : HDF_SORTUP;
       }
       if (item.fmt == before) continue;
       SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
@@ -181,27 +180,27 @@ class ListViewPeer final : public WinControlPeer {
   }
 
   void ShowRows() {
-    rows_shown_ = list_.Generation();
-    selection_shown_ = list_.SelectionGeneration() - 1;
-    ListView_SetItemCountEx(Window(), list_.Count(), LVSICF_NOSCROLL);
+    rows_shown_ = control_.Generation();
+    selection_shown_ = control_.SelectionGeneration() - 1;
+    ListView_SetItemCountEx(Window(), control_.Count(), LVSICF_NOSCROLL);
   }
 
   void ShowSelection() {
-    selection_shown_ = list_.SelectionGeneration();
+    selection_shown_ = control_.SelectionGeneration();
     int selected = 0;
-    for (int i = 0; i < list_.Count(); ++i) selected += list_.Selected(i);
+    for (int i = 0; i < control_.Count(); ++i) selected += control_.Selected(i);
     // All at once what most rows are, then the others one by one.
-    const bool most = selected * 2 > list_.Count();
+    const bool most = selected * 2 > control_.Count();
     ListView_SetItemState(Window(), -1, most ? LVIS_SELECTED : 0, LVIS_SELECTED);
-    for (int i = 0; i < list_.Count(); ++i) {
-      if (list_.Selected(i) == most) continue;
+    for (int i = 0; i < control_.Count(); ++i) {
+      if (control_.Selected(i) == most) continue;
       ListView_SetItemState(Window(), i, most ? 0 : LVIS_SELECTED, LVIS_SELECTED);
     }
     ListView_SetItemState(Window(), -1, 0, LVIS_FOCUSED);
-    if (list_.CurrentRow() < 0) return;
-    ListView_SetItemState(Window(), list_.CurrentRow(), LVIS_FOCUSED, LVIS_FOCUSED);
-    ListView_SetSelectionMark(Window(), list_.CurrentRow());
-    ListView_EnsureVisible(Window(), list_.CurrentRow(), FALSE);
+    if (control_.CurrentRow() < 0) return;
+    ListView_SetItemState(Window(), control_.CurrentRow(), LVIS_FOCUSED, LVIS_FOCUSED);
+    ListView_SetSelectionMark(Window(), control_.CurrentRow());
+    ListView_EnsureVisible(Window(), control_.CurrentRow(), FALSE);
   }
 
   /// The list tells of a mass selection in many messages; it is read once, after the last.
@@ -223,13 +222,12 @@ class ListViewPeer final : public WinControlPeer {
       }
     }
     const int focused = ListView_GetNextItem(Window(), -1, LVNI_FOCUSED);
-    const bool moved = focused != list_.CurrentRow();
-    list_.TakeSelection(ranges, focused);
-    selection_shown_ = list_.SelectionGeneration();
-    if (moved && focused >= 0 && list_.on_item_click) list_.on_item_click(focused);
+    const bool moved = focused != control_.CurrentRow();
+    control_.TakeSelection(ranges, focused);
+    selection_shown_ = control_.SelectionGeneration();
+    if (moved && focused >= 0 && control_.on_item_click) control_.on_item_click(focused);
   }
 
-  ListView& list_;
   ImageListPtr images_;
   uint64_t rows_shown_ = ~uint64_t{0};
   uint64_t selection_shown_ = ~uint64_t{0};
@@ -240,7 +238,7 @@ class ListViewPeer final : public WinControlPeer {
 
 }  // namespace
 
-WinPeerPtr MakeWinPeer(ListView& control, HWND parent, WinContext& context) {
+WinPeerPtr MakeListViewPeer(ListView& control, HWND parent, WinContext& context) {
   return std::make_unique<ListViewPeer>(control, parent, context);
 }
 

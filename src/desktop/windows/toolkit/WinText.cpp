@@ -1,38 +1,6 @@
 #include "desktop/windows/toolkit/WinText.h"
 
-#include <algorithm>
-
 namespace vesko {
-
-namespace {
-constexpr size_t kLongestLine = 1000;
-
-bool IsControl(char16_t c) { return c < 32 || (c >= 0x7F && c < 0xA0); }
-}  // namespace
-
-std::wstring OneLine(TextView text) {
-  std::wstring line = ToWide(text.substr(0, kLongestLine));
-  std::replace_if(
-      line.begin(), line.end(), [](wchar_t c) { return IsControl(static_cast<char16_t>(c)); },
-      L' ');
-  return line;
-}
-
-std::wstring Lines(TextView text, size_t longest) {
-  text = text.substr(0, longest);
-  std::wstring lines;
-  lines.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char16_t c = text[i];
-    if (c == u'\r' || c == u'\n') {
-      lines += L"\r\n";
-      if (c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-    } else {
-      lines += IsControl(c) && c != u'\t' ? L' ' : static_cast<wchar_t>(c);
-    }
-  }
-  return lines;
-}
 
 Text WindowText(HWND window) {
   Text text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, u'\0');

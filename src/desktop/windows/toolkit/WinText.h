@@ -14,14 +14,6 @@ inline std::wstring ToWide(TextView text) {
   return {reinterpret_cast<const wchar_t*>(text.data()), text.size()};
 }
 
-/// What one line of a window can show: control characters stand as spaces, and what is too long for
-/// any screen is left out.
-std::wstring OneLine(TextView text);
-
-/// The same over several lines, each ended by CR LF as the system's boxes want it; at most
-/// `longest` code units are looked at.
-std::wstring Lines(TextView text, size_t longest);
-
 /// Text of a native window.
 Text WindowText(HWND window);
 /// True where it was another one.

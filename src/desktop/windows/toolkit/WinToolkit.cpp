@@ -7,9 +7,10 @@
 
 #include <algorithm>
 
+#include "desktop/common/ShownText.h"
 #include "desktop/windows/shell/OwnModule.h"
 #include "desktop/windows/toolkit/WinForm.h"
-#include "desktop/windows/toolkit/WinLayout.h"
+#include "desktop/windows/toolkit/WinTabs.h"
 #include "desktop/windows/toolkit/WinText.h"
 #include "ui/Controls.h"
 
@@ -202,9 +203,10 @@ class WinToolkit final : public Toolkit {
   void ShowMessage(const Text& text, const Text& title, MessageIcon icon) override {
     windows_.context.mirror.SynchroniseAll();
     const VisualStyles::Use use(styles_);
-    const std::wstring caption = OneLine(title.empty() ? TextView(kApplicationTitle) : title);
+    const std::wstring caption =
+        ToWide(OneLine(title.empty() ? kApplicationTitle : TextView(title)));
     MessageBoxW(
-        windows_.Top(), Lines(text, kLongestMessage).c_str(), caption.c_str(),
+        windows_.Top(), ToWide(Lines(text, kLongestMessage, kCrLf)).c_str(), caption.c_str(),
         MB_OK | (icon == MessageIcon::kInformation ? MB_ICONINFORMATION : MB_ICONEXCLAMATION));
   }
 
@@ -276,7 +278,7 @@ class WinToolkit final : public Toolkit {
       AppendMenuW(native, MF_SEPARATOR, 0, nullptr);
       return;
     }
-    const std::wstring text = OneLine(item.caption) + L"\t" + OneLine(item.shortcut);
+    const std::wstring text = ToWide(OneLine(item.caption) + u'\t' + OneLine(item.shortcut));
     AppendMenuW(native, MF_STRING | (item.enabled ? 0u : static_cast<UINT>(MF_GRAYED)), command,
                 text.c_str());
   }

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "config/Configuration.h"
+#include "ui/Controls.h"
+#include "ui/Form.h"
+
+namespace vesko {
+
+/// A list of keywords with buttons to add, rename and delete one. A keyword is asked for in an
+/// input box, and an empty answer changes nothing.
+class KeywordEditor {
+ public:
+  /// The form owns the editor. `kind` is the common part of the controls' names: "SpamSender" makes
+  /// "lstSpamSender". `prompt` says in the input box what a keyword is.
+  KeywordEditor(Form& form, Toolkit& toolkit, const std::string& kind, Text caption, Text prompt);
+
+  Layout Arrange();
+
+  /// Lists the keywords, empty ones left out, and selects the first.
+  void Load(const std::vector<Text>& keywords);
+
+  std::vector<Text> Keywords() const;
+
+  void Clear() { list_.Clear(); }
+
+ private:
+  void Add();
+  void Rename();
+  void Delete();
+
+  Form& form_;
+  Toolkit& toolkit_;
+  Text prompt_;
+  Label label_;
+  ListBox list_;
+  ControlArray<CommandButton, 3> buttons_;
+};
+
+/// The page "SPAM Mail Filter" of the settings window: keywords for senders and for subjects.
+class SpamPage {
+ public:
+  /// The form owns the page; the toolkit must outlive it.
+  SpamPage(Form& form, Toolkit& toolkit);
+
+  Layout Arrange() { return Row({senders_.Arrange(), subjects_.Arrange()}); }
+
+  void Load(const Configuration& configuration);
+  void Store(Configuration& configuration) const;
+  void Clear();
+
+ private:
+  KeywordEditor senders_;
+  KeywordEditor subjects_;
+};
+
+}  // namespace vesko
