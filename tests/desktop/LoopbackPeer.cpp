@@ -7,6 +7,7 @@
 #else
 #include <netdb.h>
 #include <netinet/in.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #endif
@@ -77,6 +78,15 @@ LoopbackPeer::LoopbackPeer(const char* address, int backlog) {
 LoopbackPeer::~LoopbackPeer() {
   Close();
   CloseDescriptor(listener_);
+}
+
+bool LoopbackPeer::HasNews() const {
+  const Handle handle = ToHandle(fd_ >= 0 ? fd_ : listener_);
+  fd_set readable;
+  FD_ZERO(&readable);
+  FD_SET(handle, &readable);
+  timeval at_once{};
+  return ::select(static_cast<int>(handle) + 1, &readable, nullptr, nullptr, &at_once) > 0;
 }
 
 bool LoopbackPeer::Accept() {

@@ -17,6 +17,8 @@ class LoopbackPeer {
   LoopbackPeer& operator=(const LoopbackPeer&) = delete;
 
   int32_t Port() const { return port_; }
+  /// Whether Receive, or without a client Accept, would return at once.
+  bool HasNews() const;
   bool Accept();
   int32_t ClientPort() const;
   bool Send(const std::string& bytes);

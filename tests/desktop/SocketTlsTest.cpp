@@ -17,6 +17,21 @@ class SocketTlsTest : public SocketTest {
     NewSocket(kCodePageUtf8, folder_ / "authorities", {peer_.Port()});
   }
 
+  // Plays the server until it has sent `most` bytes, or all that it has to say. Returns how many.
+  size_t Converse(size_t most) {
+    TlsServerEnd server(good_);
+    size_t sent = 0;
+    RunUntil([&] { return peer_.HasNews(); });
+    peer_.Accept();
+    while (sent < most && RunUntil([&] { return peer_.HasNews() || !text_.empty(); })) {
+      if (!text_.empty()) break;
+      const std::string answer = server.Answer(peer_.Receive()).substr(0, most - sent);
+      peer_.Send(answer);
+      sent += answer.size();
+    }
+    return sent;
+  }
+
   TempFolder folder_;
   const Certificate authority_ = MakeAuthority("Test Authority");
   const TlsCase case_{.name = "good"};
@@ -59,6 +74,32 @@ TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
   }
   EXPECT_TRUE(errors_.empty());
   EXPECT_TRUE(RunToDescriptors(before)) << OpenDescriptors() - before;
+}
+
+// The server's bytes stop anywhere, in the middle of a record too.
+TEST_F(SocketTlsTest, TellsAResetFromAnEndAtAnyByte) {
+  bool all = false;
+  for (size_t size = 0; !all; size += size < 8 ? 1 : 97) {
+    for (const bool reset : {true, false}) {
+      SCOPED_TRACE(std::to_string(size) +
+                   (reset ? " bytes, then a reset" : " bytes, then the end"));
+      errors_.clear();
+      text_.clear();
+      socket_->Connect(u"localhost", peer_.Port());
+      all = Converse(size) < size;
+      reset ? peer_.Reset() : peer_.Close();
+      ASSERT_TRUE(RunUntil([&] {
+        return socket_->State() == SocketState::kError || socket_->State() == SocketState::kClosing;
+      }));
+      const bool ended = socket_->State() == SocketState::kClosing;
+      EXPECT_FALSE(ended && (reset || size == 0));
+      EXPECT_TRUE(ended || reset || !all);
+      EXPECT_EQ(text_, all ? u"+OK ready\r\n" : u"");
+      const int32_t number = reset ? kSocketConnectionReset : kSocketConnectionAborted;
+      EXPECT_EQ(errors_, std::vector<int32_t>(ended ? 0 : 1, number));
+      socket_->Close();
+    }
+  }
 }
 
 }  // namespace

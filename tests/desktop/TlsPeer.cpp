@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 
 #include <csignal>
+#include <utility>
 
 namespace vesko {
 namespace {
@@ -37,6 +38,19 @@ void AddExtension(X509* x509, int id, const std::string& value) {
   X509_add_ext(x509, extension, -1);
   X509_EXTENSION_free(extension);
 }
+
+std::shared_ptr<SSL> NewServer(const Certificate& certificate, int highest_version) {
+  const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_server_method()),
+                                                                  SSL_CTX_free);
+  SSL_CTX_set_cipher_list(context.get(), "DEFAULT:@SECLEVEL=0");
+  SSL_CTX_set_min_proto_version(context.get(), 0);
+  SSL_CTX_set_max_proto_version(context.get(), highest_version);
+  SSL_CTX_use_certificate(context.get(), certificate.x509.get());
+  SSL_CTX_use_PrivateKey(context.get(), certificate.key.get());
+  return {SSL_new(context.get()), SSL_free};
+}
+
+void Greet(SSL* ssl) { SSL_write(ssl, "+OK ready\r\n", 11); }
 
 std::string ReadOnce(SSL* ssl) {
   char piece[256];
@@ -75,25 +89,31 @@ std::string ToPem(const Certificate& certificate) {
   return {text, static_cast<size_t>(size)};
 }
 
+TlsServerEnd::TlsServerEnd(const Certificate& certificate)
+    : ssl_(NewServer(certificate, TLS1_3_VERSION)) {
+  SSL_set_bio(ssl_.get(), BIO_new(BIO_s_mem()), BIO_new(BIO_s_mem()));
+}
+
+std::string TlsServerEnd::Answer(const std::string& from_client) {
+  BIO_write(SSL_get_rbio(ssl_.get()), from_client.data(), static_cast<int>(from_client.size()));
+  if (SSL_accept(ssl_.get()) == 1 && !std::exchange(greeted_, true)) Greet(ssl_.get());
+  std::string answer(BIO_pending(SSL_get_wbio(ssl_.get())), '\0');
+  BIO_read(SSL_get_wbio(ssl_.get()), answer.data(), static_cast<int>(answer.size()));
+  return answer;
+}
+
 std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
                                  const TlsCase& tls_case) {
   std::signal(SIGPIPE, SIG_IGN);  // clients may leave at any time
   return std::async(std::launch::async, [&peer, certificate, tls_case] {
     TlsOutcome outcome;
-    std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_server_method()),
-                                                              SSL_CTX_free);
-    SSL_CTX_set_cipher_list(context.get(), "DEFAULT:@SECLEVEL=0");
-    SSL_CTX_set_min_proto_version(context.get(), 0);
-    SSL_CTX_set_max_proto_version(context.get(), tls_case.highest_version);
-    SSL_CTX_use_certificate(context.get(), certificate.x509.get());
-    SSL_CTX_use_PrivateKey(context.get(), certificate.key.get());
     if (!peer.Accept()) return outcome;
-    std::unique_ptr<SSL, decltype(&SSL_free)> ssl(SSL_new(context.get()), SSL_free);
+    const std::shared_ptr<SSL> ssl = NewServer(certificate, tls_case.highest_version);
     SSL_set_fd(ssl.get(), static_cast<int>(peer.Descriptor()));
     if (SSL_accept(ssl.get()) == 1) {
       const char* name = SSL_get_servername(ssl.get(), TLSEXT_NAMETYPE_host_name);
       outcome.server_name = name ? name : "";
-      SSL_write(ssl.get(), "+OK ready\r\n", 11);
+      Greet(ssl.get());
       outcome.received = ReadOnce(ssl.get());
       End(peer, ssl.get(), tls_case.ending);
       while (!ReadOnce(ssl.get()).empty()) continue;

@@ -26,6 +26,20 @@ Certificate MakeCertificate(const TlsCase& wanted, const Certificate* issuer);
 /// Certificate alone, and key alone.
 std::string ToPem(const Certificate& certificate);
 
+/// The server's side of a TLS connection without a socket: bytes in, bytes out. Greets the client
+/// when the handshake is over.
+class TlsServerEnd {
+ public:
+  explicit TlsServerEnd(const Certificate& certificate);
+
+  /// The answer to what the client has sent. Without bytes from it, there is none.
+  std::string Answer(const std::string& from_client);
+
+ private:
+  std::shared_ptr<SSL> ssl_;
+  bool greeted_ = false;
+};
+
 /// What the server's side of a TLS connection saw.
 struct TlsOutcome {
   std::string server_name;  // as the client asked for it

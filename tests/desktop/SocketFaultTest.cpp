@@ -1,0 +1,218 @@
+// Lets the system's calls fail one at a time. The linker sends the socket's calls of send, recv,
+// connect, socket and getaddrinfo here; they fail only while a fault is armed.
+#include <gtest/gtest.h>
+#include <netdb.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+
+#include "desktop/SocketFixture.h"
+
+namespace {
+
+struct Faults {
+  int send_error = 0;
+  int recv_error = 0;
+  int connect_error = 0;
+  int socket_error = 0;
+  int lookup_error = 0;
+  int times = 1;  // that a call fails
+  size_t longest_send = SIZE_MAX;
+};
+
+std::atomic<Faults*> armed = nullptr;
+
+// Of the armed fault, whether this call is to fail.
+bool Fails(int Faults::*error) {
+  Faults* faults = armed;
+  if (!faults || faults->*error == 0 || faults->times == 0) return false;
+  --faults->times;
+  errno = faults->*error;
+  return true;
+}
+
+// Look-ups that do not end before they are released.
+struct Hold {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool holds = false;
+  int held = 0;
+
+  void Wait() {
+    std::unique_lock lock(mutex);
+    ++held;
+    changed.notify_all();
+    changed.wait(lock, [this] { return !holds; });
+    --held;
+    changed.notify_all();
+  }
+  void Set(bool value) {
+    const std::lock_guard lock(mutex);
+    holds = value;
+    changed.notify_all();
+  }
+  void WaitFor(int count) {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [&] { return held == count; });
+  }
+} hold;
+
+}  // namespace
+
+extern "C" {
+ssize_t __real_send(int fd, const void* bytes, size_t size, int flags);
+ssize_t __real_recv(int fd, void* bytes, size_t size, int flags);
+int __real_connect(int fd, const sockaddr* address, socklen_t size);
+int __real_socket(int family, int type, int protocol);
+int __real_getaddrinfo(const char* host, const char* port, const addrinfo* hints, addrinfo** found);
+
+ssize_t __wrap_send(int fd, const void* bytes, size_t size, int flags) {
+  if (Fails(&Faults::send_error)) return -1;
+  const Faults* faults = armed;
+  return __real_send(fd, bytes, faults ? std::min(size, faults->longest_send) : size, flags);
+}
+
+ssize_t __wrap_recv(int fd, void* bytes, size_t size, int flags) {
+  return Fails(&Faults::recv_error) ? -1 : __real_recv(fd, bytes, size, flags);
+}
+
+int __wrap_connect(int fd, const sockaddr* address, socklen_t size) {
+  return Fails(&Faults::connect_error) ? -1 : __real_connect(fd, address, size);
+}
+
+int __wrap_socket(int family, int type, int protocol) {
+  return Fails(&Faults::socket_error) ? -1 : __real_socket(family, type, protocol);
+}
+
+int __wrap_getaddrinfo(const char* host, const char* port, const addrinfo* hints,
+                       addrinfo** found) {
+  const bool asks_network = (hints->ai_flags & (AI_NUMERICHOST | AI_PASSIVE)) == 0;
+  if (asks_network && std::string_view(host) == "never.example") {
+    hold.Wait();
+    return EAI_AGAIN;
+  }
+  if (asks_network && Fails(&Faults::lookup_error)) return errno;
+  return __real_getaddrinfo(host, port, hints, found);
+}
+}
+
+namespace vesko {
+namespace {
+
+class SocketFaultTest : public SocketTest {
+ protected:
+  // Turns the event loop with the faults armed: what the peer does stays outside.
+  template <typename Condition>
+  bool RunFaulty(Faults& faults, Condition condition) {
+    armed = &faults;
+    const bool came = RunUntil(condition);
+    armed = nullptr;
+    return came;
+  }
+};
+
+TEST_F(SocketFaultTest, EachFailedCallIsReportedOnce) {
+  const struct {
+    int Faults::*call;
+    int error;
+    int32_t number;
+  } kCases[] = {
+      {&Faults::lookup_error, EAI_NONAME, kSocketHostNotFound},
+      {&Faults::lookup_error, EAI_FAIL, kSocketHostNotFound},
+      {&Faults::lookup_error, EAI_AGAIN, kSocketTryAgain},
+      {&Faults::lookup_error, EAI_MEMORY, kSocketTryAgain},
+      {&Faults::socket_error, EMFILE, kSocketFault},
+      {&Faults::connect_error, ECONNREFUSED, kSocketConnectionRefused},
+      {&Faults::connect_error, ENETUNREACH, kSocketNetworkUnreachable},
+      {&Faults::connect_error, ENETDOWN, kSocketNetworkDown},
+      {&Faults::connect_error, EACCES, kSocketPermissionDenied},
+      {&Faults::connect_error, EADDRNOTAVAIL, kSocketAddressNotAvailable},
+      {&Faults::connect_error, EADDRINUSE, kSocketAddressInUse},
+      {&Faults::send_error, EPIPE, kSocketConnectionReset},
+      {&Faults::send_error, ENOBUFS, kSocketFault},
+      {&Faults::recv_error, ECONNRESET, kSocketConnectionReset},
+      {&Faults::recv_error, ETIMEDOUT, kSocketTimedOut},
+      {&Faults::recv_error, EHOSTUNREACH, kSocketHostUnreachable},
+  };
+  for (const auto& row : kCases) {
+    SCOPED_TRACE(row.number);
+    LoopbackPeer peer;
+    errors_.clear();
+    Faults faults;
+    faults.*row.call = row.error;
+    faults.times = 2;  // a name may lead to two addresses
+    if (row.call == &Faults::send_error || row.call == &Faults::recv_error) {
+      ASSERT_TRUE(Meet(peer));
+      armed = &faults;
+      socket_->SendData(u"PASS secret\r\n");
+      EXPECT_TRUE(errors_.empty()) << "from within SendData";
+      armed = nullptr;
+      if (row.call == &Faults::recv_error) peer.Send("+OK\r\n");
+    } else {
+      socket_->Connect(u"localhost", peer.Port());
+    }
+    EXPECT_TRUE(RunFaulty(faults, [&] { return socket_->State() == SocketState::kError; }));
+    TurnEventLoop(std::chrono::milliseconds(0));
+    EXPECT_EQ(errors_, std::vector<int32_t>{row.number});
+    EXPECT_FALSE(Contains(message_, u"secret"));
+    socket_->Close();
+  }
+}
+
+TEST_F(SocketFaultTest, TemporaryErrorsAndShortWritesLoseNothing) {
+  const Faults kCases[] = {
+      {.send_error = EINTR, .times = 2}, {.send_error = EAGAIN, .times = 3},
+      {.recv_error = EINTR, .times = 2}, {.recv_error = EAGAIN, .times = 3},
+      {.times = 0, .longest_send = 1},   {.send_error = EAGAIN, .times = 2, .longest_send = 3},
+  };
+  for (Faults faults : kCases) {
+    LoopbackPeer peer;
+    ASSERT_TRUE(Meet(peer));
+    text_.clear();
+    armed = &faults;
+    socket_->SendData(u"USER anna\r\n");
+    socket_->SendData(u"QUIT\r\n");
+    armed = nullptr;
+    std::string received;
+    ASSERT_TRUE(RunUntil([&] {
+      if (peer.HasNews()) received += peer.Receive();
+      armed = &faults;
+      TurnEventLoop(std::chrono::milliseconds(1));
+      armed = nullptr;
+      return received.size() >= 17;
+    }));
+    EXPECT_EQ(received, "USER anna\r\nQUIT\r\n");
+    peer.Send("+OK\r\n");
+    EXPECT_TRUE(RunFaulty(faults, [&] { return text_ == u"+OK\r\n"; }));
+    EXPECT_TRUE(errors_.empty());
+    socket_->Close();
+  }
+}
+
+TEST_F(SocketFaultTest, LookUpThatNeverEndsHoldsNothingUp) {
+  hold.Set(true);
+  socket_->Connect(u"never.example", 110);
+  hold.WaitFor(1);
+  EXPECT_EQ(socket_->State(), SocketState::kResolvingHost);
+  socket_->Close();
+  EXPECT_EQ(socket_->State(), SocketState::kClosed);
+  LoopbackPeer peer;
+  EXPECT_TRUE(Meet(peer)) << "beside it";
+  socket_->Close();
+  socket_->Connect(u"never.example", 110);
+  hold.WaitFor(2);
+  socket_.reset();
+  hold.Set(false);
+  hold.WaitFor(0);
+  TurnEventLoop(std::chrono::milliseconds(0));
+  EXPECT_EQ(arrivals_, 0);
+  EXPECT_TRUE(errors_.empty());
+}
+
+}  // namespace
+}  // namespace vesko
