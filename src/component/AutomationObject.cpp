@@ -6,7 +6,7 @@
 
 #include "VeskoEx/VeskoEx.h"
 #include "base/RunTimeError.h"
-#include "component/Outcome.h"
+#include "component/Hresult.h"
 #include "component/cVeskoEx.h"
 
 namespace vesko {
@@ -141,7 +141,7 @@ class Arguments {
   UINT last_ = 0;
 };
 
-class AutomationObject final : public _cVeskoEx {
+class AutomationObject final : public _cVeskoEx, private Retired {
  public:
   static bool Offers(REFIID iid) {
     return iid == IID_IUnknown || iid == IID_IDispatch || iid == IID__cVeskoEx;
@@ -153,6 +153,7 @@ class AutomationObject final : public _cVeskoEx {
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     if (!Offers(iid)) return E_NOINTERFACE;
     *object = static_cast<_cVeskoEx*>(this);
     AddRef();
@@ -163,12 +164,13 @@ class AutomationObject final : public _cVeskoEx {
 
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = --references_;
-    if (left == 0) delete this;
+    if (left == 0) server_.Retire(this);
     return left;
   }
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     if (count == nullptr) return E_POINTER;
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     *count = server_.TypeInfo() ? 1 : 0;
     return S_OK;
   }
@@ -176,6 +178,7 @@ class AutomationObject final : public _cVeskoEx {
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     if (!server_.TypeInfo()) return E_NOTIMPL;
     if (index != 0) return DISP_E_BADINDEX;
     return Guard([&] { return server_.TypeInfo()(info); });
@@ -183,6 +186,7 @@ class AutomationObject final : public _cVeskoEx {
 
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID,
                                           DISPID* ids) override {
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (count == 0 || names == nullptr || ids == nullptr) return E_INVALIDARG;
     // Behind the member's name stand names of its arguments, of which none can be used.
@@ -194,6 +198,7 @@ class AutomationObject final : public _cVeskoEx {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters,
                                    VARIANT* result, EXCEPINFO* exception,
                                    UINT* bad_argument) override {
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     const HRESULT fits = CheckCall(id, flags, parameters);
     if (FAILED(fits)) return fits;
@@ -206,28 +211,27 @@ class AutomationObject final : public _cVeskoEx {
 
   HRESULT STDMETHODCALLTYPE get_IsBusy(VARIANT_BOOL* busy) override {
     if (busy == nullptr) return E_POINTER;
-    *busy = component_.IsBusy() ? VARIANT_TRUE : VARIANT_FALSE;
-    return S_OK;
+    return Early([&] { *busy = component_.IsBusy() ? VARIANT_TRUE : VARIANT_FALSE; });
   }
 
   HRESULT STDMETHODCALLTYPE SetFont(BSTR sFontName, LONG hFont, VARIANT* result) override {
     if (result != nullptr) VariantInit(result);
-    return Guard([&] {
-      component_.SetFont(TextOf(sFontName), static_cast<int32_t>(hFont));
-      return S_OK;
-    });
+    return Early([&] { component_.SetFont(TextOf(sFontName), static_cast<int32_t>(hFont)); });
   }
 
-  HRESULT STDMETHODCALLTYPE Configure() override { return Early(kConfigure); }
-  HRESULT STDMETHODCALLTYPE CheckMail() override { return Early(kCheckMail); }
-  HRESULT STDMETHODCALLTYPE ViewMail() override { return Early(kViewMail); }
+  HRESULT STDMETHODCALLTYPE Configure() override {
+    return Early([&] { component_.Configure(); });
+  }
+  HRESULT STDMETHODCALLTYPE CheckMail() override {
+    return Early([&] { component_.CheckMail(); });
+  }
+  HRESULT STDMETHODCALLTYPE ViewMail() override {
+    return Early([&] { component_.ViewMail(); });
+  }
 
   HRESULT STDMETHODCALLTYPE CheckTime(LONG* minutes) override {
     if (minutes == nullptr) return E_POINTER;
-    return Guard([&] {
-      *minutes = component_.CheckTime();
-      return S_OK;
-    });
+    return Early([&] { *minutes = component_.CheckTime(); });
   }
 
  private:
@@ -241,7 +245,9 @@ class AutomationObject final : public _cVeskoEx {
     AutomationObject& object_;
   };
 
-  ~AutomationObject() = default;
+  ~AutomationObject() override = default;
+
+  bool OnOwnThread() const { return server_.OnOwnThread(); }
 
   /// A member without arguments.
   void Run(DISPID id, VARIANT& result) {
@@ -294,11 +300,12 @@ class AutomationObject final : public _cVeskoEx {
     return Call([&] { component_.SetFont(name, font); }, exception);
   }
 
-  HRESULT Early(DISPID id) {
+  template <typename Step>
+  HRESULT Early(Step&& step) {
+    if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     return Guard([&] {
       KeepAlive keep(*this);
-      VARIANT nothing;
-      Run(id, nothing);
+      step();
       return S_OK;
     });
   }

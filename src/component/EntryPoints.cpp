@@ -1,6 +1,6 @@
-#include "component/EntryPoints.h"
+#include "component/LibraryHooks.h"
 
-#include "component/Outcome.h"
+#include "component/Hresult.h"
 
 extern "C" {
 

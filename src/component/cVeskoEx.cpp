@@ -28,6 +28,15 @@ bool UserSaysYes(Toolkit& toolkit, const Text& question) {
                      {u"&Yes", u"&No", u"", u"", u""}) == 0;
 }
 
+/// Runs a step that may fail in any way without stopping the next.
+template <typename Step>
+void Attempt(Step&& step) noexcept {
+  try {
+    step();
+  } catch (...) {
+  }
+}
+
 }  // namespace
 
 cVeskoEx::cVeskoEx(ComponentState& state) : state_(state) {
@@ -35,9 +44,12 @@ cVeskoEx::cVeskoEx(ComponentState& state) : state_(state) {
 }
 
 cVeskoEx::~cVeskoEx() {
-  while (state_.data.mails.Count() > 0) state_.data.mails.RemoveFirst();
-  state_.Store().Save(state_.data.configuration);
-  UnloadWindows();
+  // An exception that left a destructor would end the host's process.
+  Attempt([this] {
+    while (state_.data.mails.Count() > 0) state_.data.mails.RemoveFirst();
+  });
+  Attempt([this] { state_.Store().Save(state_.data.configuration); });
+  Attempt([this] { UnloadWindows(); });
 }
 
 void cVeskoEx::SetFont(const Text& sFontName, int32_t hFont) {

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <cmath>
+#include <functional>
 #include <new>
 #include <stdexcept>
 
@@ -329,6 +331,98 @@ TEST_F(AutomationTest, NoExceptionReachesTheClient) {
   EXPECT_EQ(invoke(std::bad_alloc()), E_OUTOFMEMORY);
   EXPECT_EQ(invoke(std::runtime_error("fault")), E_UNEXPECTED);
   object->Release();
+}
+
+TEST_F(AutomationTest, AnEndThatFailsEndsTheObjectAllTheSame) {
+  IDispatch* object = NewObject();
+  desktop_->registry.on_transaction = [] { throw std::bad_alloc(); };
+  EXPECT_EQ(object->Release(), 0u);
+}
+
+/// Runs a step on a thread of its own. By the bare library, as some compilers for Windows have no
+/// other.
+void OnAnotherThread(std::function<void()> step) {
+  pthread_t thread;
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, nullptr, run, &step), 0);
+  pthread_join(thread, nullptr);
+}
+
+TEST_F(AutomationTest, AnotherThreadsCallsAreRefused) {
+  auto* object = NewObject<_cVeskoEx>(IID__cVeskoEx);
+  IClassFactory* factory = Factory();
+  BSTR face = SysAllocString(Ole(u"Gulim"));
+  LPOLESTR names[] = {face};
+  void* made = nullptr;
+  ITypeInfo* info = nullptr;
+  VARIANT_BOOL busy;
+  VARIANT result;
+  LONG minutes;
+  UINT count;
+  DISPID id;
+  const std::pair<const char*, std::function<HRESULT()>> calls[] = {
+      {"QueryInterface", [&] { return object->QueryInterface(IID_IUnknown, &made); }},
+      {"GetTypeInfoCount", [&] { return object->GetTypeInfoCount(&count); }},
+      {"GetTypeInfo", [&] { return object->GetTypeInfo(0, 0, &info); }},
+      {"GetIDsOfNames", [&] { return object->GetIDsOfNames(IID_NULL, names, 1, 0, &id); }},
+      {"late IsBusy", [&] { return Call(object, 1, {}, &result); }},
+      {"late Configure", [&] { return Call(object, 3); }},
+      {"IsBusy", [&] { return object->get_IsBusy(&busy); }},
+      {"SetFont", [&] { return object->SetFont(face, 3, &result); }},
+      {"Configure", [&] { return object->Configure(); }},
+      {"CheckTime", [&] { return object->CheckTime(&minutes); }},
+      {"CheckMail", [&] { return object->CheckMail(); }},
+      {"ViewMail", [&] { return object->ViewMail(); }},
+      {"the factory", [&] { return factory->QueryInterface(IID_IUnknown, &made); }},
+      {"creation", [&] { return factory->CreateInstance(nullptr, IID_IDispatch, &made); }},
+      {"a lock", [&] { return factory->LockServer(TRUE); }},
+      {"creation by another factory",
+       [&] {
+         void* other = nullptr;
+         EXPECT_EQ(server_.GetClassObject(CLSID_cVeskoEx, IID_IClassFactory, &other), S_OK);
+         auto* classes = static_cast<IClassFactory*>(other);
+         const HRESULT outcome = classes->CreateInstance(nullptr, IID_IDispatch, &made);
+         classes->Release();
+         return outcome;
+       }},
+  };
+  for (const auto& [name, call] : calls) {
+    made = &made;
+    OnAnotherThread([&] { EXPECT_EQ(call(), RPC_E_WRONG_THREAD) << name; });
+    EXPECT_TRUE(made == nullptr || made == &made) << name;
+  }
+  EXPECT_EQ(server_.ShareState()->font_name, u"");
+  SysFreeString(face);
+  factory->Release();
+  object->Release();
+}
+
+TEST_F(AutomationTest, AnObjectEndsOnItsOwnThreadWhoeverLetsGo) {
+  IDispatch* object = NewObject();
+  server_.ShareState()->font_name = u"Gulim";
+  OnAnotherThread([&] {
+    EXPECT_EQ(object->AddRef(), 2u);
+    EXPECT_EQ(object->Release(), 1u);
+    EXPECT_EQ(object->Release(), 0u);
+    EXPECT_FALSE(server_.CanUnload());
+  });
+  ASSERT_NE(desktop_, nullptr);
+  IDispatch* next = NewObject();
+  EXPECT_EQ(server_.ShareState()->font_name, u"") << "the state of the object before";
+  OnAnotherThread([&] { next->Release(); });
+  EXPECT_TRUE(server_.CanUnload());
+}
+
+TEST_F(AutomationTest, WithTheLastObjectItsThreadIsFreeToBeAnother) {
+  NewObject()->Release();
+  OnAnotherThread([&] {
+    IDispatch* object = NewObject();
+    EXPECT_EQ(Call(object, 4), S_OK);
+    object->Release();
+  });
 }
 
 TEST(CreationTest, AFailedDesktopIsACodeAndLeavesNothingAlive) {

@@ -142,6 +142,7 @@ int32_t MemoryRegistry::DeleteValue(KeyHandle key, std::string_view name) {
 }
 
 std::unique_ptr<RegistryTransaction> MemoryRegistry::BeginTransaction(int32_t root) {
+  if (on_transaction) on_transaction();
   return std::make_unique<Transaction>(hives_.at(root));
 }
 

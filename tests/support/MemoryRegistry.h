@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -48,6 +49,7 @@ class MemoryRegistry : public Registry {
   int WritesOutsideTransactions() const { return loose_writes_; }
 
   std::map<std::string, std::string> environment;
+  std::function<void()> on_transaction;  // may throw
 
   int32_t OpenKey(int32_t root, std::string_view path, uint32_t access, KeyHandle& key) override;
   int32_t CreateKey(int32_t root, std::string_view path, KeyHandle& key) override;

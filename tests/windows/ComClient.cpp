@@ -100,6 +100,21 @@ void TryUnloading() {
   Expect(!GetModuleHandleW(L"VeskoEx.dll"), "the library goes when nothing lives");
 }
 
+/// An apartment has a thread of its own, so the component, which has its windows on the first one,
+/// serves no second while an object lives.
+DWORD WINAPI CreateInSecondApartment(void* first) {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  void* made = nullptr;
+  Expect(CoCreateInstance(__uuidof(cVeskoEx), nullptr, CLSCTX_INPROC_SERVER, __uuidof(_cVeskoEx),
+                          &made) == RPC_E_WRONG_THREAD,
+         "a second apartment gets no object while one lives");
+  LONG minutes = 0;
+  Expect(static_cast<_cVeskoEx*>(first)->CheckTime(&minutes) == RPC_E_WRONG_THREAD,
+         "a pointer that was not marshalled is refused");
+  CoUninitialize();
+  return 0;
+}
+
 DWORD WINAPI UseFromAnyThread(void*) {
   CoInitializeEx(nullptr, COINIT_MULTITHREADED);
   if (_cVeskoEx* mail = Create()) {
@@ -110,9 +125,8 @@ DWORD WINAPI UseFromAnyThread(void*) {
   return 0;
 }
 
-/// The object then lives on a thread of the system's, behind a proxy made from the description.
-void TryFromAnyThread() {
-  const HANDLE thread = CreateThread(nullptr, 0, &UseFromAnyThread, nullptr, 0, nullptr);
+void RunThread(LPTHREAD_START_ROUTINE step, void* argument) {
+  const HANDLE thread = CreateThread(nullptr, 0, step, argument, 0, nullptr);
   WaitForSingleObject(thread, INFINITE);
   CloseHandle(thread);
 }
@@ -124,9 +138,11 @@ int main() {
   if (_cVeskoEx* mail = Create()) {
     TryMembers(mail);
     TryDescriptions(mail);
+    RunThread(&CreateInSecondApartment, mail);
     TryWindow(mail);
     TryUnloading();
-    TryFromAnyThread();
+    // The object then lives on a thread of the system's, behind a proxy made from the description.
+    RunThread(&UseFromAnyThread, nullptr);
   }
   CoUninitialize();
   return faults == 0 ? 0 : 1;

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "component/EntryPoints.h"
+#include "component/LibraryHooks.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "desktop/linux/registration/LinuxRegistration.h"
 

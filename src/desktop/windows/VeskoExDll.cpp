@@ -1,7 +1,7 @@
 #include <windows.h>
 
-#include "component/EntryPoints.h"
-#include "component/Outcome.h"
+#include "component/LibraryHooks.h"
+#include "component/Hresult.h"
 #include "desktop/windows/WindowsDesktop.h"
 #include "desktop/windows/registration/WinRegistration.h"
 
