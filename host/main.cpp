@@ -97,10 +97,15 @@ int RunDemo() {
 /// The exit code when another instance took the command, else nothing.
 std::optional<int> HandOver(int& argc, char** argv, const QString& command) {
   QCoreApplication application(argc, argv);
-  const auto answer = SingleInstance(InstanceName()).HandOver(command);
+  const QString path = InstancePath();
+  if (path.isEmpty()) return std::nullopt;
+  const auto answer = SingleInstance(path).HandOver(command);
   if (!answer) return std::nullopt;
   if (*answer == u"ok") return 0;
-  return Print(stderr, QStringLiteral("vesko-host is busy. Try again later.\n"), kBusy);
+  if (*answer == u"busy") {
+    return Print(stderr, QStringLiteral("vesko-host is busy. Try again later.\n"), kBusy);
+  }
+  return Print(stderr, QStringLiteral("The vesko-host that runs does not answer.\n"), kFailed);
 }
 
 bool HasDisplay() {
@@ -124,8 +129,11 @@ int RunHost(int& argc, char** argv, const QString& command) {
 
   const auto component = LoadComponent();
   TrayHost host(*component);
-  SingleInstance instance(InstanceName());
-  instance.Listen([&host](const QString& word) { return host.Run(word); });
+  const QString path = InstancePath();
+  SingleInstance instance(path);
+  if (path.isEmpty() || !instance.Listen([&](const QString& word) { return host.Run(word); })) {
+    qWarning("A second vesko-host will not find this one: it has no folder of its own.");
+  }
 
   QSocketNotifier termination(TerminationSignals(), QSocketNotifier::Read);
   QObject::connect(&termination, &QSocketNotifier::activated, &host, [&] {
