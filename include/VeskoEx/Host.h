@@ -1,13 +1,15 @@
 #pragma once
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -228,30 +230,88 @@ inline std::optional<GUID> ParseGuid(const std::string& text) {
   return id;
 }
 
-/// What a class file says; nothing when there is none or it says too little.
+/// Why a class file is not to be believed, in words for a person; empty text when it is. Whoever
+/// can change the file decides which code a host runs, so the file and its folder must belong to
+/// root or to this process's user, and neither they nor a folder above may be writable for others.
+/// A folder where everybody writes but removes only what is their own, as /tmp, is accepted above
+/// the file's. `path` is free of links; see ReadClassFile.
+inline std::string WhyUntrusted(const std::string& path) {
+  std::string place = path;
+  for (int depth = 0; !place.empty(); ++depth) {
+    struct stat status;
+    if (lstat(place.c_str(), &status) != 0) return place + " cannot be read";
+    const bool shared = depth > 1 && (status.st_mode & S_ISVTX) != 0;
+    const bool own_group = depth > 0 && (status.st_gid == getegid() || status.st_gid == 0);
+    const mode_t writers = own_group ? S_IWOTH : S_IWGRP | S_IWOTH;
+    if (!shared && (status.st_mode & writers) != 0) return "others can write to " + place;
+    if (depth < 2 && status.st_uid != 0 && status.st_uid != geteuid()) {
+      return place + " belongs to somebody else";
+    }
+    place.erase(place.rfind('/'));
+  }
+  return {};
+}
+
+/// Path without links, relative steps and the like; empty text where there is no such file.
+inline std::string RealPath(const std::string& path) {
+  char* real = realpath(path.c_str(), nullptr);
+  std::string result = real != nullptr ? real : "";
+  std::free(real);
+  return result;
+}
+
+/// The content of a small regular file; empty text for any other.
+inline std::string ReadSmallFile(const std::string& path) {
+  constexpr off_t kLargest = 65536;
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (file < 0) return {};
+  struct stat status;
+  std::string content;
+  if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= kLargest) {
+    content.resize(static_cast<size_t>(status.st_size));
+    const ssize_t size = read(file, content.data(), content.size());
+    content.resize(size > 0 ? static_cast<size_t>(size) : 0);
+  }
+  close(file);
+  return content;
+}
+
+/// What a class file says. Nothing where there is none, where it is not to be believed (see
+/// WhyUntrusted), or where it lacks a class or the full path of a library.
 inline std::optional<ClassEntry> ReadClassFile(const std::string& path) {
-  std::ifstream file(path);
+  const std::string real = RealPath(path);
+  if (real.empty() || !WhyUntrusted(real).empty()) return std::nullopt;
+  std::istringstream content(ReadSmallFile(real));
   std::optional<GUID> clsid;
   ClassEntry entry;
-  for (std::string line; std::getline(file, line);) {
+  for (std::string line; std::getline(content, line);) {
     const size_t equals = line.find('=');
     if (equals == std::string::npos) continue;
     const std::string name = line.substr(0, equals);
     if (name == "CLSID") clsid = ParseGuid(line.substr(equals + 1));
     if (name == "InprocServer32") entry.library = line.substr(equals + 1);
   }
-  if (!clsid || entry.library.empty()) return std::nullopt;
+  if (!clsid || entry.library.empty() || entry.library[0] != '/') return std::nullopt;
   entry.clsid = *clsid;
   return entry;
+}
+
+/// Files that may announce a class under a ProgID (compared without case): the user's, then the
+/// machine's.
+inline std::vector<std::string> ClassFiles(std::string_view prog_id) {
+  std::vector<std::string> files;
+  for (const std::string& folder : {UserClassFolder(), MachineClassFolder()}) {
+    const std::string file = ClassFile(folder, prog_id);
+    if (!file.empty()) files.push_back(file);
+  }
+  return files;
 }
 
 /// The class that is registered under a ProgID (compared without case), for the user or else for
 /// the machine.
 inline std::optional<ClassEntry> FindClass(std::string_view prog_id) {
-  for (const std::string& folder : {UserClassFolder(), MachineClassFolder()}) {
-    const std::string path = ClassFile(folder, prog_id);
-    if (path.empty()) continue;
-    if (auto entry = ReadClassFile(path)) return entry;
+  for (const std::string& file : ClassFiles(prog_id)) {
+    if (auto entry = ReadClassFile(file)) return entry;
   }
   return std::nullopt;
 }
@@ -279,8 +339,14 @@ inline Object CreateFrom(const ClassEntry& entry) {
 /// Creates an object by its ProgID.
 inline Object Create(std::string_view prog_id) {
   const auto entry = FindClass(prog_id);
-  if (!entry) throw Error(REGDB_E_CLASSNOTREG, std::string(prog_id) + " is not registered");
-  return CreateFrom(*entry);
+  if (entry) return CreateFrom(*entry);
+  std::string words = std::string(prog_id) + " is not registered";
+  for (const std::string& file : ClassFiles(prog_id)) {
+    const std::string real = RealPath(file);
+    const std::string why = real.empty() ? real : WhyUntrusted(real);
+    if (!why.empty()) words += "; " + file + " is ignored, since " + why;
+  }
+  throw Error(REGDB_E_CLASSNOTREG, words);
 }
 
 }  // namespace vesko::host

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -46,8 +48,10 @@ TEST_F(ClassFileTest, AnnouncesTheClassBesideTheKeys) {
 }
 
 TEST_F(ClassFileTest, WhatCannotBeAnnouncedIsNotRegistered) {
-  EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, "/a\nb.so"),
-            SELFREG_E_CLASS);
+  for (const char* library : {"/a\nb.so", "libVeskoEx.so", ""}) {
+    EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, library),
+              SELFREG_E_CLASS);
+  }
   folder_.Write("user", "in the folder's place");
   EXPECT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, kLibrary),
             SELFREG_E_CLASS);
@@ -60,6 +64,8 @@ TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
       {"# note\nfuture=1\n" + id + "\nInprocServer32=/x=y.so", "/x=y.so"},
       {"CLSID={63a46929-8458-4aa5-8cb6-4bd1b0873cc2}\nInprocServer32=/x.so", "/x.so"},
       {id + "\nInprocServer32=\n", "(none)"},
+      {id + "\nInprocServer32=libVeskoEx.so\n", "(none)"},
+      {id + "\nInprocServer32=/x.so\n" + std::string(65536, '#'), "(none)"},
       {"InprocServer32=/x.so\n", "(none)"},
       {"CLSID=63A46929-8458-4AA5-8CB6-4BD1B0873CC2\nInprocServer32=/x.so", "(none)"},
       {id.substr(0, 40) + "\nInprocServer32=/x.so", "(none)"},
@@ -71,6 +77,60 @@ TEST_F(ClassFileTest, BrokenFilesAndNamesAnnounceNothing) {
   EXPECT_EQ(host::ClassFile("/c", "../evil"), "");
   EXPECT_EQ(host::ClassFile("/c", ""), "");
   EXPECT_EQ(host::ClassFile("", kProgId), "");
+}
+
+TEST_F(ClassFileTest, AFileThatOthersCanChangeIsNotBelieved) {
+  constexpr mode_t kSticky = 01777;
+  const mode_t before = umask(0);
+  ASSERT_EQ(RegisterOnLinux(registry_, RegistrationScope::kMachine, folders_, kLibrary), S_OK);
+  umask(before);
+  const std::string above = folder_ / "etc";
+  const std::string& folder = folders_.machine_classes;
+  const std::string file = host::ClassFile(folder, kProgId);
+  EXPECT_EQ(Library(folder, kProgId), kLibrary) << "what a careless user registers is safe";
+  const struct {
+    const std::string& path;
+    mode_t mode;
+    bool believed;
+  } rows[] = {
+      {file, 0600, true},   {file, 0664, false},    {file, 0646, false},      {folder, 0700, true},
+      {folder, 0775, true}, {folder, 0757, false},  {folder, kSticky, false}, {above, 0757, false},
+      {above, 0775, true},  {above, kSticky, true},
+  };
+  for (const auto& row : rows) {
+    ASSERT_EQ(chmod(row.path.c_str(), row.mode), 0);
+    EXPECT_EQ(Library(folder, kProgId), row.believed ? kLibrary : "(none)")
+        << row.path << " " << std::oct << row.mode;
+    ASSERT_EQ(chmod(row.path.c_str(), row.path == file ? 0644 : 0755), 0);
+  }
+}
+
+TEST_F(ClassFileTest, LinksAndOwnersAreFollowedToTheTrueFile) {
+  constexpr uid_t kOther = 65534;
+  ASSERT_EQ(RegisterOnLinux(registry_, RegistrationScope::kUser, folders_, kLibrary), S_OK);
+  const std::string file = host::ClassFile(folders_.user_classes, kProgId);
+  const std::string link = folder_ / "link";
+  std::filesystem::create_symlink(file, link);
+  EXPECT_TRUE(host::ReadClassFile(link));
+  ASSERT_EQ(chmod(file.c_str(), 0666), 0);
+  EXPECT_FALSE(host::ReadClassFile(link));
+  ASSERT_EQ(chmod(file.c_str(), 0644), 0);
+  std::filesystem::remove(link);
+  std::filesystem::create_symlink("/dev/zero", link);
+  EXPECT_FALSE(host::ReadClassFile(link));
+  ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(host::ReadClassFile(folder_ / "pipe"));
+
+  if (geteuid() != 0) return;  // nobody else can give a file away
+  for (const std::string& path : {file, folders_.user_classes}) {
+    ASSERT_EQ(chown(path.c_str(), kOther, 0), 0);
+    EXPECT_FALSE(host::ReadClassFile(file)) << path;
+    ASSERT_EQ(chown(path.c_str(), 0, 0), 0);
+  }
+  EXPECT_TRUE(host::ReadClassFile(file));
+  ASSERT_EQ(chown(folders_.user_classes.c_str(), 0, kOther), 0);
+  ASSERT_EQ(chmod(folders_.user_classes.c_str(), 0775), 0);
+  EXPECT_FALSE(host::ReadClassFile(file)) << "another group can write to the folder";
 }
 
 }  // namespace

@@ -50,6 +50,13 @@ class StrangerTest : public testing::Test {
     return reinterpret_cast<HRESULT (*)()>(dlsym(library, name))();
   }
 
+  /// The file that defines a symbol of this process.
+  static const char* LibraryOf(const char* symbol) {
+    Dl_info info = {};
+    dladdr(dlsym(RTLD_DEFAULT, symbol), &info);
+    return info.dli_fname;
+  }
+
   template <typename Step>
   static HRESULT ErrorOf(Step&& step) {
     try {
@@ -101,11 +108,17 @@ TEST_F(StrangerTest, WhatARegistrationNamesIsChecked) {
   const std::string id = "CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}\nInprocServer32=";
   std::ofstream(file) << id << home_.string() << "/gone.so\n";
   EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CO_E_DLLNOTFOUND);
-  std::ofstream(file) << id << "libm.so.6\n";
+  std::ofstream(file) << id << LibraryOf("cos") << "\n";
   EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CO_E_ERRORINDLL);
+  std::ofstream(file) << id << "libm.so.6\n";
+  EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), REGDB_E_CLASSNOTREG);
   std::ofstream(file) << "CLSID={00000000-8458-4AA5-8CB6-4BD1B0873CC2}\nInprocServer32="
                       << VESKO_LIBRARY << "\n";
   EXPECT_EQ(ErrorOf([] { host::Create(kProgId); }), CLASS_E_CLASSNOTAVAILABLE);
+  fs::permissions(file, fs::perms::others_write, fs::perm_options::add);
+  EXPECT_EQ(RunCommand(VESKO_EXAMPLE).output,
+            "VeskoEx.cVeskoEx is not registered; " + file.string() +
+                " is ignored, since others can write to " + file.string() + " (0x80040154)\n");
 }
 
 TEST_F(StrangerTest, AHiveThatCannotBeWrittenIsAnError) {

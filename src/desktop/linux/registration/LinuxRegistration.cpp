@@ -1,5 +1,7 @@
 #include "desktop/linux/registration/LinuxRegistration.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -20,17 +22,24 @@ std::string ClassFolder(RegistrationScope scope, const LinuxFolders& folders) {
   return scope == RegistrationScope::kMachine ? folders.machine_classes : folders.user_classes;
 }
 
+/// Makes the folders that are missing. Hosts believe no file in a folder that others can write to,
+/// whatever the user lets others do with new folders elsewhere.
+void MakeFolders(const fs::path& folder) {
+  if (folder.has_relative_path()) MakeFolders(folder.parent_path());
+  mkdir(folder.c_str(), 0755);
+}
+
 /// Replaces the file in one step: a host may be reading it.
 bool WriteClassFile(const std::string& folder, const std::string& library) {
   std::error_code failure;
-  fs::create_directories(folder, failure);
+  MakeFolders(folder);
   const std::string path = host::ClassFile(folder, kProgId);
   const std::string fresh = path + ".new";
   std::ofstream file(fresh, std::ios::trunc);
   file << "CLSID=" << GuidText(CLSID_cVeskoEx) << "\nInprocServer32=" << library
        << "\nThreadingModel=Apartment\n";
   file.close();
-  if (!file) return false;
+  if (!file || chmod(fresh.c_str(), 0644) != 0) return false;
   fs::rename(fresh, path, failure);
   return !failure;
 }
@@ -52,8 +61,8 @@ bool RemoveClassFile(const std::string& folder, const std::string& library) {
 
 HRESULT RegisterOnLinux(Registry& registry, RegistrationScope scope, const LinuxFolders& folders,
                         const std::string& library) {
-  // A line of the class file ends where the path would go on.
-  if (library.find('\n') != std::string::npos) return SELFREG_E_CLASS;
+  // Hosts take full paths only, and a line of the class file ends at a line break.
+  if (!library.starts_with('/') || library.find('\n') != std::string::npos) return SELFREG_E_CLASS;
   const HRESULT outcome = RegisterServer(registry, RootOf(scope), library);
   if (FAILED(outcome)) return outcome;
   if (WriteClassFile(ClassFolder(scope, folders), library)) return S_OK;
