@@ -3,6 +3,25 @@ add_library(vesko_options INTERFACE)
 target_compile_options(
   vesko_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
                           -Woverloaded-virtual -Wimplicit-fallthrough)
+# Mail comes from strangers, so what an overrun could reach is guarded: stack frames, addresses, the
+# tables of called functions. The C library's checked functions need an optimising compiler.
+include(CheckPIESupported)
+check_pie_supported()
+target_compile_options(vesko_options INTERFACE -fstack-protector-strong)
+if(NOT VESKO_SANITIZE)
+  target_compile_options(
+    vesko_options
+    INTERFACE
+      "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+if(NOT WIN32)
+  target_link_options(vesko_options INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+else()
+  target_link_options(vesko_options INTERFACE LINKER:--dynamicbase,--nxcompat)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    target_link_options(vesko_options INTERFACE LINKER:--high-entropy-va)
+  endif()
+endif()
 if(VESKO_SANITIZE)
   target_compile_options(vesko_options INTERFACE -fsanitize=address,undefined
                                                  -fno-sanitize-recover=undefined

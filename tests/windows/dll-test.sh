@@ -21,6 +21,14 @@ for needed in $(sed -n 's/^\tDLL Name: \(.*\)\.dll$/\L\1/Ip' <<<"$headers"); do
   [[ $system == *" $needed "* ]] || fail "it needs $needed.dll"
 done
 
+# What an attacker who overruns a buffer would find.
+guards=(DYNAMIC_BASE NX_COMPAT)
+if [[ $headers == *pei-x86-64* ]]; then guards+=(HIGH_ENTROPY_VA); fi
+for guard in "${guards[@]}"; do
+  [[ $headers == *"$guard"* ]] || fail "it lacks $guard"
+done
+grep -qF 'stack smashing detected' "$dll" || fail "it has no stack protector"
+
 size=$(stat -c %s "$dll")
 ((size < 3 * 1024 * 1024)) || fail "it has $size bytes"
 # Wide characters in the resources.
