@@ -5,8 +5,8 @@
 # does without where that cannot be had.
 set -euo pipefail
 
-build=(cmake g++ libgl-dev libicu-dev libsqlite3-dev libssl-dev ninja-build pkg-config
-  qt6-base-dev qt6-multimedia-dev)
+build=(cmake g++ libgl-dev libglib2.0-dev libicu-dev libsndfile1-dev libsqlite3-dev libssl-dev
+  ninja-build pkg-config qt6-base-dev qt6-multimedia-dev)
 # A bare machine has no font for the sample messages' Korean and Japanese names.
 demo=(fonts-dejavu-core fonts-noto-cjk)
 # The tests run against a real POP3 server and play a sound to a sound server of their own.

@@ -4,10 +4,7 @@
 namespace vesko {
 
 std::unique_ptr<Shell> MakeTestShell(const TempFolder& folder) {
-  ShellFolders folders;
-  folders.config_home = folder / "conf";
-  folders.data_home = folder / "data";
-  return MakeLinuxShell(folders);
+  return MakeLinuxShell({folder / "mail"});
 }
 
 std::filesystem::path OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }

@@ -30,22 +30,13 @@ std::unique_ptr<Locale> MakeIcuLocale(int code_page, const std::string& locale_n
 std::unique_ptr<Registry> MakeSqliteRegistry(const std::string& user_folder,
                                              const std::string& machine_folder);
 
-/// Where the desktop keeps what the shell looks up. Folders without a separator at their end;
-/// lists in order of precedence; what is not absolute is left out.
-struct ShellFolders {
-  std::string config_home;
-  std::string data_home;
-  std::vector<std::string> config_dirs;
-  std::vector<std::string> data_dirs;
-  std::vector<std::string> program_dirs;
-  std::vector<std::string> desktops;       // names of the running desktop, as its files carry them
-  std::vector<std::string> mail_profiles;  // folders that may hold a profiles.ini
-};
+/// Folders of this user that may hold profiles of the mail program, by its profiles.ini; the first
+/// is asked first.
+std::vector<std::string> UserMailProfiles();
 
-/// By the environment, as every program of the desktop finds them.
-ShellFolders UserShellFolders();
-
-std::unique_ptr<Shell> MakeLinuxShell(const ShellFolders& folders = UserShellFolders());
+/// Files, programs and the desktop's own settings. The default mail program is looked up with the
+/// XDG variables and the PATH of the process; accounts are read from `mail_profiles`.
+std::unique_ptr<Shell> MakeLinuxShell(std::vector<std::string> mail_profiles = UserMailProfiles());
 
 /// A TCP client on the event loop of the calling thread's Qt application. `certificate_file` names
 /// a PEM file of certificate authorities trusted besides the system's; it is read when the first

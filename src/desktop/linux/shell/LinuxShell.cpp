@@ -1,15 +1,17 @@
 #include <dlfcn.h>
 #include <link.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QFileInfo>
 #include <QProcess>
 #include <cstdlib>
-#include <string_view>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "base/RunTimeError.h"
 #include "desktop/linux/LinuxDesktop.h"
-#include "desktop/linux/shell/IniFile.h"
 #include "desktop/linux/shell/MailProfile.h"
 #include "desktop/linux/shell/MailtoProgram.h"
 
@@ -18,25 +20,11 @@ namespace {
 
 constexpr uint32_t kAttributeNormal = 128;
 
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? value : std::string();
-}
-
-/// A folder of the environment, or its default where it says none or a relative one.
-std::string FolderOf(const char* name, const std::string& fallback) {
-  std::string folder = Environment(name);
-  return folder.starts_with('/') ? folder : fallback;
-}
-
-std::vector<std::string> FoldersOf(const char* name, const std::string& fallback) {
-  std::string list = Environment(name);
-  std::vector<std::string> folders = SplitList(list.empty() ? fallback : list, ':');
-  std::erase_if(folders, [](const std::string& folder) { return !folder.starts_with('/'); });
-  for (std::string& folder : folders) {
-    while (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
-  }
-  return folders;
+/// A regular file that this user may execute.
+bool IsProgram(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+         access(path.c_str(), X_OK) == 0;
 }
 
 /// The file that this code was loaded from: a library, or the program itself.
@@ -54,8 +42,8 @@ bool HasNul(const Text& path) { return path.find(u'\0') != Text::npos; }
 
 class LinuxShell : public Shell {
  public:
-  explicit LinuxShell(ShellFolders folders)
-      : folders_(std::move(folders)),
+  explicit LinuxShell(std::vector<std::string> mail_profiles)
+      : mail_profiles_(std::move(mail_profiles)),
         own_folder_(OwnFile().absolutePath().toStdU16String()),
         own_name_(OwnFile().baseName().toStdU16String()) {}
 
@@ -83,11 +71,11 @@ class LinuxShell : public Shell {
   char16_t PathSeparator() const override { return u'/'; }
 
   Text DesktopMailClient() override {
-    return QString::fromStdString(MailtoProgram(folders_)).toStdU16String();
+    return QString::fromStdString(MailtoProgram()).toStdU16String();
   }
 
   std::optional<ForeignAccount> DesktopMailAccount(int32_t k) override {
-    if (k == 1) accounts_ = ReadMailAccounts(folders_.mail_profiles);
+    if (k == 1) accounts_ = ReadMailAccounts(mail_profiles_);
     if (k < 1 || static_cast<size_t>(k) > accounts_.size()) return std::nullopt;
     return accounts_[static_cast<size_t>(k) - 1];
   }
@@ -97,7 +85,7 @@ class LinuxShell : public Shell {
     return QFile::encodeName(QString::fromStdU16String(path)).toStdString();
   }
 
-  ShellFolders folders_;
+  std::vector<std::string> mail_profiles_;
   Text own_folder_;
   Text own_name_;
   std::vector<ForeignAccount> accounts_;  // of the last time that the first one was asked for
@@ -105,23 +93,15 @@ class LinuxShell : public Shell {
 
 }  // namespace
 
-ShellFolders UserShellFolders() {
-  std::string home = Environment("HOME");
-  ShellFolders folders;
-  folders.config_home = FolderOf("XDG_CONFIG_HOME", home + "/.config");
-  folders.data_home = FolderOf("XDG_DATA_HOME", home + "/.local/share");
-  folders.config_dirs = FoldersOf("XDG_CONFIG_DIRS", "/etc/xdg");
-  folders.data_dirs = FoldersOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
-  folders.program_dirs = FoldersOf("PATH", "/usr/local/bin:/usr/bin:/bin");
-  folders.desktops = SplitList(Environment("XDG_CURRENT_DESKTOP"), ':');
-  folders.mail_profiles = {home + "/.thunderbird",
-                           home + "/.var/app/org.mozilla.Thunderbird/.thunderbird",
-                           home + "/snap/thunderbird/common/.thunderbird"};
-  return folders;
+std::vector<std::string> UserMailProfiles() {
+  const char* value = std::getenv("HOME");
+  const std::string home = value != nullptr ? value : "";
+  return {home + "/.thunderbird", home + "/.var/app/org.mozilla.Thunderbird/.thunderbird",
+          home + "/snap/thunderbird/common/.thunderbird"};
 }
 
-std::unique_ptr<Shell> MakeLinuxShell(const ShellFolders& folders) {
-  return std::make_unique<LinuxShell>(folders);
+std::unique_ptr<Shell> MakeLinuxShell(std::vector<std::string> mail_profiles) {
+  return std::make_unique<LinuxShell>(std::move(mail_profiles));
 }
 
 }  // namespace vesko

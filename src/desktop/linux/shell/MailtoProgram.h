@@ -2,16 +2,14 @@
 
 #include <string>
 
-#include "desktop/linux/LinuxDesktop.h"
-
 namespace vesko {
 
-/// Absolute path of the program that the desktop starts for mailto links: the first of those that
-/// the user, the machine and the installed programs name whose program exists and can be executed.
-/// Empty where there is none. The files read may hold anything.
-std::string MailtoProgram(const ShellFolders& folders);
-
-/// True for a regular file that this user may execute.
-bool IsProgram(const std::string& path);
+/// Absolute path of the program that the desktop starts for mailto links: the user's default, or
+/// else the first of the others whose program exists and can be executed. Empty where there is none.
+/// The arguments of the desktop's command are lost, so a command that only dresses or sandboxes a
+/// program ("env", "flatpak") gives the program within, where that has a file of its own.
+///
+/// The desktop's folders are those of the environment when the first caller asks.
+std::string MailtoProgram();
 
 }  // namespace vesko
