@@ -6,9 +6,12 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <cstring>
 #include <functional>
+#include <vector>
 
 #include "desktop/linux/LinuxDesktop.h"
+#include "desktop/linux/sound/WaveFile.h"
 #include "support/ErrorOf.h"
 #include "support/TempFolder.h"
 
@@ -110,7 +113,9 @@ TEST_F(SoundTest, WhatIsNoWaveFileIsRefused) {
       {"no format", Sample().left(12) + Sample().mid(36), false},
       {"cut off in the format", Sample().left(30), false},
       {"a chunk that promises gigabytes", SampleWith(16, "\xFF\xFF\xFF\x7F"), false},
-      {"24 bits", SampleWith(34, "\x18"), false},
+      {"more channels than outputs have", SampleWith(22, "\x09"), false},
+      {"a rate beyond hearing", SampleWith(24, QByteArray("\xFF\xFF\xFF\x0F", 4)), false},
+      {"another kind of sound file", "fLaC" + Sample().mid(4), false},
       {"samples that promise gigabytes", SampleWith(40, "\xFF\xFF\xFF\x7F"), true},
       {"a chunk of odd length before",
        Sample().left(12) + QByteArray("LIST\1\0\0\0ab", 10) + Sample().mid(12), true},
@@ -119,6 +124,57 @@ TEST_F(SoundTest, WhatIsNoWaveFileIsRefused) {
     folder.Write("sample.wav", test.content.toStdString());
     EXPECT_EQ(Playing(*sound, path), test.plays ? 0 : kInvalidProcedureCall) << test.name;
     QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+}
+
+QByteArray LittleEndian(quint32 number, int size) {
+  QByteArray bytes;
+  for (; size > 0; --size, number >>= 8) bytes += static_cast<char>(number);
+  return bytes;
+}
+
+/// A wave file of one channel. `extended` gives the format's kind in the longer form of its chunk.
+QByteArray Wave(quint32 kind, quint32 bits, const QByteArray& samples, bool extended = false) {
+  QByteArray format = LittleEndian(extended ? 0xFFFE : kind, 2) + LittleEndian(1, 2) +
+                      LittleEndian(8000, 4) + LittleEndian(8000 * bits / 8, 4) +
+                      LittleEndian(bits / 8, 2) + LittleEndian(bits, 2);
+  if (extended) {
+    format += LittleEndian(22, 2) + LittleEndian(bits, 2) + LittleEndian(4, 4) +
+              LittleEndian(kind, 2) + QByteArray::fromHex("000000001000800000AA00389B71");
+  }
+  const QByteArray chunks = "WAVEfmt " + LittleEndian(format.size(), 4) + format + "data" +
+                            LittleEndian(samples.size(), 4) + samples;
+  return "RIFF" + LittleEndian(chunks.size(), 4) + chunks;
+}
+
+TEST(WaveFileTest, SamplesOfEveryWidthBecome16Bits) {
+  constexpr quint32 kPcm = 1, kFloat = 3;
+  const auto hex = [](const char* digits) { return QByteArray::fromHex(digits); };
+  const TempFolder folder;
+  const struct {
+    const char* name;
+    QByteArray content;
+    std::vector<qint16> samples;
+  } rows[] = {
+      {"8 bits", Wave(kPcm, 8, hex("8000FF40")), {0, -0x8000, 0x7F00, -0x4000}},
+      {"16 bits", Wave(kPcm, 16, hex("34120080")), {0x1234, -0x8000}},
+      {"24 bits", Wave(kPcm, 24, hex("563412000080")), {0x1234, -0x8000}},
+      {"24 bits, extensible", Wave(kPcm, 24, hex("563412000080"), true), {0x1234, -0x8000}},
+      {"32 bits", Wave(kPcm, 32, hex("78563412")), {0x1234}},
+      {"fractions, one too loud", Wave(kFloat, 32, hex("0000003F 00000040")), {0x4000, 0x7FFF}},
+      {"fractions, extensible", Wave(kFloat, 32, hex("000000BF"), true), {-0x4000}},
+      {"a byte too many", Wave(kPcm, 16, hex("341200")), {0x1234}},
+  };
+  for (const auto& row : rows) {
+    folder.Write("w.wav", row.content.toStdString());
+    const auto wave = WaveFile::Open(QString::fromStdString(folder / "w.wav"));
+    ASSERT_TRUE(wave) << row.name;
+    EXPECT_EQ(wave->Format().sampleRate(), 8000) << row.name;
+    EXPECT_EQ(wave->bytesAvailable(), static_cast<qint64>(row.samples.size() * sizeof(qint16)));
+    const QByteArray read = wave->readAll();
+    std::vector<qint16> samples(static_cast<size_t>(read.size()) / sizeof(qint16));
+    std::memcpy(samples.data(), read.constData(), samples.size() * sizeof(qint16));
+    EXPECT_EQ(samples, row.samples) << row.name;
   }
 }
 

@@ -10,9 +10,9 @@
 namespace vesko {
 namespace {
 
-// Wave files are read here and their samples go to the sound server directly. The library's own
-// sound effect loads them on a thread that a damaged file keeps busy for ever, and its media player
-// loads every codec first.
+// Wave files are decoded here and their samples go to the sound server directly. Qt's own sound
+// effect loads them on a thread that a damaged file keeps busy for ever, and its media player loads
+// every codec first.
 class QtSound : public Sound {
  public:
   int OutputDevices() override { return static_cast<int>(QMediaDevices::audioOutputs().size()); }

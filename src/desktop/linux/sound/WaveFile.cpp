@@ -1,82 +1,70 @@
 #include "desktop/linux/sound/WaveFile.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 #include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
 
 namespace vesko {
 namespace {
 
-constexpr int kChunkHeader = 8;       // name and length
-constexpr int kPlainFormat = 16;      // bytes of the oldest format chunk
-constexpr int kExtendedFormat = 40;   // with channel places and a sub-format
-constexpr int kSubFormat = 24;        // its offset
-constexpr int kLongestFormat = 4096;  // more is no format chunk
-constexpr quint16 kPcm = 1;
-constexpr quint16 kFloat = 3;
-constexpr quint16 kExtensible = 0xFFFE;
+constexpr int kMostChannels = 8;
+constexpr int kHighestRate = 192'000;
 
-template <typename Number>
-Number At(const QByteArray& bytes, int offset) {
-  return qFromLittleEndian<Number>(bytes.constData() + offset);
+/// The library reads much else, which would play here and nowhere else.
+bool IsWave(const SF_INFO& info) {
+  const int type = info.format & SF_FORMAT_TYPEMASK;
+  return type == SF_FORMAT_WAV || type == SF_FORMAT_WAVEX;
 }
 
-QAudioFormat::SampleFormat SampleFormat(quint16 kind, quint16 bits) {
-  if (kind == kFloat && bits == 32) return QAudioFormat::Float;
-  if (kind != kPcm) return QAudioFormat::Unknown;
-  if (bits == 8) return QAudioFormat::UInt8;
-  if (bits == 16) return QAudioFormat::Int16;
-  return bits == 32 ? QAudioFormat::Int32 : QAudioFormat::Unknown;
+bool IsPlayable(const SF_INFO& info) {
+  return IsWave(info) && info.channels <= kMostChannels && info.samplerate <= kHighestRate;
+}
+
+/// From a fraction of the full range; what is louder than that is cut off.
+short ToInteger(float sample) {
+  return static_cast<short>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
 }
 
 }  // namespace
 
 std::unique_ptr<WaveFile> WaveFile::Open(const QString& path) {
-  std::unique_ptr<WaveFile> wave(new WaveFile(path));
-  if (!QFileInfo(path).isFile() || !wave->file_.open(ReadOnly) || !wave->FindSamples())
-    return nullptr;
+  if (!QFileInfo(path).isFile()) return nullptr;
+  SF_INFO info = {};
+  File file(sf_open(QFile::encodeName(path).constData(), SFM_READ, &info));
+  if (!file || !IsPlayable(info)) return nullptr;
+  std::unique_ptr<WaveFile> wave(new WaveFile(std::move(file), info));
   wave->open(ReadOnly);
   return wave;
 }
 
-bool WaveFile::FindSamples() {
-  const QByteArray riff = file_.read(12);
-  if (!riff.startsWith("RIFF") || riff.mid(8) != "WAVE") return false;
-  for (;;) {
-    const QByteArray header = file_.read(kChunkHeader);
-    if (header.size() < kChunkHeader) return false;
-    const qint64 size = At<quint32>(header, 4);
-    const qint64 begin = file_.pos();
-    if (header.startsWith("data")) {
-      left_ = std::min(size, file_.size() - begin);
-      return format_.isValid();
-    }
-    if (header.startsWith("fmt ") &&
-        !ReadFormat(file_.read(std::min<qint64>(size, kLongestFormat)))) {
-      return false;
-    }
-    if (!file_.seek(begin + size + size % 2)) return false;  // chunks begin at even places
-  }
+WaveFile::WaveFile(File file, const SF_INFO& info)
+    : file_(std::move(file)), info_(info), frames_left_(info.frames) {}
+
+QAudioFormat WaveFile::Format() const {
+  QAudioFormat format;
+  format.setSampleFormat(QAudioFormat::Int16);
+  format.setChannelCount(info_.channels);
+  format.setSampleRate(info_.samplerate);
+  return format;
 }
 
-bool WaveFile::ReadFormat(const QByteArray& chunk) {
-  if (chunk.size() < kPlainFormat) return false;
-  quint16 kind = At<quint16>(chunk, 0);
-  if (kind == kExtensible && chunk.size() >= kExtendedFormat) kind = At<quint16>(chunk, kSubFormat);
-  const quint16 channels = At<quint16>(chunk, 2);
-  const quint32 rate = At<quint32>(chunk, 4);
-  if (channels > 8 || rate > 192'000) return false;
-  format_.setSampleFormat(SampleFormat(kind, At<quint16>(chunk, 14)));
-  format_.setChannelCount(channels);
-  format_.setSampleRate(static_cast<int>(rate));
-  return format_.isValid();
+qint64 WaveFile::bytesAvailable() const {
+  return frames_left_ * FrameSize() + QIODevice::bytesAvailable();
 }
 
 qint64 WaveFile::readData(char* data, qint64 longest) {
-  const qint64 read = file_.read(data, std::min(longest, left_));
-  if (read <= 0) left_ = 0;
-  if (read > 0) left_ -= read;
-  return read;
+  const sf_count_t wanted = std::min<sf_count_t>(longest / FrameSize(), frames_left_);
+  // As fractions, since the library scales files that hold such to their loudest sample when it is
+  // asked for integers.
+  std::vector<float> samples(static_cast<size_t>(wanted * info_.channels));
+  const sf_count_t read = sf_readf_float(file_.get(), samples.data(), wanted);
+  std::transform(samples.begin(), samples.begin() + read * info_.channels,
+                 reinterpret_cast<short*>(data), ToInteger);
+  frames_left_ = read > 0 ? frames_left_ - read : 0;
+  return read * FrameSize();
 }
 
 }  // namespace vesko

@@ -1,37 +1,44 @@
 #pragma once
 
+#include <sndfile.h>
+
 #include <QAudioFormat>
-#include <QFile>
 #include <QIODevice>
 #include <QString>
 #include <memory>
 
 namespace vesko {
 
-/// The samples of a wave file (RIFF with PCM data), to be read by a sound output; never more than
-/// the file really has. Null where the file is none or cannot be read.
+/// The samples of a wave file as a sound output reads them: 16-bit integers, whatever the file
+/// holds. The file may be anything; what it promises beyond its true length is not there.
 class WaveFile : public QIODevice {
  public:
+  /// Null where the path names no regular file, the file is no wave file, or its channels or rate
+  /// are beyond what sound outputs take (8, 192 kHz).
   static std::unique_ptr<WaveFile> Open(const QString& path);
 
-  const QAudioFormat& Format() const { return format_; }
+  QAudioFormat Format() const;
 
   bool isSequential() const override { return true; }
-  qint64 bytesAvailable() const override { return left_ + QIODevice::bytesAvailable(); }
+  qint64 bytesAvailable() const override;
 
  protected:
+  /// Whole frames only.
   qint64 readData(char* data, qint64 longest) override;
   qint64 writeData(const char*, qint64) override { return -1; }
 
  private:
-  explicit WaveFile(const QString& path) : file_(path) {}
+  struct Close {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+  };
+  using File = std::unique_ptr<SNDFILE, Close>;
 
-  bool FindSamples();
-  bool ReadFormat(const QByteArray& chunk);
+  WaveFile(File file, const SF_INFO& info);
+  qint64 FrameSize() const { return info_.channels * static_cast<qint64>(sizeof(short)); }
 
-  QFile file_;
-  QAudioFormat format_;
-  qint64 left_ = 0;
+  File file_;
+  SF_INFO info_;
+  sf_count_t frames_left_;
 };
 
 }  // namespace vesko
