@@ -1,7 +1,6 @@
 #include "demo/Pop3Dialogue.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <utility>
@@ -28,7 +27,9 @@ std::pair<std::string_view, std::string_view> SplitAtSpace(std::string_view text
 
 std::string Upper(std::string_view text) {
   std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  for (char& c : upper) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
   return upper;
 }
 

@@ -30,7 +30,7 @@ struct Pop3Faults {
 /// destruction, which closes all connections. Members may be called from any thread.
 class Pop3Server {
  public:
-  /// Throws std::system_error when no port can be had.
+  /// Throws std::runtime_error when no port can be had.
   explicit Pop3Server(std::vector<Pop3Account> accounts, Pop3Faults faults = {});
   ~Pop3Server();
 
