@@ -389,12 +389,12 @@ TEST_F(AutomationTest, AnotherThreadsCallsAreRefused) {
          return outcome;
        }},
   };
-  for (const auto& [name, call] : calls) {
+  for (const auto& call : calls) {
     made = &made;
-    OnAnotherThread([&] { EXPECT_EQ(call(), RPC_E_WRONG_THREAD) << name; });
-    EXPECT_TRUE(made == nullptr || made == &made) << name;
+    OnAnotherThread([&] { EXPECT_EQ(call.second(), RPC_E_WRONG_THREAD) << call.first; });
+    EXPECT_TRUE(made == nullptr || made == &made) << call.first;
   }
-  EXPECT_EQ(server_.ShareState()->font_name, u"");
+  EXPECT_EQ(server_.ShareState()->data.font_name, u"");
   SysFreeString(face);
   factory->Release();
   object->Release();
@@ -402,7 +402,7 @@ TEST_F(AutomationTest, AnotherThreadsCallsAreRefused) {
 
 TEST_F(AutomationTest, AnObjectEndsOnItsOwnThreadWhoeverLetsGo) {
   IDispatch* object = NewObject();
-  server_.ShareState()->font_name = u"Gulim";
+  server_.ShareState()->data.font_name = u"Gulim";
   OnAnotherThread([&] {
     EXPECT_EQ(object->AddRef(), 2u);
     EXPECT_EQ(object->Release(), 1u);
@@ -411,7 +411,7 @@ TEST_F(AutomationTest, AnObjectEndsOnItsOwnThreadWhoeverLetsGo) {
   });
   ASSERT_NE(desktop_, nullptr);
   IDispatch* next = NewObject();
-  EXPECT_EQ(server_.ShareState()->font_name, u"") << "the state of the object before";
+  EXPECT_EQ(server_.ShareState()->data.font_name, u"") << "the state of the object before";
   OnAnotherThread([&] { next->Release(); });
   EXPECT_TRUE(server_.CanUnload());
 }
