@@ -8,13 +8,18 @@
 namespace vesko {
 namespace {
 
+/// Letters in any case, in whatever language: in Turkish I is no capital i.
+bool Same(LPCWSTR left, LPCWSTR right) {
+  return CompareStringOrdinal(left, -1, right, -1, TRUE) == CSTR_EQUAL;
+}
+
 /// Whom a registration is for, by the words after regsvr32's /i.
 HRESULT RootFor(LPCWSTR words, int32_t& root) {
-  if (words == nullptr || *words == L'\0' || lstrcmpiW(words, L"machine") == 0) {
+  if (words == nullptr || *words == L'\0' || Same(words, L"machine")) {
     root = kLocalMachine;
     return S_OK;
   }
-  if (lstrcmpiW(words, L"user") != 0) return E_INVALIDARG;
+  if (!Same(words, L"user")) return E_INVALIDARG;
   root = kCurrentUser;
   return S_OK;
 }
