@@ -4,11 +4,10 @@
 
 #include <QApplication>
 #include <QTest>
-#include <QTimer>
 #include <functional>
 #include <memory>
 
-#include "desktop/linux/LinuxDesktop.h"
+#include "desktop/ToolkitFixture.h"
 #include "support/AnyForm.h"
 
 namespace vesko {
@@ -32,9 +31,6 @@ class QtWindowTest : public testing::Test {
     });
   }
 
-  /// Runs a step as soon as a loop delivers events, a native box's own included.
-  static void Soon(std::function<void()> step) { QTimer::singleShot(0, qApp, std::move(step)); }
-
   template <typename Widget = QWidget>
   static Widget* Native(const Control& control) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -47,7 +43,7 @@ class QtWindowTest : public testing::Test {
 
   static QWidget* WindowOf(const Control& control) { return Native(control)->window(); }
 
-  std::unique_ptr<Toolkit> toolkit = MakeQtToolkit();
+  std::unique_ptr<Toolkit> toolkit = MakeTestToolkit();
 };
 
 }  // namespace vesko

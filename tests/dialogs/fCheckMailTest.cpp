@@ -37,8 +37,32 @@ TEST_F(fCheckMailTest, ShowsWhatHappensAndClosesItself) {
   EXPECT_EQ(Find<ProgressBar>(window, "prgBar1").Maximum(), 1);
   EXPECT_NE(std::find(commands.begin(), commands.end(), u"Command: PASS ******"), commands.end());
   EXPECT_TRUE(window.NewMail());
-  machine.toolkit.On("fCheckMail", [](Form& form) { form.Close(); });
-  window.ShowModal();  // not prepared: runs nothing
+  machine.toolkit.On("fCheckMail", [](Form& form) {  // not prepared: runs nothing
+    EXPECT_EQ(form.Caption(), u"Checking mail box ...");
+    for (const char* label : {"lblProgress", "lblTime", "lblCmd"}) {
+      EXPECT_EQ(Find<Label>(form, label).Caption(), u"") << label;
+    }
+    EXPECT_EQ(Find<ProgressBar>(form, "prgBar1").Value(), 0);
+    form.Close();
+  });
+  window.ShowModal();
+}
+
+TEST_F(fCheckMailTest, AsksForWhatAnAccountLacksWithWhatItHas) {
+  machine.configuration.AddAccount({.server = u"one.example",
+                                    .password = Encrypt(u"secret", *machine.locale),
+                                    .save_password = u"1"});
+  machine.socket.conversations = {Mailbox({})};
+  machine.toolkit.On("fPop3Site", [](Form& site) {
+    EXPECT_EQ(Read(site, "txtPop3Account(0)"), u"one.example");
+    EXPECT_EQ(Read(site, "txtPop3Account(1)"), u"");
+    EXPECT_EQ(Read(site, "txtPop3Account(2)"), u"secret");
+    EXPECT_EQ(Find<CheckBox>(site, "chkSavePassword").Value(), 1);
+    Type(site, "txtPop3Account(1)", u"ann");
+    Press(site, "cmdOK");
+  });
+  Check();
+  EXPECT_EQ(machine.Account(1).user, u"ann");
 }
 
 TEST_F(fCheckMailTest, AsksWhetherToTryAgain) {
