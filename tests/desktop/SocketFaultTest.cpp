@@ -154,6 +154,7 @@ TEST_F(SocketFaultTest, EachFailedCallIsReportedOnce) {
       armed = nullptr;
       if (row.call == &Faults::recv_error) peer.Send("+OK\r\n");
     } else {
+      armed = &faults;  // the look-up begins at once, beside this thread
       socket_->Connect(u"localhost", peer.Port());
     }
     EXPECT_TRUE(RunFaulty(faults, [&] { return socket_->State() == SocketState::kError; }));

@@ -29,7 +29,7 @@ void TurnEventLoop(std::chrono::milliseconds longest_wait);
 /// Whatever a connection could leave open in the process.
 size_t OpenDescriptors();
 
-/// False where the system shows a reset to one that only listens as the end of the connection.
+/// False where the system may show a reset as the end of the connection to one that only listens.
 bool SystemTellsResets();
 
 /// What this process has used so far.
@@ -76,6 +76,13 @@ class SocketTest : public testing::Test {
 
   bool RunToState(SocketState state) {
     return RunUntil([&] { return socket_->State() == state; });
+  }
+
+  // Of the connection, good or bad.
+  bool RunToEnd() {
+    return RunUntil([&] {
+      return socket_->State() == SocketState::kError || socket_->State() == SocketState::kClosing;
+    });
   }
 
   // A closed socket may lie in the event loop for some turns yet.

@@ -14,23 +14,30 @@ bool IsPort(int32_t port) { return port >= 0 && port <= 0xFFFF; }
 }  // namespace
 
 StreamSocket::StreamSocket(const Locale& locale, std::vector<int32_t> tls_ports,
+                           LookUpFunction look_up, std::unique_ptr<Background> background,
                            std::unique_ptr<Streams> streams)
     : locale_(locale),
       decoder_(locale.NewDecoder()),
       tls_ports_(std::move(tls_ports)),
+      look_up_(look_up),
+      background_(std::move(background)),
       streams_(std::move(streams)) {}
 
-StreamSocket::~StreamSocket() { streams_->Close(); }
+StreamSocket::~StreamSocket() { Close(); }
 
 void StreamSocket::Connect(const Text& host, int32_t port) {
   if (state_ != SocketState::kClosed) throw RunTimeError(kSocketInvalidState);
   state_ = SocketState::kResolvingHost;
+  host_ = host;
   port_ = port;
-  if (host.empty()) return streams_->Later([this] { FailWith(kSocketHostNotFound); });
+  if (host.empty()) return FailLater(kSocketHostNotFound);
   if (port == 0 || !IsPort(port) || !IsPort(local_port_)) {
-    return streams_->Later([this] { FailWith(kSocketAddressNotAvailable); });
+    return FailLater(kSocketAddressNotAvailable);
   }
-  streams_->LookUp(host, static_cast<uint16_t>(port), [this](int32_t error) { LookedUp(error); });
+  auto lookup = std::make_shared<HostLookup>(HostLookup{kSocketTryAgain, {}, {}});
+  background_->Start(
+      [=, look_up = look_up_] { *lookup = look_up(host, static_cast<uint16_t>(port)); },
+      [this, lookup] { LookedUp(std::move(*lookup)); });
 }
 
 void StreamSocket::SendData(TextView text) {
@@ -41,6 +48,7 @@ void StreamSocket::SendData(TextView text) {
 Text StreamSocket::GetData() { return std::exchange(text_, {}); }
 
 void StreamSocket::Close() {
+  background_->Cancel();
   streams_->Close();
   text_.clear();
   decoder_->Reset();
@@ -48,14 +56,19 @@ void StreamSocket::Close() {
   state_ = SocketState::kClosed;
 }
 
-void StreamSocket::LookedUp(int32_t error) {
-  if (error != 0) return FailWith(error);
+void StreamSocket::LookedUp(HostLookup lookup) {
+  if (lookup.error != 0) return FailWith(lookup.error);
   state_ = SocketState::kConnecting;
-  streams_->Open(static_cast<uint16_t>(local_port_), IsTlsPort(), *this);
+  streams_->Open({host_, std::move(lookup), static_cast<uint16_t>(local_port_), IsTlsPort()},
+                 *this);
 }
 
 bool StreamSocket::IsTlsPort() const {
   return std::find(tls_ports_.begin(), tls_ports_.end(), port_) != tls_ports_.end();
+}
+
+void StreamSocket::FailLater(int32_t number) {
+  background_->Start([] {}, [this, number] { FailWith(number); });
 }
 
 void StreamSocket::FailWith(int32_t number) { Failed(number, SocketErrorText(number)); }

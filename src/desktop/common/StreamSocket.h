@@ -1,43 +1,42 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "desktop/common/Background.h"
+#include "desktop/common/HostLookup.h"
 #include "desktop/common/StreamListener.h"
 #include "platform/Locale.h"
 #include "platform/Socket.h"
 
 namespace vesko {
 
-/// What an operating system contributes to a socket: looking up names, and one stream of bytes at a
-/// time. Everything is reported by the event loop, never from within a call of these.
+/// Where a connection leads.
+struct Destination {
+  Text host;  // as the user wrote it
+  HostLookup found;
+  uint16_t local_port;  // 0 is any
+  bool tls;
+};
+
+/// The connections of an operating system, one at a time. Everything is reported by the event loop.
 class Streams {
  public:
   virtual ~Streams() = default;
 
-  /// Looks `host` up without blocking and keeps the addresses for Open. Then calls `done` with 0 or
-  /// a socket error number, unless Close comes first.
-  virtual void LookUp(const Text& host, uint16_t port, std::function<void(int32_t error)> done) = 0;
-
-  /// Calls `call` soon, unless Close comes first.
-  virtual void Later(std::function<void()> call) = 0;
-
-  /// Connects to the addresses found by LookUp; to be called once, from within its `done`, where a
-  /// failure may be reported at once. With `tls` the stream opens when the handshake is over and
-  /// the server's certificate has been accepted. `local_port` 0 is any. The listener must live
-  /// until Close.
-  virtual void Open(uint16_t local_port, bool tls, StreamListener& listener) = 0;
+  /// Connects to the first address that accepts. With TLS the stream opens when the handshake is
+  /// over and the server's certificate has been accepted. The listener must live until Close. To be
+  /// called by the event loop, with the stream closed: a failure may be reported at once.
+  virtual void Open(Destination destination, StreamListener& listener) = 0;
 
   /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept.
   /// Precondition: the stream is open.
   virtual void Send(std::string_view bytes) = 0;
 
-  /// Cancels the look-up and drops the connection with all bytes that wait; with TLS the peer is
-  /// told first. Returns at once in any state, and nothing is reported afterwards.
+  /// Drops the connection with all bytes that wait; with TLS the peer is told first. Returns at
+  /// once in any state, and nothing is reported afterwards.
   virtual void Close() = 0;
 };
 
@@ -47,8 +46,8 @@ class Streams {
 class StreamSocket final : public Socket, private StreamListener {
  public:
   /// The locale must outlive the socket.
-  StreamSocket(const Locale& locale, std::vector<int32_t> tls_ports,
-               std::unique_ptr<Streams> streams);
+  StreamSocket(const Locale& locale, std::vector<int32_t> tls_ports, LookUpFunction look_up,
+               std::unique_ptr<Background> background, std::unique_ptr<Streams> streams);
   ~StreamSocket() override;
   StreamSocket(const StreamSocket&) = delete;
   StreamSocket& operator=(const StreamSocket&) = delete;
@@ -62,8 +61,9 @@ class StreamSocket final : public Socket, private StreamListener {
   void Close() override;
 
  private:
-  void LookedUp(int32_t error);
+  void LookedUp(HostLookup lookup);
   bool IsTlsPort() const;
+  void FailLater(int32_t number);
   void FailWith(int32_t number);
 
   void Opened() override;
@@ -74,9 +74,12 @@ class StreamSocket final : public Socket, private StreamListener {
   const Locale& locale_;
   const std::unique_ptr<TextDecoder> decoder_;
   const std::vector<int32_t> tls_ports_;
+  const LookUpFunction look_up_;
+  const std::unique_ptr<Background> background_;
   const std::unique_ptr<Streams> streams_;
 
   SocketState state_ = SocketState::kClosed;
+  Text host_;
   int32_t port_ = 0;
   int32_t local_port_ = 0;
   Text text_;  // arrived and not taken yet

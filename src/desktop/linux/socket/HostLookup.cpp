@@ -6,7 +6,6 @@
 #include <QString>
 #include <QUrl>
 #include <algorithm>
-#include <cstring>
 #include <memory>
 
 #include "platform/Socket.h"
@@ -28,33 +27,32 @@ int32_t ErrorNumber(int error) {
   }
 }
 
+std::string AddressBytes(const sockaddr& address) {
+  if (address.sa_family == AF_INET6) {
+    const in6_addr& v6 = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
+    return {reinterpret_cast<const char*>(&v6), sizeof v6};
+  }
+  const in_addr& v4 = reinterpret_cast<const sockaddr_in&>(address).sin_addr;
+  return {reinterpret_cast<const char*>(&v4), sizeof v4};
+}
+
 HostLookup LookUp(const std::string& host, uint16_t port, int flags) {
   addrinfo hints{};
   hints.ai_flags = flags | AI_NUMERICSERV;
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
   const int error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
-  if (error != 0) return {ErrorNumber(error), false, {}};
+  if (error != 0) return {ErrorNumber(error), {}, {}};
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, ::freeaddrinfo);
-  HostLookup lookup{0, (flags & AI_NUMERICHOST) != 0, {}};
+  HostLookup lookup{0, {}, {}};
+  if (flags & AI_NUMERICHOST) lookup.literal = AddressBytes(*found->ai_addr);
   for (; found; found = found->ai_next) {
-    SocketAddress& address = lookup.addresses.emplace_back();
-    address.size = found->ai_addrlen;
-    std::memcpy(&address.storage, found->ai_addr, found->ai_addrlen);
+    lookup.addresses.emplace_back(reinterpret_cast<const char*>(found->ai_addr), found->ai_addrlen);
   }
   return lookup;
 }
 
 }  // namespace
-
-std::string SocketAddress::Bytes() const {
-  if (Family() == AF_INET6) {
-    const auto& v6 = reinterpret_cast<const sockaddr_in6&>(storage).sin6_addr;
-    return {reinterpret_cast<const char*>(&v6), sizeof v6};
-  }
-  const auto& v4 = reinterpret_cast<const sockaddr_in&>(storage).sin_addr;
-  return {reinterpret_cast<const char*>(&v4), sizeof v4};
-}
 
 std::string NetworkName(const Text& host) {
   const bool ascii = std::all_of(host.begin(), host.end(), [](char16_t c) { return c < 0x80; });
@@ -62,11 +60,12 @@ std::string NetworkName(const Text& host) {
   return (ascii ? name.toLatin1() : QUrl::toAce(name)).toStdString();
 }
 
-HostLookup LookUpHost(const std::string& host, uint16_t port) {
+HostLookup LookUpHost(const Text& host, uint16_t port) {
+  const std::string name = NetworkName(host);
   // A NUL would hide what stands behind it from the system.
-  if (host.empty() || host.find('\0') != host.npos) return {kSocketHostNotFound, false, {}};
-  HostLookup address = LookUp(host, port, AI_NUMERICHOST);
-  return address.error == 0 ? address : LookUp(host, port, 0);
+  if (name.empty() || name.find('\0') != name.npos) return {kSocketHostNotFound, {}, {}};
+  HostLookup address = LookUp(name, port, AI_NUMERICHOST);
+  return address.error == 0 ? address : LookUp(name, port, 0);
 }
 
 }  // namespace vesko

@@ -45,13 +45,16 @@ int32_t ErrorNumber(int system_error) {
   }
 }
 
-SocketAddress AnyAddress(int family, uint16_t port) {
-  SocketAddress any;
-  any.storage.ss_family = static_cast<sa_family_t>(family);
-  any.size = family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
-  // Both kinds of address have the port at the same place.
-  reinterpret_cast<sockaddr_in&>(any.storage).sin_port = htons(port);
-  return any;
+const sockaddr* ToSockaddr(const std::string& address) {
+  return reinterpret_cast<const sockaddr*>(address.data());
+}
+
+std::string AnyAddress(int family, uint16_t port) {
+  sockaddr_in6 any{};  // the larger one; both have family and port at the same places
+  any.sin6_family = static_cast<sa_family_t>(family);
+  any.sin6_port = htons(port);
+  const size_t size = family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+  return {reinterpret_cast<const char*>(&any), size};
 }
 
 // These errors only tell that this computer has no route for this kind of address.
@@ -68,7 +71,7 @@ TcpStream::TcpStream() : piece_(std::make_unique_for_overwrite<char[]>(kPieceSiz
   QObject::connect(&write_, &QSocketNotifier::activated, [this] { Writable(); });
 }
 
-void TcpStream::Open(StreamListener& listener, std::vector<SocketAddress> addresses,
+void TcpStream::Open(StreamListener& listener, std::vector<std::string> addresses,
                      uint16_t local_port) {
   listener_ = &listener;
   addresses_ = std::move(addresses);
@@ -94,24 +97,28 @@ void TcpStream::Send(std::string_view bytes) {
 
 void TcpStream::TryNextAddress() {
   while (!addresses_.empty()) {
-    const SocketAddress address = addresses_.back();
+    const std::string address = std::move(addresses_.back());
     addresses_.pop_back();
     if (StartConnecting(address)) return;
   }
   Fail(connect_error_);
 }
 
-bool TcpStream::StartConnecting(const SocketAddress& address) {
-  fd_ = ::socket(address.Family(), SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+bool TcpStream::StartConnecting(const std::string& address) {
+  const int family = ToSockaddr(address)->sa_family;
+  fd_ = ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
   if (fd_ < 0) return ConnectFailed(errno);
   // A command waits for its reply, so holding it back to fill a packet only loses time.
   const int on = 1;
   ::setsockopt(fd_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   if (local_port_ != 0) {
-    const SocketAddress local = AnyAddress(address.Family(), local_port_);
-    if (::bind(fd_, local.Get(), local.size) < 0) return ConnectFailed(errno);
+    const std::string local = AnyAddress(family, local_port_);
+    if (::bind(fd_, ToSockaddr(local), static_cast<socklen_t>(local.size())) < 0) {
+      return ConnectFailed(errno);
+    }
   }
-  if (::connect(fd_, address.Get(), address.size) < 0 && errno != EINPROGRESS) {
+  const auto size = static_cast<socklen_t>(address.size());
+  if (::connect(fd_, ToSockaddr(address), size) < 0 && errno != EINPROGRESS) {
     return ConnectFailed(errno);
   }
   connecting_ = true;

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "desktop/common/StreamListener.h"
-#include "desktop/linux/socket/HostLookup.h"
 
 namespace vesko {
 
@@ -21,10 +20,11 @@ class TcpStream {
   TcpStream(const TcpStream&) = delete;
   TcpStream& operator=(const TcpStream&) = delete;
 
-  /// Tries the addresses in order until one accepts, with the system's time-outs, and reports the
-  /// outcome to the listener, which must live until Close. `local_port` 0 is any. To be called by
-  /// the event loop, with the stream closed: a failure may be reported at once.
-  void Open(StreamListener& listener, std::vector<SocketAddress> addresses, uint16_t local_port);
+  /// Tries the addresses (sockaddr structures with the port) in order until one accepts, with the
+  /// system's time-outs, and reports the outcome to the listener, which must live until Close.
+  /// `local_port` 0 is any. To be called by the event loop, with the stream closed: a failure may
+  /// be reported at once.
+  void Open(StreamListener& listener, std::vector<std::string> addresses, uint16_t local_port);
 
   /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept. An
   /// error is reported later by the event loop. Does nothing when closed.
@@ -35,7 +35,7 @@ class TcpStream {
 
  private:
   void TryNextAddress();
-  bool StartConnecting(const SocketAddress& address);
+  bool StartConnecting(const std::string& address);
   bool ConnectFailed(int error);
   void Readable();
   void Writable();
@@ -50,7 +50,7 @@ class TcpStream {
   StreamListener* listener_ = nullptr;
   int fd_ = -1;
   bool connecting_ = false;
-  std::vector<SocketAddress> addresses_;  // not tried yet, the next one last
+  std::vector<std::string> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
   int send_error_ = 0;  // to be reported by the event loop

@@ -1,8 +1,9 @@
 #include "desktop/windows/socket/WinLookup.h"
 
+#include "desktop/windows/socket/WinTcpStream.h"
+// After winsock2.h.
 #include <ws2tcpip.h>
 
-#include <cstring>
 #include <iterator>
 
 #include "platform/Socket.h"
@@ -22,34 +23,33 @@ int32_t LookupError(int error) {
   }
 }
 
-HostLookup LookUp(const std::wstring& host, int32_t port, int flags) {
+std::string AddressBytes(const sockaddr& address) {
+  if (address.sa_family == AF_INET6) {
+    const auto& v6 = reinterpret_cast<const sockaddr_in6&>(address).sin6_addr;
+    return {reinterpret_cast<const char*>(&v6), sizeof v6};
+  }
+  const auto& v4 = reinterpret_cast<const sockaddr_in&>(address).sin_addr;
+  return {reinterpret_cast<const char*>(&v4), sizeof v4};
+}
+
+HostLookup LookUp(const std::wstring& host, uint16_t port, int flags) {
   ADDRINFOW hints{};
   hints.ai_flags = flags;
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_protocol = IPPROTO_TCP;
   ADDRINFOW* found = nullptr;
   const int error = GetAddrInfoW(host.c_str(), std::to_wstring(port).c_str(), &hints, &found);
-  if (error != 0) return {LookupError(error), false, {}};
-  HostLookup lookup{0, (flags & AI_NUMERICHOST) != 0, {}};
+  if (error != 0) return {LookupError(error), {}, {}};
+  HostLookup lookup{0, {}, {}};
+  if (flags & AI_NUMERICHOST) lookup.literal = AddressBytes(*found->ai_addr);
   for (const ADDRINFOW* info = found; info; info = info->ai_next) {
-    WinAddress& address = lookup.addresses.emplace_back();
-    address.size = static_cast<int>(info->ai_addrlen);
-    std::memcpy(&address.storage, info->ai_addr, info->ai_addrlen);
+    lookup.addresses.emplace_back(reinterpret_cast<const char*>(info->ai_addr), info->ai_addrlen);
   }
   FreeAddrInfoW(found);
   return lookup;
 }
 
 }  // namespace
-
-std::string WinAddress::Bytes() const {
-  if (Family() == AF_INET6) {
-    const auto& v6 = reinterpret_cast<const sockaddr_in6&>(storage).sin6_addr;
-    return {reinterpret_cast<const char*>(&v6), sizeof v6};
-  }
-  const auto& v4 = reinterpret_cast<const sockaddr_in&>(storage).sin_addr;
-  return {reinterpret_cast<const char*>(&v4), sizeof v4};
-}
 
 std::wstring NetworkName(TextView host) {
   const auto* wide = reinterpret_cast<const wchar_t*>(host.data());
@@ -59,12 +59,13 @@ std::wstring NetworkName(TextView host) {
   return {wide, host.size()};
 }
 
-HostLookup LookUpHost(const std::wstring& host, int32_t port) {
-  // The system would take nothing for this computer, and ignore what stands behind a NUL.
-  if (host.empty() || host.find(L'\0') != host.npos) return {kSocketHostNotFound, false, {}};
+HostLookup LookUpHost(const Text& host, uint16_t port) {
+  const std::wstring name = NetworkName(host);
+  // The system takes an empty name for this computer, and ignores what stands behind a NUL.
+  if (name.empty() || name.find(L'\0') != name.npos) return {kSocketHostNotFound, {}, {}};
   const WinsockUse winsock;
-  HostLookup address = LookUp(host, port, AI_NUMERICHOST);
-  return address.error == 0 ? address : LookUp(host, port, 0);
+  HostLookup address = LookUp(name, port, AI_NUMERICHOST);
+  return address.error == 0 ? address : LookUp(name, port, 0);
 }
 
 }  // namespace vesko

@@ -14,12 +14,16 @@ namespace {
 
 constexpr int kPieceSize = 64 * 1024;
 
-WinAddress AnyAddress(int family, uint16_t port) {
-  WinAddress any;
-  any.storage.ss_family = static_cast<decltype(any.storage.ss_family)>(family);
-  any.size = family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
-  SS_PORT(&any.storage) = htons(port);
-  return any;
+const sockaddr* ToSockaddr(const std::string& address) {
+  return reinterpret_cast<const sockaddr*>(address.data());
+}
+
+std::string AnyAddress(int family, uint16_t port) {
+  sockaddr_in6 any{};  // the larger one; both have family and port at the same places
+  any.sin6_family = static_cast<decltype(any.sin6_family)>(family);
+  any.sin6_port = htons(port);
+  const size_t size = family == AF_INET6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+  return {reinterpret_cast<const char*>(&any), size};
 }
 
 // These errors only tell that this computer has no route for this kind of address.
@@ -45,7 +49,7 @@ WinTcpStream::~WinTcpStream() {
   CloseHandle(event_);
 }
 
-void WinTcpStream::Open(StreamListener& listener, std::vector<WinAddress> addresses,
+void WinTcpStream::Open(StreamListener& listener, std::vector<std::string> addresses,
                         uint16_t local_port) {
   listener_ = &listener;
   addresses_ = std::move(addresses);
@@ -93,26 +97,30 @@ bool WinTcpStream::Deliver() {
 
 void WinTcpStream::TryNextAddress() {
   while (!addresses_.empty()) {
-    const WinAddress address = addresses_.back();
+    const std::string address = std::move(addresses_.back());
     addresses_.pop_back();
     if (StartConnecting(address)) return;
   }
   Fail(connect_error_);
 }
 
-bool WinTcpStream::StartConnecting(const WinAddress& address) {
-  socket_ = WSASocketW(address.Family(), SOCK_STREAM, IPPROTO_TCP, nullptr, 0, WSA_FLAG_OVERLAPPED);
+bool WinTcpStream::StartConnecting(const std::string& address) {
+  const int family = ToSockaddr(address)->sa_family;
+  socket_ = WSASocketW(family, SOCK_STREAM, IPPROTO_TCP, nullptr, 0, WSA_FLAG_OVERLAPPED);
   if (socket_ == INVALID_SOCKET) return ConnectFailed(WSAGetLastError());
   SetHandleInformation(reinterpret_cast<HANDLE>(socket_), HANDLE_FLAG_INHERIT, 0);
   // A command waits for its reply, so holding it back to fill a packet only loses time.
   const BOOL on = TRUE;
   setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
   if (local_port_ != 0) {
-    const WinAddress local = AnyAddress(address.Family(), local_port_);
-    if (bind(socket_, local.Get(), local.size) != 0) return ConnectFailed(WSAGetLastError());
+    const std::string local = AnyAddress(family, local_port_);
+    if (bind(socket_, ToSockaddr(local), static_cast<int>(local.size())) != 0) {
+      return ConnectFailed(WSAGetLastError());
+    }
   }
   if (WSAEventSelect(socket_, event_, FD_CONNECT | FD_READ | FD_WRITE | FD_CLOSE) != 0 ||
-      (connect(socket_, address.Get(), address.size) != 0 && WSAGetLastError() != WSAEWOULDBLOCK)) {
+      (connect(socket_, ToSockaddr(address), static_cast<int>(address.size())) != 0 &&
+       WSAGetLastError() != WSAEWOULDBLOCK)) {
     return ConnectFailed(WSAGetLastError());
   }
   state_ = State::kConnecting;

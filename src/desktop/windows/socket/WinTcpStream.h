@@ -28,17 +28,6 @@ class WinsockUse {
   WinsockUse& operator=(const WinsockUse&) = delete;
 };
 
-struct WinAddress {
-  SOCKADDR_STORAGE storage{};
-  int size = 0;
-
-  int Family() const { return storage.ss_family; }
-  const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&storage); }
-
-  /// The 4 or 16 bytes of the address alone, in network order.
-  std::string Bytes() const;
-};
-
 /// A TCP connection that is served by the thread's event sources; reusable. It reads first and
 /// waits only when there is nothing to read, which makes checks of many small replies fast. Must
 /// not be destroyed from within a call of its listener.
@@ -49,10 +38,11 @@ class WinTcpStream final : private EventSources::Source {
   WinTcpStream(const WinTcpStream&) = delete;
   WinTcpStream& operator=(const WinTcpStream&) = delete;
 
-  /// Tries the addresses in order until one accepts, with the system's time-outs, and reports the
-  /// outcome to the listener, which must live until Close. `local_port` 0 is any. To be called by
-  /// the event loop, with the stream closed: a failure may be reported at once.
-  void Open(StreamListener& listener, std::vector<WinAddress> addresses, uint16_t local_port);
+  /// Tries the addresses (sockaddr structures with the port) in order until one accepts, with the
+  /// system's time-outs, and reports the outcome to the listener, which must live until Close.
+  /// `local_port` 0 is any. To be called by the event loop, with the stream closed: a failure may
+  /// be reported at once.
+  void Open(StreamListener& listener, std::vector<std::string> addresses, uint16_t local_port);
 
   /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept. An
   /// error is reported later by the event loop. Does nothing when closed.
@@ -69,7 +59,7 @@ class WinTcpStream final : private EventSources::Source {
 
   bool Deliver() override;
   void TryNextAddress();
-  bool StartConnecting(const WinAddress& address);
+  bool StartConnecting(const std::string& address);
   bool ConnectFailed(int error);
   bool FinishConnecting();
   bool Receive();
@@ -83,7 +73,7 @@ class WinTcpStream final : private EventSources::Source {
   StreamListener* listener_ = nullptr;
   SOCKET socket_ = INVALID_SOCKET;
   State state_ = State::kClosed;
-  std::vector<WinAddress> addresses_;  // not tried yet, the next one last
+  std::vector<std::string> addresses_;  // not tried yet, the next one last
   uint16_t local_port_ = 0;
   int connect_error_ = 0;
   int late_error_ = 0;  // to be reported, in state kFailing

@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "desktop/common/Background.h"
 #include "desktop/common/ServerIdentity.h"
 #include "desktop/common/StreamListener.h"
-#include "desktop/windows/events/Background.h"
 #include "desktop/windows/socket/WinCertificates.h"
 
 namespace vesko {

@@ -1,4 +1,4 @@
-#include "desktop/windows/events/Background.h"
+#include "desktop/windows/events/WinBackground.h"
 
 #include <utility>
 
@@ -17,7 +17,7 @@ HMODULE TakeThisModule() {
 
 }  // namespace
 
-struct Background::Task {
+struct WinBackground::Task {
   std::function<void()> work;
   WPARAM number;
   HMODULE module;
@@ -37,9 +37,10 @@ struct Background::Task {
   }
 };
 
-Background::Background() : window_([this](UINT, WPARAM number, LPARAM) { Finished(number); }) {}
+WinBackground::WinBackground()
+    : window_([this](UINT, WPARAM number, LPARAM) { Finished(number); }) {}
 
-void Background::Start(std::function<void()> work, std::function<void()> done) {
+void WinBackground::Start(std::function<void()> work, std::function<void()> done) {
   Cancel();
   done_ = std::move(done);
   task_ = std::make_shared<Task>();
@@ -58,13 +59,13 @@ void Background::Start(std::function<void()> work, std::function<void()> done) {
   task_->Finish();
 }
 
-void Background::Cancel() {
+void WinBackground::Cancel() {
   if (task_) task_->Tell(nullptr);
   task_.reset();
   done_ = nullptr;
 }
 
-DWORD WINAPI Background::Run(void* task) {
+DWORD WINAPI WinBackground::Run(void* task) {
   auto* owned = static_cast<std::shared_ptr<Task>*>(task);
   const HMODULE module = (*owned)->module;
   (*owned)->work();
@@ -74,7 +75,7 @@ DWORD WINAPI Background::Run(void* task) {
   FreeLibraryAndExitThread(module, 0);
 }
 
-void Background::Finished(WPARAM number) {
+void WinBackground::Finished(WPARAM number) {
   if (!task_ || number != number_) return;
   task_.reset();
   const auto done = std::exchange(done_, nullptr);

@@ -1,4 +1,4 @@
-#include "desktop/linux/socket/Background.h"
+#include "desktop/linux/socket/QtBackground.h"
 
 #include <QMetaObject>
 #include <mutex>
@@ -8,14 +8,14 @@
 
 namespace vesko {
 
-struct Background::Task {
+struct QtBackground::Task {
   std::function<void()> work;
   std::function<void()> done;  // touched by the thread of the event loop alone
   std::mutex mutex;
   QObject* context;  // null when cancelled
 };
 
-void Background::Start(std::function<void()> work, std::function<void()> done) {
+void QtBackground::Start(std::function<void()> work, std::function<void()> done) {
   Cancel();
   task_ = std::make_shared<Task>();
   task_->work = std::move(work);
@@ -31,7 +31,7 @@ void Background::Start(std::function<void()> work, std::function<void()> done) {
   }
 }
 
-void Background::Cancel() {
+void QtBackground::Cancel() {
   const std::shared_ptr<Task> task = std::exchange(task_, nullptr);
   if (!task) return;
   const std::lock_guard lock(task->mutex);
@@ -41,7 +41,7 @@ void Background::Cancel() {
 
 // The lock keeps the context alive until the call is in its queue. A call that is cancelled there
 // finds nothing to do.
-void Background::Finish(const std::shared_ptr<Task>& task) {
+void QtBackground::Finish(const std::shared_ptr<Task>& task) {
   const std::lock_guard lock(task->mutex);
   if (!task->context) return;
   auto finished = [task] {

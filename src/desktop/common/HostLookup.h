@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+
+namespace vesko {
+
+/// What a system knows of a host.
+struct HostLookup {
+  int32_t error;                       // socket error number, or 0
+  std::vector<std::string> addresses;  // the system's structures with the port, the best first
+  std::string literal;                 // the 4 or 16 bytes of a host that is written as an address
+};
+
+/// Looks up a name or an address on the thread that calls it. Blocks, in bad cases for a minute.
+using LookUpFunction = HostLookup (*)(const Text& host, uint16_t port);
+
+}  // namespace vesko

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+
+#include "desktop/common/Background.h"
+#include "desktop/windows/events/MessageWindow.h"
+
+namespace vesko {
+
+/// Background on the messages of a thread.
+class WinBackground final : public Background {
+ public:
+  WinBackground();
+  ~WinBackground() override { Cancel(); }
+
+  void Start(std::function<void()> work, std::function<void()> done) override;
+  void Cancel() override;
+
+ private:
+  struct Task;
+
+  static DWORD WINAPI Run(void* task);
+  void Finished(WPARAM number);
+
+  MessageWindow window_;
+  std::shared_ptr<Task> task_;
+  std::function<void()> done_;
+  WPARAM number_ = 0;  // of the last task; tells its end from that of an earlier one
+};
+
+}  // namespace vesko
