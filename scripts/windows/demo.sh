@@ -28,4 +28,4 @@ if [[ $alone == yes ]]; then
   { run "$build/tools/windows/vesko-press-buttons.exe" 60 '&Exit' || leave_prefix; } &
 fi
 # The user takes the time that it takes. Wine tells a missing sound card at length.
-limit=0 run cscript "Z:$root/samples/windows/check.vbs" 2>/dev/null
+limit=0 run cscript "Z:$root/examples/windows/check.vbs" 2>/dev/null

@@ -93,8 +93,8 @@ start_wine
 start_sample_server "$(native_build $native)"
 cd "$build/veskoex"
 folder="Z:${PWD//\//\\}"
-script=("$system\\cscript.exe" "Z:$root/samples/windows/check.vbs")
-host=("$build/samples/windows/vesko-sample-host.exe")
+script=("$system\\cscript.exe" "Z:$root/examples/windows/check.vbs")
+host=("$build/examples/windows/vesko-example-host.exe")
 regsvr32=("$system\\regsvr32.exe" /s)
 status=$'Minutes between checks: -1\nBusy: False'
 seen=$'window: 34 MAILS (33 NEW MAILS, 2 SPAM MAILS)\nrows: 34'
