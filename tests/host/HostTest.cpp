@@ -10,13 +10,14 @@
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
+#include <QProcess>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <functional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "Autostart.h"
@@ -311,12 +312,100 @@ TEST(SingleInstance, TheSocketStandsWhereNobodyElseCanPutOne) {
 }
 
 TEST(Autostart, WritesAndRemovesTheEntry) {
-  QStandardPaths::setTestModeEnabled(true);
   for (const bool on : {true, true, false, false, true, false}) {
     EXPECT_TRUE(SetAutostart(on));
     EXPECT_EQ(AutostartIsOn(), on);
   }
-  QStandardPaths::setTestModeEnabled(false);
+}
+
+struct Outcome {
+  int status;
+  std::string output;
+  std::string errors;
+};
+
+Outcome RunHost(const QStringList& arguments, const QStringList& without = {}) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const QString& name : without) environment.remove(name);
+  QProcess process;
+  process.setProcessEnvironment(environment);
+  process.start(QStringLiteral(VESKO_HOST), arguments);
+  EXPECT_TRUE(process.waitForFinished());
+  return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+          process.readAllStandardOutput().toStdString(),
+          process.readAllStandardError().toStdString()};
+}
+
+TEST(CommandLine, HelpNamesTheProgramAndEveryOption) {
+  const QStringList no_display = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+  const Outcome help = RunHost({"--help"}, no_display);
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.errors, "");
+  EXPECT_EQ(help.output.find("Usage: vesko-host [options]\n"), 0u) << help.output;
+  for (const char* line :
+       {"-h, --help ", "-v, --version ", "--check  ", "--view  ", "--configure  ", "--quit  ",
+        "--demo  ", "Check all mailboxes now.", "End the running instance."}) {
+    EXPECT_NE(help.output.find(line), std::string::npos) << line;
+  }
+  EXPECT_EQ(RunHost({"-h"}, no_display).output, help.output);
+  EXPECT_EQ(RunHost({"--version"}, no_display).output, "vesko-host " VESKO_VERSION "\n");
+}
+
+TEST(CommandLine, WhatCannotBeDoneIsSaidInWords) {
+  const QStringList no_display = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+  const struct {
+    QStringList arguments;
+    QStringList without;
+    int status;
+    std::string errors;
+  } rows[] = {
+      {{"--chek"}, {}, 1, "Unknown option 'chek'.\n"},
+      {{"check"}, {}, 1, "Unexpected argument. Try --help.\n"},
+      {{"--check=now"}, {}, 1, "Unexpected value after '--check'.\n"},
+      {{"--quit"}, no_display, 0, ""},
+      {{"--check"}, no_display, 1, "vesko-host needs a display.\n"},
+      {{},
+       {},
+       1,
+       "vesko-host: /nowhere/libVeskoEx.so: cannot open shared object file: No such file or "
+       "directory (0x800401F8)\n"},
+  };
+  // The user's registration goes before the machine's, which may be there or not.
+  const QString classes = qEnvironmentVariable("XDG_CONFIG_HOME") + "/VeskoEx/classes";
+  ASSERT_TRUE(QDir().mkpath(classes));
+  QFile file(classes + "/veskoex.cveskoex");
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(
+      "CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}\n"
+      "InprocServer32=/nowhere/libVeskoEx.so\n");
+  file.close();
+  for (const auto& row : rows) {
+    const Outcome outcome = RunHost(row.arguments, row.without);
+    const std::string name = row.arguments.join(' ').toStdString();
+    EXPECT_EQ(outcome.status, row.status) << name;
+    EXPECT_EQ(outcome.errors, row.errors) << name;
+    EXPECT_EQ(outcome.output, "") << name;
+  }
+}
+
+TEST(CommandLine, TheRunningInstancesAnswerIsTheExitStatus) {
+  const std::tuple<const char*, int, std::string> rows[] = {
+      {"ok", 0, ""},
+      {"busy", 2, "vesko-host is busy. Try again later.\n"},
+      {"unknown", 1, "The vesko-host that runs does not answer.\n"},
+  };
+  for (const auto& row : rows) {
+    SingleInstance running(InstancePath());
+    ASSERT_TRUE(running.Listen([&](const QString& command) {
+      EXPECT_EQ(command, "view");
+      return QString::fromLatin1(std::get<0>(row));
+    }));
+    QProcess second;
+    second.start(QStringLiteral(VESKO_HOST), {"--view"});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 20'000));
+    EXPECT_EQ(second.exitCode(), std::get<1>(row));
+    EXPECT_EQ(second.readAllStandardError().toStdString(), std::get<2>(row));
+  }
 }
 
 }  // namespace
@@ -324,6 +413,11 @@ TEST(Autostart, WritesAndRemovesTheEntry) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
+  const QTemporaryDir home;  // what the program keeps for its user goes with it
+  for (const char* name :
+       {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
+    qputenv(name, home.path().toUtf8());
+  }
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
   return RUN_ALL_TESTS();
