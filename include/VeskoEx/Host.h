@@ -20,8 +20,15 @@
 
 /// Everything that a program on Linux needs to use an automation component: it finds the class by
 /// its ProgID, loads the library that serves it, creates an object and calls it by name. Header
-/// only, C++17, no library but the C++ one. Failures are raised as Error. Objects belong to the
-/// thread that creates them, which is the one that shows the program's windows.
+/// only, C++17, no library but the C++ one:
+///
+///   vesko::host::Object mail = vesko::host::Create("VeskoEx.cVeskoEx");
+///   if (!mail.Get(u"IsBusy").ToBool()) mail.Call(u"CheckMail");
+///
+/// Failures are thrown as Error, which carries the HRESULT; running out of memory is
+/// std::bad_alloc. Objects belong to the thread that creates them, which must be the one that shows
+/// the program's windows: calls on another fail with RPC_E_WRONG_THREAD. The functions that find
+/// classes may be called anywhere.
 ///
 /// A registered class is announced by a small text file, since it must be readable for everybody
 /// while the registry hives, which hold passwords, are not:
@@ -29,10 +36,12 @@
 ///   CLSID={63A46929-8458-4AA5-8CB6-4BD1B0873CC2}
 ///   InprocServer32=/usr/lib/veskoex/libVeskoEx.so
 ///
-/// Its name is the ProgID in lower case. The user's own folder is asked before the machine's.
+/// Its name is the ProgID in lower case. The user's own folder is asked before the machine's. Lines
+/// with other names are skipped. The file decides which code is run, so one that somebody else
+/// could have written is ignored.
 namespace vesko::host {
 
-/// An operation failed; what() has words for a person.
+/// An operation failed. what() has words for a person, with the HRESULT in parentheses behind them.
 class Error : public std::runtime_error {
  public:
   Error(HRESULT code, const std::string& words) : std::runtime_error(Describe(code, words)) {
@@ -51,10 +60,13 @@ class Error : public std::runtime_error {
   HRESULT code_;
 };
 
-/// HRESULT of a component that has to show windows where none can be shown.
+/// HRESULT of the creation of an object that has to show windows where none can be shown: neither a
+/// Wayland nor an X server answers, or the host's Qt application cannot have widgets.
 inline constexpr HRESULT kNoDisplay = static_cast<HRESULT>(0x800705B3);
 
-/// An automation value, owned.
+/// An automation value. It owns its text or its reference to an object, and can be moved, not
+/// copied. Made from a bool, an int32_t, a double or UTF-16 text, which is copied; empty by
+/// default.
 class Value {
  public:
   Value() { VariantInit(&variant_); }
@@ -86,7 +98,8 @@ class Value {
 
   bool IsEmpty() const { return variant_.vt == VT_EMPTY; }
 
-  /// The value as the caller expects it; DISP_E_TYPEMISMATCH where it is something else.
+  /// The value as the type that the caller expects, without a conversion: throws Error with
+  /// DISP_E_TYPEMISMATCH where it is of another.
   bool ToBool() const {
     Expect(variant_.vt == VT_BOOL);
     return variant_.boolVal != VARIANT_FALSE;
@@ -101,6 +114,8 @@ class Value {
     return {variant_.bstrVal, SysStringLen(variant_.bstrVal)};
   }
 
+  /// The value itself, for calls that this header does not wrap. What it owns stays this object's,
+  /// also when the caller has changed it.
   VARIANT& Raw() { return variant_; }
 
  private:
@@ -111,7 +126,8 @@ class Value {
   VARIANT variant_;
 };
 
-/// A reference to an object that is called by name.
+/// A counted reference to an object that is called by name. It can be moved, not copied; a
+/// moved-from reference may only be destroyed or assigned to. The last reference ends the object.
 class Object {
  public:
   /// Takes over the caller's reference.
@@ -125,12 +141,19 @@ class Object {
     if (dispatch_ != nullptr) dispatch_->Release();
   }
 
+  /// The object itself, without a reference for the caller: valid while this one lives.
   IDispatch* Raw() const { return dispatch_; }
 
-  /// Reads a property.
+  /// Reads a property. Throws Error: DISP_E_UNKNOWNNAME where there is no such member,
+  /// DISP_E_MEMBERNOTFOUND where it is a method, DISP_E_EXCEPTION where the component fails.
   Value Get(std::u16string_view name) { return Invoke(name, DISPATCH_PROPERTYGET, nullptr, 0); }
 
-  /// Calls a method; the arguments are bool, int, double or UTF-16 text.
+  /// Calls a method and returns its result, which is empty where it has none. The arguments are
+  /// bool, int, double or UTF-16 text. Throws Error: DISP_E_UNKNOWNNAME where there is no such
+  /// member, DISP_E_MEMBERNOTFOUND where it is a property, DISP_E_BADPARAMCOUNT for a wrong number
+  /// of arguments, DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW for one that does not fit,
+  /// DISP_E_EXCEPTION where the component fails. A method that shows windows returns when they are
+  /// closed.
   template <typename... Arguments>
   Value Call(std::u16string_view name, Arguments&&... arguments) {
     std::vector<Value> values;
@@ -182,13 +205,14 @@ class Object {
   IDispatch* dispatch_;
 };
 
-/// Where a class is served.
+/// Where a class is served: its identity and the full path of the library.
 struct ClassEntry {
   CLSID clsid = {};
-  std::string library;  // full path
+  std::string library;
 };
 
-/// Folder of the user's configuration files, or empty text when there is none.
+/// Folder of the user's configuration files: XDG_CONFIG_HOME where that is a full path, else
+/// .config in the home folder. Empty text where the user has no home.
 inline std::string UserConfigFolder() {
   const char* configured = std::getenv("XDG_CONFIG_HOME");
   if (configured != nullptr && configured[0] == '/') return configured;
@@ -200,7 +224,8 @@ inline std::string UserConfigFolder() {
   return home != nullptr && home[0] == '/' ? std::string(home) + "/.config" : std::string();
 }
 
-/// Folders with the files that announce classes, for the user and for the machine.
+/// Folders with the files that announce classes, for the user and for the machine. The user's is
+/// empty text where there is no folder for configuration.
 inline std::string UserClassFolder() {
   const std::string folder = UserConfigFolder();
   return folder.empty() ? folder : folder + "/VeskoEx/classes";
@@ -218,7 +243,8 @@ inline std::string ClassFile(const std::string& folder, std::string_view prog_id
   return path;
 }
 
-/// Reads "{63A46929-8458-4AA5-8CB6-4BD1B0873CC2}".
+/// Reads "{63A46929-8458-4AA5-8CB6-4BD1B0873CC2}", with letters in either case. Nothing for a text
+/// of another shape or with anything before or behind it.
 inline std::optional<GUID> ParseGuid(const std::string& text) {
   GUID id = {};
   uint8_t* d = id.Data4;
@@ -316,7 +342,11 @@ inline std::optional<ClassEntry> FindClass(std::string_view prog_id) {
   return std::nullopt;
 }
 
-/// Creates an object of a class in its library. The library stays loaded until the process ends.
+/// Creates an object of a class in its library, which stays loaded until the process ends. Throws
+/// Error: CO_E_DLLNOTFOUND where the library cannot be loaded, CO_E_ERRORINDLL where it serves no
+/// classes, CLASS_E_CLASSNOTAVAILABLE where it does not serve this one, kNoDisplay where it cannot
+/// show windows, RPC_E_WRONG_THREAD where another thread has an object, or what the creation of the
+/// object itself fails with. Nothing of the object is left then.
 inline Object CreateFrom(const ClassEntry& entry) {
   using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
   void* library = dlopen(entry.library.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -336,7 +366,8 @@ inline Object CreateFrom(const ClassEntry& entry) {
   return Object(static_cast<IDispatch*>(object));
 }
 
-/// Creates an object by its ProgID.
+/// Creates an object by its ProgID, compared without case. Throws Error: REGDB_E_CLASSNOTREG where
+/// no file announces the class, with the reason for each file that is ignored, else as CreateFrom.
 inline Object Create(std::string_view prog_id) {
   const auto entry = FindClass(prog_id);
   if (entry) return CreateFrom(*entry);
