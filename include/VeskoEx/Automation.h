@@ -156,7 +156,8 @@ inline constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000B);
 inline constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000E);
 inline constexpr HRESULT DISP_E_PARAMNOTOPTIONAL = static_cast<HRESULT>(0x8002000F);
 
-/// Whether a call succeeded; S_FALSE has.
+/// Whether a call succeeded or failed. S_FALSE succeeded, so a comparison with S_OK asks for more
+/// than these do.
 constexpr bool SUCCEEDED(HRESULT result) { return result >= 0; }
 constexpr bool FAILED(HRESULT result) { return result < 0; }
 
@@ -166,7 +167,8 @@ inline constexpr DISPID DISPID_UNKNOWN = -1;
 inline constexpr DISPID DISPID_VALUE = 0;
 inline constexpr DISPID DISPID_PROPERTYPUT = -3;
 
-// How a member is to be used. A caller that cannot tell a method from a property adds both.
+// How a member is to be used: called, read, or set to a value or a reference. A caller that cannot
+// tell a method from a property adds both.
 inline constexpr WORD DISPATCH_METHOD = 1;
 inline constexpr WORD DISPATCH_PROPERTYGET = 2;
 inline constexpr WORD DISPATCH_PROPERTYPUT = 4;
@@ -176,6 +178,9 @@ inline constexpr WORD DISPATCH_PROPERTYPUTREF = 8;
 /// and fits no argument. VT_ERROR with DISP_E_PARAMNOTFOUND stands for an argument left out.
 /// VT_BYREF: `byref` points to the caller's value of that type. VT_ARRAY is here to be recognised;
 /// nothing below handles arrays.
+///
+/// A host that receives a value looks at its type before it touches the union; a component returns
+/// VT_BOOL, VT_I4, VT_BSTR or VT_EMPTY.
 enum VARENUM {
   VT_EMPTY = 0,
   VT_NULL = 1,
@@ -300,6 +305,8 @@ struct EXCEPINFO {
 };
 
 /// Makes objects of one class. It serves the thread that obtained it.
+/// Obtained from the entry point DllGetClassObject of the library; while one lives, the library is
+/// needed, as it is while an object lives.
 struct IClassFactory : IUnknown {
   /// Makes an object and stores its interface `iid`, with a reference for the caller. `outer` must
   /// be null: CLASS_E_NOAGGREGATION. E_NOINTERFACE where objects have no such interface; none is

@@ -30,6 +30,16 @@
 /// the program's windows: calls on another fail with RPC_E_WRONG_THREAD. The functions that find
 /// classes may be called anywhere.
 ///
+/// The component shows its windows by Qt. A program that is no Qt program need not care: the first
+/// object makes the process's QApplication, which stays until the process ends. A Qt program makes
+/// its own QApplication before it creates an object, and turns quitOnLastWindowClosed off, or
+/// closing the component's last window ends the program. While one of its windows is open the
+/// component handles the events of the others too, so a timer may fire within a call: ask IsBusy
+/// there first.
+///
+/// Release every object before the program ends, for the last one saves the settings. A library
+/// stays loaded once an object was created from it.
+///
 /// A registered class is announced by a small text file, since it must be readable for everybody
 /// while the registry hives, which hold passwords, are not:
 ///
@@ -48,6 +58,7 @@ class Error : public std::runtime_error {
     code_ = code;
   }
 
+  /// What the operation failed with; negative.
   HRESULT Code() const { return code_; }
 
  private:
@@ -96,6 +107,7 @@ class Value {
   }
   ~Value() { VariantClear(&variant_); }
 
+  /// Whether there is no value, as after a method without a result.
   bool IsEmpty() const { return variant_.vt == VT_EMPTY; }
 
   /// The value as the type that the caller expects, without a conversion: throws Error with
@@ -232,7 +244,9 @@ inline std::string UserClassFolder() {
 }
 inline std::string MachineClassFolder() { return "/etc/xdg/VeskoEx/classes"; }
 
-/// The file in `folder` that announces a class. Empty text for what cannot be a ProgID.
+/// Full path of the file in `folder` that announces a class, whether it exists or not. The ProgID's
+/// letters count in either case. Empty text where the folder is empty, or for what cannot be a
+/// ProgID because it would name a file elsewhere.
 inline std::string ClassFile(const std::string& folder, std::string_view prog_id) {
   if (folder.empty() || prog_id.empty()) return {};
   std::string path = folder + "/";
