@@ -17,7 +17,9 @@ endif()
 if(NOT WIN32)
   target_link_options(vesko_options INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 else()
-  target_link_options(vesko_options INTERFACE LINKER:--dynamicbase,--nxcompat)
+  # The compiler brings the library of the guards by the same option.
+  target_link_options(vesko_options INTERFACE -fstack-protector-strong
+                                              LINKER:--dynamicbase,--nxcompat)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     target_link_options(vesko_options INTERFACE LINKER:--high-entropy-va)
   endif()
