@@ -8,6 +8,7 @@ target_compile_options(
 include(CheckPIESupported)
 check_pie_supported()
 target_compile_options(vesko_options INTERFACE -fstack-protector-strong)
+target_link_options(vesko_options INTERFACE -fstack-protector-strong)  # for the library that it takes
 if(NOT VESKO_SANITIZE)
   target_compile_options(
     vesko_options
