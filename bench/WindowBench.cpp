@@ -65,6 +65,7 @@ struct Machine {
 };
 
 void Fill(colMails& mails, int count, const Locale& locale) {
+  mails.BeginSession({u"pop3.company.example", kPop3Port, u"user"});
   for (int64_t i = 0; i < count; ++i) {
     const auto message = std::make_shared<cMessage>(locale);
     message->From = u"Sender " + Decimal(i * 7919 % 1000) + u" <someone@company.example>";
@@ -74,7 +75,8 @@ void Fill(colMails& mails, int count, const Locale& locale) {
     message->MessageTo = u"Team <team@company.example>";
     message->MessageID = Decimal(i);
     message->MessageBody = u"Hello,\r\n\r\nhere they are.\r\n";
-    mails.Add(message, u"user");
+    message->SetIndex(static_cast<int32_t>(i + 1));
+    mails.Add(message);
   }
 }
 

@@ -70,6 +70,14 @@ class KeyedCollection {
     }
   }
 
+  /// The same, and a visit may change its value.
+  template <typename Visit>
+  void ForEach(Visit&& visit) {
+    for (Slot& slot : slots_) {
+      if (slot.value && !visit(*slot.value)) return;
+    }
+  }
+
  private:
   struct Slot {
     Text key;

@@ -153,7 +153,7 @@ void fListMail::FillList() {
 
 void fListMail::UpdateStatus() {
   const MailCounts counts = mails_.Counts();
-  SetCaption(StatusText(counts, locale_));
+  SetCaption(StatusText(counts));
   cmdMail[kDeleteSpam].SetEnabled(counts.spam > 0);
 }
 

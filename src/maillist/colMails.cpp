@@ -50,11 +50,10 @@ MailState StateOf(const cMessage& message) {
   return message.Read ? MailState::kMailRead : MailState::kMail;
 }
 
-Text StatusText(const MailCounts& counts, const Locale& locale) {
-  const Text text = Decimal(static_cast<int64_t>(counts.total)) + u" mails (" +
-                    Decimal(static_cast<int64_t>(counts.total - counts.read)) + u" new mails, " +
-                    Decimal(static_cast<int64_t>(counts.spam)) + u" SPAM mails)";
-  return locale.Map(TextMapping::kUpper, text);
+Text StatusText(const MailCounts& counts) {
+  return Decimal(static_cast<int64_t>(counts.total)) + u" MAILS (" +
+         Decimal(static_cast<int64_t>(counts.total - counts.read)) + u" NEW MAILS, " +
+         Decimal(static_cast<int64_t>(counts.spam)) + u" SPAM MAILS)";
 }
 
 bool IsSpamMessage(const cMessage& message, const std::vector<Text>& senders,
@@ -68,18 +67,60 @@ Text colMails::Key(TextView server, TextView message_id) {
   return key.append(server).append(message_id);
 }
 
-bool colMails::Add(Message message, const Text& user) {
+void colMails::BeginSession(const Maildrop& maildrop) {
+  ++session_;
+  const auto found = std::ranges::find(sources_, maildrop, &Source::maildrop);
+  source_ = static_cast<uint32_t>(found - sources_.begin());
+  if (found == sources_.end()) sources_.push_back({maildrop});
+}
+
+bool colMails::Add(Message message) {
+  const int32_t number = message->Index();
   const Text key = Key(message->Server, message->MessageID);
-  Entry* known = entries_.Find(key);
-  if (!known) {
-    entries_.Add(Entry{std::move(message), user, session_}, key);
+  if (Entry* known = entries_.Find(key)) {
+    SeeAgain(*known, number);
+    return false;
+  }
+  entries_.Add(Entry{std::move(message), source_, session_, Sight::kNew}, key);
+  // The number of a message that the last complete session saw, and which has moved therefore.
+  if (number <= sources_[source_].count) sources_[source_].numbers_hold = false;
+  return true;
+}
+
+void colMails::SeeAgain(Entry& entry, int32_t number) {
+  if (entry.source != source_ || entry.last_session == session_) return;
+  Source& source = sources_[source_];
+  const bool as_expected =
+      entry.sight == Sight::kNumbered ? entry.message->Index() == number : number > source.count;
+  if (!as_expected) source.numbers_hold = false;
+  if (entry.sight == Sight::kGone) entry.sight = Sight::kNew;
+  entry.last_session = session_;
+  entry.message->SetIndex(number);
+}
+
+void colMails::CompleteSession(int32_t count) {
+  entries_.ForEach([this](Entry& entry) {
+    const bool seen = entry.last_session == session_;
+    if (entry.source == source_) entry.sight = seen ? Sight::kNumbered : Sight::kGone;
     return true;
-  }
-  if (known->user == user && known->session != session_) {
-    known->session = session_;
-    IgnoreErrors([&] { known->message->SetIndex(message->Index()); });
-  }
-  return false;
+  });
+  sources_[source_].count = count;
+  sources_[source_].numbers_hold = true;
+}
+
+const colMails::Source* colMails::FindSource(const Maildrop& maildrop) const {
+  const auto found = std::ranges::find(sources_, maildrop, &Source::maildrop);
+  return found == sources_.end() ? nullptr : &*found;
+}
+
+int32_t colMails::CountIn(const Maildrop& maildrop) const {
+  const Source* source = FindSource(maildrop);
+  return source ? source->count : 0;
+}
+
+void colMails::ForgetNumbers(const Maildrop& maildrop) {
+  const auto found = std::ranges::find(sources_, maildrop, &Source::maildrop);
+  if (found != sources_.end()) found->numbers_hold = false;
 }
 
 colMails::Message colMails::Find(const Text& key) const {
@@ -97,12 +138,16 @@ std::vector<colMails::Message> colMails::All() const {
   return all;
 }
 
-std::vector<colMails::Message> colMails::MarkedForDeletion(TextView server, TextView user) const {
-  std::vector<Message> marked;
+colMails::Marked colMails::MarkedForDeletion(const Maildrop& maildrop) const {
+  Marked marked;
+  const Source* source = FindSource(maildrop);
+  if (!source) return marked;
+  const auto position = static_cast<uint32_t>(source - sources_.data());
   entries_.ForEach([&](const Entry& entry) {
-    const cMessage& message = *entry.message;
-    if (message.Delete && message.Server == server && entry.user == user) {
-      marked.push_back(entry.message);
+    if (entry.source != position || !entry.message->Delete) return true;
+    if (entry.sight == Sight::kGone) marked.gone.push_back(entry.message);
+    if (entry.sight == Sight::kNumbered && source->numbers_hold) {
+      marked.numbered.push_back(entry.message);
     }
     return true;
   });

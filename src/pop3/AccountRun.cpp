@@ -47,7 +47,7 @@ bool AccountRun::Prepare(bool retry) {
 }
 
 bool AccountRun::WouldAsk() const {
-  return !session_.LastCommand().empty() || session_.HostNotFound();
+  return !session_.LastCommand().empty() || session_.Result().host_not_found;
 }
 
 bool AccountRun::ConfirmRetry() {
@@ -97,13 +97,13 @@ bool AccountRun::RunSession() {
   if (Left()) return false;
   Connect();
   Wait();
+  session_.End();
   return session_.State() == SessionState::kQuitSent;
 }
 
 void AccountRun::Connect() {
   const Pop3Session::Login& login = session_.GetLogin();
   IgnoreErrors([&] { services_.socket.SetLocalPort(0); });
-  data_.mails.BeginSession();
   IgnoreErrors([&] { services_.socket.Connect(login.host, login.port); });
   view_.ShowCommand(u"Command: Connecting to " + login.host);
 }
@@ -182,6 +182,8 @@ void AccountRun::Skip() {
 }
 
 void AccountRun::LogOut() {
+  // Already logging out; to stop the session now would leave the answer unread.
+  if (session_.State() == SessionState::kQuitSent) return;
   session_.Stop();
   RunPending();
   // Another press of a button may have come in between and done the rest.

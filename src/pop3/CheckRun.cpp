@@ -60,6 +60,7 @@ class CheckRun::Impl : public Pop3Session::Listener {
   void Unload();
   void CheckAllAccounts();
   void CheckAccount(int32_t position);
+  bool RunSession();
 
   const Services& services_;
   SharedData& data_;
@@ -90,9 +91,22 @@ void CheckRun::Impl::CheckAccount(int32_t position) {
     const Text host = Quoted(session_.GetLogin().host);
     view_.ShowCaption(u"Checking mail box of " + host + u" ...");
     view_.ShowProgress(u"Connecting " + host + u" ...");
-    if (account_.RunSession()) return;
+    if (RunSession()) return;
     account_.Settle();
   }
+}
+
+bool CheckRun::Impl::RunSession() {
+  const Maildrop maildrop = session_.GetMaildrop();
+  data_.mails.BeginSession(maildrop);
+  const bool ended = account_.RunSession();
+  const Pop3Session::Outcome& outcome = session_.Result();
+  if (outcome.saw_all) {
+    data_.mails.CompleteSession(*outcome.count);
+  } else if (outcome.count && *outcome.count < data_.mails.CountIn(maildrop)) {
+    data_.mails.ForgetNumbers(maildrop);
+  }
+  return ended;
 }
 
 void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
@@ -101,7 +115,7 @@ void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
   IgnoreErrors([&] { message->CreateFromText(text); });
   message->Server = session_.GetLogin().host;
   message->SetIndex(number);
-  data_.mails.Add(std::move(message), session_.GetLogin().user);
+  data_.mails.Add(std::move(message));
 }
 
 CheckRun::CheckRun(const Services& services, SharedData& data, ProgressView& view)

@@ -1,6 +1,13 @@
 #include "pop3/DeletionPass.h"
 
 namespace vesko {
+namespace {
+
+constexpr TextView kMailboxChanged =
+    u"The mailbox has changed since it was checked. Nothing was deleted; please look at the list "
+    u"again.";
+
+}  // namespace
 
 void DeletionPass::Run() {
   if (!data_.mails.AnySpam()) return;
@@ -11,9 +18,9 @@ void DeletionPass::Run() {
 
 void DeletionPass::DeleteMailOf(int32_t position) {
   account_.Start(position);
-  if (DeleteOnServer()) ForgetDeleted();
+  if (DeleteOnServer()) RemoveMarkedAndGone();
   // A list left behind would turn the next account's check into a deletion.
-  session_.Deletions() = {};
+  session_.SetDeletions({}, 0);
 }
 
 bool DeletionPass::DeleteOnServer() {
@@ -21,29 +28,47 @@ bool DeletionPass::DeleteOnServer() {
     const Text host = Quoted(session_.GetLogin().host);
     view_.ShowCaption(u"Deleting SPAM mail of " + host + u" ...");
     view_.ShowProgress(u"Connecting to " + host + u" ...");
-    ListMarked();
-    if (session_.Deletions().Count() == 0) return false;
-    if (account_.RunSession()) return true;
+    List(data_.mails.MarkedForDeletion(session_.GetMaildrop()).numbered);
+    if (session_.Deletions().Count() == 0) return true;
+    if (RunSession()) return session_.Result().deleted == session_.Deletions().Count();
     account_.Settle();
   }
   return false;
 }
 
-void DeletionPass::ListMarked() {
-  const Pop3Session::Login& login = session_.GetLogin();
+void DeletionPass::List(const std::vector<colMails::Message>& messages) {
   Pop3Session::DeletionList list;
-  for (colMails::Message& message : data_.mails.MarkedForDeletion(login.host, login.user)) {
-    const Text key = colMails::Key(login.host, message->MessageID);
-    list.Add(std::move(message), key);
+  for (const colMails::Message& message : messages) {
+    list.Add(message, colMails::Key(message->Server, message->MessageID));
   }
-  session_.Deletions() = std::move(list);
+  session_.SetDeletions(std::move(list), data_.mails.CountIn(session_.GetMaildrop()));
 }
 
-void DeletionPass::ForgetDeleted() {
-  session_.Deletions().ForEach([this](const colMails::Message& message) {
-    data_.mails.Remove(colMails::Key(session_.GetLogin().host, message->MessageID));
-    return true;
+bool DeletionPass::RunSession() {
+  const bool ended = account_.RunSession();
+  const Pop3Session::Outcome& outcome = session_.Result();
+  if (outcome.shrunk || (outcome.delete_sent && outcome.quit_sent)) {
+    data_.mails.ForgetNumbers(session_.GetMaildrop());
+  }
+  if (outcome.quit_sent) RemoveDeleted(outcome.deleted);
+  if (outcome.shrunk && !account_.Over()) {
+    view_.ShowError(Text(kMailboxChanged), session_.GetLogin().host);
+  }
+  return ended;
+}
+
+void DeletionPass::RemoveDeleted(size_t count) {
+  session_.Deletions().ForEach([&](const colMails::Message& message) {
+    if (count == 0) return false;
+    --count;
+    return data_.mails.Remove(colMails::Key(message->Server, message->MessageID));
   });
+}
+
+void DeletionPass::RemoveMarkedAndGone() {
+  for (const auto& message : data_.mails.MarkedForDeletion(session_.GetMaildrop()).gone) {
+    data_.mails.Remove(colMails::Key(message->Server, message->MessageID));
+  }
 }
 
 }  // namespace vesko

@@ -21,8 +21,10 @@ class DeletionPass {
  private:
   void DeleteMailOf(int32_t position);
   bool DeleteOnServer();
-  void ListMarked();
-  void ForgetDeleted();
+  void List(const std::vector<colMails::Message>& messages);
+  bool RunSession();
+  void RemoveDeleted(size_t count);
+  void RemoveMarkedAndGone();
 
   SharedData& data_;
   ProgressView& view_;

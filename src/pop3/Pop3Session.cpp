@@ -28,13 +28,23 @@ Text MaskedCommand(const Text& command) {
 void Pop3Session::Begin() {
   state_ = SessionState::kConnecting;
   interrupted_ = false;
-  host_not_found_ = false;
-  buffer_.Clear();
+  awaits_deletion_ = false;
+  outcome_ = {};
+  buffer_ = {};
+}
+
+void Pop3Session::SetDeletions(DeletionList list, int32_t known_count) {
+  deletions_ = std::move(list);
+  known_count_ = known_count;
 }
 
 void Pop3Session::Quit() {
   interrupted_ = true;
-  Send(SessionState::kQuitSent, u"QUIT");
+  SendQuit();
+}
+
+void Pop3Session::SendQuit() {
+  if (Send(SessionState::kQuitSent, u"QUIT")) outcome_.quit_sent = true;
 }
 
 bool Pop3Session::HandleArrival() {
@@ -42,20 +52,27 @@ bool Pop3Session::HandleArrival() {
   listener_.RefreshStatus();
   Text data = services_.socket.GetData();
   if (data.empty()) return false;
-  if (state_ == SessionState::kStopped) return true;
   buffer_.Append(std::move(data));
   HandleText();
   return true;
 }
 
 void Pop3Session::HandleText() {
-  if (interrupted_) {
-    services_.socket.Close();
+  if (interrupted_ || state_ == SessionState::kStopped) {
+    HandleInterrupted();
   } else if (state_ == SessionState::kTopSent) {
     if (buffer_.HasDotLine()) HandleHeader();
   } else if (buffer_.EndsWithCrLf()) {
     HandleReply(buffer_.Take());
   }
+}
+
+// Of what still arrives only the answer to a DELE matters: the logout makes it final.
+void Pop3Session::HandleInterrupted() {
+  if (awaits_deletion_ && !buffer_.EndsWithCrLf()) return;
+  if (std::exchange(awaits_deletion_, false) && buffer_.StartsWith(u'+')) ++outcome_.deleted;
+  buffer_ = {};
+  if (interrupted_) services_.socket.Close();
 }
 
 void Pop3Session::HandlePeerClosed() {
@@ -74,9 +91,11 @@ void Pop3Session::HandleReply(const Text& reply) {
     case SessionState::kConnecting:
       return Greeted();
     case SessionState::kUserSent:
-      return Send(SessionState::kPassSent, u"PASS " + login_.password);
+      Send(SessionState::kPassSent, u"PASS " + login_.password);
+      return;
     case SessionState::kPassSent:
-      return Send(SessionState::kStatSent, u"STAT");
+      Send(SessionState::kStatSent, u"STAT");
+      return;
     case SessionState::kStatSent:
       return HandleCount(reply);
     case SessionState::kDeleSent:
@@ -104,10 +123,11 @@ void Pop3Session::Greeted() {
 }
 
 void Pop3Session::HandleCount(const Text& reply) {
-  IgnoreErrors([&] { total_ = ParseCount(reply); });
+  IgnoreErrors([&] { outcome_.count = total_ = ParseCount(reply); });
   if (deletions_.Count() != 0) return StartDeleting();
-  if (total_ < 1) return Send(SessionState::kQuitSent, u"QUIT");
-  StartFetching();
+  if (total_ >= 1) return StartFetching();
+  outcome_.saw_all = outcome_.count.has_value();
+  SendQuit();
 }
 
 void Pop3Session::StartFetching() {
@@ -128,12 +148,17 @@ void Pop3Session::HandleHeader() {
     const Text reply = buffer_.Take();
     listener_.StoreHeader(TopContent(reply), current_);
   }
-  if (current_ == total_) return Send(SessionState::kQuitSent, u"QUIT");
+  if (current_ == total_) {
+    outcome_.saw_all = true;
+    return SendQuit();
+  }
   ++current_;
   FetchCurrent();
 }
 
 void Pop3Session::StartDeleting() {
+  outcome_.shrunk = outcome_.count && *outcome_.count < known_count_;
+  if (outcome_.shrunk) return SendQuit();
   total_ = static_cast<int32_t>(deletions_.Count());
   view_.SetProgressMaximum(total_);
   view_.SetProgressValue(0);
@@ -145,23 +170,29 @@ void Pop3Session::DeleteCurrent() {
   state_ = SessionState::kDeleSent;
   IgnoreErrors([this] {
     const auto position = static_cast<size_t>(current_);
-    Send(SessionState::kDeleSent, u"DELE " + Decimal(deletions_.Item(position)->Index()));
+    const Text command = u"DELE " + Decimal(deletions_.Item(position)->Index());
+    awaits_deletion_ = Send(SessionState::kDeleSent, command);
+    outcome_.delete_sent = outcome_.delete_sent || awaits_deletion_;
   });
 }
 
 void Pop3Session::HandleDeletion() {
+  awaits_deletion_ = false;
+  ++outcome_.deleted;
   view_.SetProgressValue(current_);
-  if (current_ == total_) return Send(SessionState::kQuitSent, u"QUIT");
+  if (current_ == total_) return SendQuit();
   ++current_;
   DeleteCurrent();
 }
 
-void Pop3Session::Send(SessionState next, Text command) {
+bool Pop3Session::Send(SessionState next, Text command) {
   state_ = next;
   view_.ShowCommand(u"Command: " + MaskedCommand(command));
   last_command_ = std::move(command);
-  IgnoreErrors([this] { services_.socket.SendData(Text(last_command_).append(kCrLf)); });
+  const bool sent =
+      IgnoreErrors([this] { services_.socket.SendData(Text(last_command_).append(kCrLf)); });
   ShowPosition();
+  return sent;
 }
 
 void Pop3Session::ShowPosition() {
@@ -175,9 +206,9 @@ void Pop3Session::HandleError(int32_t number, const Text& description) {
   services_.socket.Close();
   services_.pump.RunPending(std::chrono::milliseconds(0));
   if (state_ == SessionState::kStopped) return;
-  host_not_found_ = number == kSocketHostNotFound;
+  outcome_.host_not_found = number == kSocketHostNotFound;
   const Text title = login_.host;
-  if (host_not_found_) return view_.ShowError(description, title);
+  if (outcome_.host_not_found) return view_.ShowError(description, title);
   view_.ShowError(u"Winsock Error: #" + Decimal(number) + u"\r\n" + description, title);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "base/KeyedCollection.h"
@@ -64,9 +65,13 @@ class Pop3Session {
 
   void SetLogin(Login login) { login_ = std::move(login); }
   const Login& GetLogin() const { return login_; }
+  Maildrop GetMaildrop() const { return {login_.host, login_.port, login_.user}; }
 
-  /// A connection is about to be requested. Forgets what the last one left of a reply.
+  /// A connection is about to be requested.
   void Begin();
+
+  /// The connection is closed: gives back the memory of an unfinished reply.
+  void End() { buffer_ = {}; }
 
   /// The user or the closing window stops the session: it takes no further step.
   void Stop() { state_ = SessionState::kStopped; }
@@ -81,15 +86,27 @@ class Pop3Session {
   /// password.
   const Text& LastCommand() const { return last_command_; }
 
-  /// The last connection failed because there is no such host.
-  bool HostNotFound() const { return host_not_found_; }
+  /// What has come of the session since Begin.
+  struct Outcome {
+    std::optional<int32_t> count;  // of messages in the mailbox, when STAT told it
+    bool saw_all = false;          // every message was fetched, and not ended by Quit before
+    bool shrunk = false;           // nothing was deleted: the mailbox has lost messages
+    bool delete_sent = false;      // at least one DELE has left
+    bool quit_sent = false;        // the server deletes what it was told to
+    size_t deleted = 0;            // so many DELE were accepted, from the beginning of the list
+    bool host_not_found = false;   // the connection failed because there is no such host
+  };
+  const Outcome& Result() const { return outcome_; }
 
   /// Seconds since data arrived last, or since waiting began.
   double Silence() const { return services_.clock.Seconds() - last_activity_; }
   void StartWaiting() { last_activity_ = services_.clock.Seconds(); }
 
-  /// Messages to delete; when it is empty the session fetches.
-  DeletionList& Deletions() { return deletions_; }
+  /// Messages to delete, by the numbers that a session saw when the mailbox held `known_count`
+  /// messages; when there are fewer now, the numbers have moved and the session logs out without
+  /// deleting. With an empty list the session fetches.
+  void SetDeletions(DeletionList list, int32_t known_count);
+  const DeletionList& Deletions() const { return deletions_; }
 
   /// The socket's events. HandleArrival tells whether there was anything to take.
   bool HandleArrival();
@@ -101,6 +118,7 @@ class Pop3Session {
  private:
   void HandleText();
   void HandleReply(const Text& reply);
+  void HandleInterrupted();
   void HandleCount(const Text& reply);
   void HandleHeader();
   void HandleDeletion();
@@ -112,7 +130,8 @@ class Pop3Session {
   void FetchCurrent();
   void DeleteCurrent();
 
-  void Send(SessionState next, Text command);
+  bool Send(SessionState next, Text command);
+  void SendQuit();
   void ShowPosition();
 
   const Services& services_;
@@ -121,14 +140,16 @@ class Pop3Session {
   Listener& listener_;
   Login login_;
   SessionState state_ = SessionState::kConnecting;
-  bool interrupted_ = false;
-  bool host_not_found_ = false;
+  bool interrupted_ = false;  // by Quit
+  bool awaits_deletion_ = false;
+  Outcome outcome_;
   Text last_command_;
   double last_activity_ = 0;
   int32_t total_ = 0;
   int32_t current_ = 0;
   ReplyBuffer buffer_;
   DeletionList deletions_;
+  int32_t known_count_ = 0;
 };
 
 }  // namespace vesko

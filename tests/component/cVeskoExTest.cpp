@@ -117,7 +117,10 @@ TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
   machine.toolkit.On("fConfig", [&](Form& form) {
     EXPECT_EQ(Find<TabControl>(form, "SSTab1").Tab(), kAccountsPage);
     EXPECT_TRUE(Object().IsBusy());
-    state.data.mails.Add(std::make_shared<cMessage>(*machine.locale), u"ann");
+    const auto message = std::make_shared<cMessage>(*machine.locale);
+    message->SetIndex(1);
+    state.data.mails.BeginSession({});
+    state.data.mails.Add(message);
     state.data.configuration.DownLines = 7;
     object.reset();
     EXPECT_FALSE(form.IsLoaded());

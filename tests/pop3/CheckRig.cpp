@@ -37,13 +37,26 @@ void CheckRig::AddAccount(const Text& server, const Text& user, const Text& pass
   configuration.AddAccount({u"Home", server, user, scrambled, port, u"1"});
 }
 
-std::shared_ptr<cMessage> CheckRig::AddMail(const Text& name, int number, const Text& user) {
-  auto message = std::make_shared<cMessage>(locale);
-  message->CreateFromText(Mail(name));
-  message->Server = u"pop.example.org";
-  message->SetIndex(number);
-  mails.Add(message, user);
-  return message;
+void CheckRig::AddMarked(const std::vector<Seen>& messages, int32_t count,
+                         const Maildrop& maildrop) {
+  mails.BeginSession(maildrop);
+  for (const Seen& seen : messages) {
+    auto message = std::make_shared<cMessage>(locale);
+    message->CreateFromText(Mail(seen.name));
+    message->Server = maildrop.server;
+    message->SetIndex(seen.number);
+    message->Spam = message->Delete = true;
+    mails.Add(message);
+  }
+  mails.CompleteSession(count);
+}
+
+void CheckRig::When(const std::string& line, std::function<void()> deed) {
+  pump.on_turn = [this, line, deed](int) {
+    if (socket.sent.empty() || socket.sent.back() != line) return;
+    pump.on_turn = nullptr;
+    deed();
+  };
 }
 
 void CheckRig::Run() {

@@ -31,8 +31,18 @@ struct CheckRig {
   void AddAccount(const Text& server = u"pop.example.org", const Text& user = u"ann",
                   const Text& password = u"secret", const Text& port = u"995");
 
-  /// A message that an earlier check fetched.
-  std::shared_ptr<cMessage> AddMail(const Text& name, int number, const Text& user = u"ann");
+  struct Seen {
+    Text name;
+    int number;
+  };
+
+  /// What an earlier check has seen in ann's maildrop, or another, all of it marked as spam and for
+  /// deletion.
+  void AddMarked(const std::vector<Seen>& messages, int32_t count,
+                 const Maildrop& maildrop = {u"pop.example.org", 995, u"ann"});
+
+  /// Does something at the first turn at which the last line that was sent is this one.
+  void When(const std::string& sent, std::function<void()> deed);
 
   /// One showing of the window, from preparation to its end.
   void Run();

@@ -220,9 +220,7 @@ TEST(Buttons, WorkAtEveryTurnOfACheck) {
 TEST(Buttons, WorkAtEveryTurnOfADeletion) {
   PressEverywhere(
       [](CheckRig& rig) {
-        for (const auto& message : {rig.AddMail(u"a", 1), rig.AddMail(u"b", 2)}) {
-          message->Spam = message->Delete = true;
-        }
+        rig.AddMarked({{u"a", 1}, {u"b", 2}}, 0);
         const Script deletion = Login() + Stat(u"0 9") + Dele(1) + Dele(2) + Quit();
         rig.socket.conversations = {deletion, Mailbox({}), Mailbox({})};
       },
@@ -241,12 +239,7 @@ TEST(Buttons, NextLogsOutAndGoesOn) {
                              Server(u"half\r\n") + Server(u"a message\r\n") + Client(u"QUIT") +
                              Server(u"is no error\r\n");
   rig.socket.conversations = {interrupted, Login() + Stat(u"of no use") + Quit()};
-  bool pressed = false;
-  rig.pump.on_turn = [&](int) {
-    if (rig.socket.sent.empty() || rig.socket.sent.back() != "TOP 2 5" || pressed) return;
-    pressed = true;
-    rig.run.Next();
-  };
+  rig.When("TOP 2 5", [&] { rig.run.Next(); });
   rig.Run();
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
   EXPECT_EQ(rig.Dialogs(), Lines{});
@@ -278,55 +271,6 @@ TEST(Buttons, ClosingWhileAFailureIsHandledShowsNoBox) {
   };
   rig.Run();
   EXPECT_EQ(rig.Dialogs(), Lines{});
-}
-
-// --- Deletion ---------------------------------------------------------------------------------
-
-struct DeletionRig : CheckRig {
-  DeletionRig() {
-    AddAccount();
-    for (const auto& message : {AddMail(u"a", 3), AddMail(u"b", 5), AddMail(u"c", 7, u"bob")}) {
-      message->Spam = message->Delete = true;
-    }
-    AddMail(u"kept", 1);
-  }
-};
-
-TEST(Deletion, DeletesByNumberWhatTheAccountFetched) {
-  DeletionRig rig;
-  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})};
-  rig.Run();
-  EXPECT_EQ(rig.Mails(), (Lines{"c#7", "kept#1"}));
-  EXPECT_EQ(rig.socket.faults, Lines{});
-  EXPECT_EQ(rig.socket.Unused(), 0u);
-  EXPECT_EQ(rig.view.Noted("caption")[0], "Deleting SPAM mail of 'pop.example.org' ...");
-  EXPECT_EQ(rig.view.Noted("value"), (Lines{"0", "1", "2"}));
-}
-
-TEST(Deletion, NeedsASpamMarkSomewhereAndConnectsOnlyWhereNeeded) {
-  for (bool spam : {false, true}) {
-    CheckRig rig;
-    rig.AddAccount();
-    rig.AddMail(u"a", 3)->Delete = !spam;
-    rig.AddMail(u"b", 4)->Spam = spam;
-    rig.socket.conversations = {Mailbox({})};
-    rig.Run();
-    EXPECT_EQ(rig.mails.Count(), 2u);
-    EXPECT_EQ(rig.socket.Unused(), 0u);
-    EXPECT_EQ(rig.view.Noted("progress")[0] == "Connecting to 'pop.example.org' ...", spam);
-  }
-}
-
-TEST(Deletion, KeepsMessagesWhereTheSessionFailed) {
-  const Script failing = Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Server(u"-ERR\r\n");
-  DeletionRig rig;
-  rig.socket.conversations = {failing, failing, Mailbox({Mail(u"b")})};
-  rig.view.answers = {0, 1};
-  rig.Run();
-  EXPECT_EQ(rig.view.Noted("ask").size(), 2u);
-  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "c#7", "kept#1"}));  // the check fetches all the same
-  EXPECT_EQ(rig.socket.faults, Lines{});
-  EXPECT_TRUE(rig.Find(u"a").Delete);
 }
 
 }  // namespace

@@ -55,7 +55,9 @@ struct FakeMachine {
     message->MessageID = u"<" + Decimal(static_cast<int64_t>(mails.Count())) + u"@mail.example>";
     message->MessageBody = u"body from " + from;
     message->SetIndex(static_cast<int32_t>(mails.Count() + 1));
-    mails.Add(message, u"ann");
+    if (mails.Count() == 0) mails.BeginSession({message->Server, kPop3Port, u"ann"});
+    mails.Add(message);
+    mails.CompleteSession(message->Index());
     return *message;
   }
 

@@ -4,6 +4,7 @@
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
+#include <deque>
 #include <future>
 #include <mutex>
 #include <stdexcept>
@@ -25,7 +26,7 @@ struct Mailboxes {
 };
 
 /// One client: command lines in, answers out, as the faults want it. Deletes itself when the client
-/// is gone.
+/// is gone and what it sent before has been carried out.
 class Connection : public QObject {
  public:
   /// Takes the socket over.
@@ -40,18 +41,24 @@ class Connection : public QObject {
     pause_.setSingleShot(true);
     connect(&pause_, &QTimer::timeout, this, [this] { Speak(); });
     connect(socket, &QTcpSocket::readyRead, this, [this] { Hear(); });
-    connect(socket, &QTcpSocket::disconnected, this, [this] { End(); });
+    connect(socket, &QTcpSocket::disconnected, this, [this] {
+      client_gone_ = true;
+      EndWhenDone();
+    });
     if (!faults_.never_answer) SpeakAfter(faults_.greeting_delay);
   }
   ~Connection() override { Forget(); }
 
  private:
-  bool LineWaits() { return !ended_ && socket_.canReadLine(); }
+  bool LineWaits() const { return !ended_ && !lines_.empty(); }
 
   void Hear() {
     if (faults_.never_answer) {
       socket_.readAll();
-    } else if (!socket_.canReadLine() && socket_.bytesAvailable() > kLongestLine) {
+      return;
+    }
+    while (socket_.canReadLine()) lines_.push_back(socket_.readLine().toStdString());
+    if (socket_.bytesAvailable() > kLongestLine) {
       socket_.abort();
     } else if (greeted_ && !pause_.isActive() && LineWaits()) {
       SpeakAfter(faults_.answer_delay);
@@ -68,6 +75,7 @@ class Connection : public QObject {
       greeted_ ? AnswerLine() : Greet();
     } while (LineWaits() && faults_.answer_delay.count() == 0);
     if (LineWaits()) pause_.start(faults_.answer_delay);
+    EndWhenDone();
   }
 
   void Greet() {
@@ -76,7 +84,8 @@ class Connection : public QObject {
   }
 
   void AnswerLine() {
-    const std::string line = socket_.readLine().toStdString();
+    const std::string line = std::move(lines_.front());
+    lines_.pop_front();
     std::string answer;
     {
       const std::lock_guard lock(mailboxes_.mutex);
@@ -101,7 +110,8 @@ class Connection : public QObject {
     socket_.disconnectFromHost();
   }
 
-  void End() {
+  void EndWhenDone() {
+    if (!client_gone_ || LineWaits()) return;
     ended_ = true;
     pause_.stop();
     Forget();
@@ -119,7 +129,9 @@ class Connection : public QObject {
   const Pop3Faults& faults_;
   std::unique_ptr<Pop3Dialogue> dialogue_;
   QTimer pause_;  // before the next thing to say
+  std::deque<std::string> lines_;  // not answered yet
   size_t sent_ = 0;
+  bool client_gone_ = false;
   bool greeted_ = false;
   bool ended_ = false;
 };

@@ -1,0 +1,238 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "pop3/CheckRig.h"
+
+namespace vesko {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+void Unmark(cMessage& message) { message.Spam = message.Delete = false; }
+
+/// Two marked messages of ann's mailbox among others, and one of bob's on the same server.
+struct DeletionRig : CheckRig {
+  DeletionRig() {
+    AddAccount();
+    AddMarked({{u"a", 3}, {u"b", 5}, {u"kept", 1}}, 9);
+    Unmark(Find(u"kept"));
+    AddMarked({{u"c", 7}}, 9, {u"pop.example.org", 995, u"bob"});
+  }
+
+  ~DeletionRig() {
+    EXPECT_EQ(socket.faults, Lines{});
+    EXPECT_EQ(socket.Unused(), 0u);
+  }
+};
+
+TEST(Deletion, DeletesByNumberWhatTheAccountFetched) {
+  for (const Text count : {u"9", u"10", u"many"}) {  // only fewer messages stop it
+    DeletionRig rig;
+    rig.socket.conversations = {Login() + Stat(count + u" 9") + Dele(3) + Dele(5) + Quit(),
+                                Mailbox({})};
+    rig.Run();
+    EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
+    EXPECT_EQ(rig.Dialogs(), Lines{});
+    EXPECT_EQ(rig.view.Noted("caption")[0], "Deleting SPAM mail of 'pop.example.org' ...");
+    EXPECT_EQ(rig.view.Noted("value"), (Lines{"0", "1", "2"}));
+  }
+}
+
+TEST(Deletion, NeedsASpamMarkSomewhereAndConnectsOnlyWhereNeeded) {
+  for (bool spam : {false, true}) {
+    CheckRig rig;
+    rig.AddAccount();
+    rig.AddMarked({{u"a", 3}, {u"b", 4}}, 4);
+    rig.Find(u"a").Delete = !spam;
+    rig.Find(u"b").Delete = rig.Find(u"a").Spam = false;
+    rig.Find(u"b").Spam = spam;
+    rig.socket.conversations = {Mailbox({})};
+    rig.Run();
+    EXPECT_EQ(rig.mails.Count(), 2u);
+    EXPECT_EQ(rig.socket.Unused(), 0u);
+    EXPECT_EQ(rig.view.Noted("progress")[0] == "Connecting to 'pop.example.org' ...", spam);
+  }
+}
+
+TEST(Deletion, KeepsMessagesWhereTheSessionFailed) {
+  const Script failing = Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Server(u"-ERR\r\n");
+  DeletionRig rig;
+  rig.socket.conversations = {failing, failing, Mailbox({Mail(u"b")})};
+  rig.view.answers = {0, 1};
+  rig.Run();
+  EXPECT_EQ(rig.view.Noted("ask").size(), 2u);
+  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "kept#1", "c#7"}));  // the check fetches all the same
+  EXPECT_TRUE(rig.Find(u"a").Delete);
+}
+
+// --- Stopped by the user ----------------------------------------------------------------------
+
+TEST(Deletion, StoppedAfterALogoutTrustsNoNumberUntilTheNextCompleteCheck) {
+  const std::pair<const char*, std::function<void(CheckRig&)>> presses[] = {
+      {"Cancel", [](CheckRig& rig) { rig.run.Cancel(); }},
+      {"Next", [](CheckRig& rig) { rig.run.Next(); }},
+  };
+  for (const auto& [name, press] : presses) {
+    SCOPED_TRACE(name);
+    DeletionRig rig;
+    // The second answer is slow; the server gets both commands and the logout all the same.
+    rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") +
+                                Client(u"QUIT")};
+    const Script check = Mailbox({Mail(u"kept"), Mail(u"new")});
+    if (name == std::string("Next")) {  // the check follows, and fails
+      rig.socket.conversations[0] = rig.socket.conversations[0] + After(1) + PeerCloses();
+      rig.socket.conversations.push_back(Login() + Client(u"STAT") + PeerCloses());
+    }
+    rig.When("DELE 5", [&] { press(rig); });
+    rig.Run();
+    EXPECT_EQ(rig.Mails(), (Lines{"b#5", "kept#1", "c#7"}));
+
+    rig.socket.conversations = {check};  // no deletion
+    rig.Run();
+    EXPECT_EQ(rig.Mails(), (Lines{"b#5", "kept#1", "c#7", "new#2"}));
+
+    rig.Find(u"new").Spam = rig.Find(u"new").Delete = true;
+    rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(2) + Quit(),
+                                Mailbox({Mail(u"kept")})};
+    rig.Run();
+    EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
+  }
+}
+
+TEST(Deletion, TakesTheAnswerThatComesAfterTheLogout) {
+  for (bool accepted : {true, false}) {
+    DeletionRig rig;
+    rig.AddAccount(u"pop.other.org");
+    rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") +
+                                    Client(u"QUIT") + Server(accepted ? u"+O" : u"-E") +
+                                    Server(u"K\r\n"),
+                                Mailbox({Mail(u"kept")}), Mailbox({})};
+    rig.When("DELE 5", [&] { rig.run.Next(); });
+    rig.Run();
+    EXPECT_EQ(rig.Mails(), accepted ? (Lines{"kept#1", "c#7"}) : (Lines{"b#5", "kept#1", "c#7"}));
+  }
+}
+
+TEST(Deletion, StoppedWithoutALogoutChangesNothing) {
+  DeletionRig rig;
+  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5")};
+  rig.When("DELE 5", [&] { rig.view.UnloadWindow(); });
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#5", "kept#1", "c#7"}));
+  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
+}
+
+// --- Whose numbers they are, and since when ---------------------------------------------------
+
+TEST(Deletion, KnowsMailboxesOfOneUserByTheirPorts) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.AddAccount(u"pop.example.org", u"ann", u"secret", u"1995");
+  rig.AddMarked({{u"a", 2}}, 3);
+  rig.AddMarked({{u"b", 1}}, 3, {u"pop.example.org", 1995, u"ann"});
+  rig.socket.conversations = {Login() + Stat(u"3 9") + Dele(2) + Quit(),
+                              Login() + Stat(u"3 9") + Dele(1) + Quit(), Mailbox({}), Mailbox({})};
+  rig.Run();
+  EXPECT_EQ(rig.socket.connected[0], "pop.example.org:995");
+  EXPECT_EQ(rig.socket.connected[1], "pop.example.org:1995");
+  EXPECT_EQ(rig.mails.Count(), 0u);
+  EXPECT_EQ(rig.socket.faults, Lines{});
+}
+
+TEST(Deletion, SendsNothingForWhatIsGoneFromTheServer) {
+  for (bool all_gone : {true, false}) {
+    DeletionRig rig;
+    // Another program has emptied the mailbox, and new mail came.
+    rig.mails.ClearDeletionMarks();
+    rig.socket.conversations = {Mailbox({all_gone ? Mail(u"x") : Mail(u"b"), Mail(u"y")})};
+    rig.Run();
+    rig.mails.MarkSpamForDeletion();
+    rig.socket.conversations = {Mailbox({Mail(u"y")})};
+    if (!all_gone) {
+      rig.socket.conversations.push_front(Login() + Stat(u"2 9") + Dele(1) + Quit());
+    }
+    rig.Run();
+    Lines left = {"kept#1", "c#7", "y#1"};
+    if (all_gone) left.insert(left.begin() + 2, "x#1");
+    EXPECT_EQ(rig.Mails(), left);
+    EXPECT_EQ(rig.Dialogs(), Lines{});
+  }
+}
+
+TEST(Deletion, LogsOutWhereTheMailboxHasShrunk) {
+  DeletionRig rig;
+  const Script shrunk = Login() + Stat(u"8 9") + Quit();
+  rig.socket.conversations = {shrunk, Server(u"-ERR\r\n")};
+  rig.Run();
+  EXPECT_EQ(rig.Dialogs()[0],
+            "error: The mailbox has changed since it was checked. Nothing was deleted; please look "
+            "at the list again. [pop.example.org]");
+  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#5", "kept#1", "c#7"}));
+  EXPECT_TRUE(rig.Find(u"a").Delete && rig.Find(u"a").Spam);
+
+  rig.socket.conversations = {Mailbox({Mail(u"b"), Mail(u"new")})};  // the check failed before
+  rig.Run();
+  rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"new")})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7", "new#1"}));
+}
+
+TEST(Deletion, TrustsAnUnfinishedCheckOnlyToTellThatNumbersMoved) {
+  struct Row {
+    const char* name;
+    Script seen;        // of a check that then breaks off
+    bool numbers_hold;  // of the complete check before: a is 3, b is 5, of 9
+  };
+  const auto stat = [](const Text& count) {
+    return Login() + Stat(count + u" 9") + Client(u"TOP 1 5");
+  };
+  const auto first = [&](const Text& name) {
+    return Login() + Stat(u"9 9") + Top(1, Mail(name)) + Client(u"TOP 2 5");
+  };
+  const Row rows[] = {
+      {"nothing", Login() + Client(u"STAT"), true},
+      {"the mailbox grew", stat(u"12"), true},
+      {"the mailbox shrank", stat(u"8"), false},
+      {"the first is as it was", first(u"kept"), true},
+      {"another is the first", first(u"b"), false},
+      {"a new one is the first", first(u"new"), false},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    DeletionRig rig;
+    rig.mails.ClearDeletionMarks();
+    rig.socket.conversations = {row.seen + Fails(kSocketConnectionReset, u"Gone.")};
+    rig.Run();
+    rig.mails.MarkSpamForDeletion();
+    rig.socket.conversations = {Mailbox({})};
+    if (row.numbers_hold) {
+      rig.socket.conversations.push_front(Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit());
+    }
+    rig.Run();
+    EXPECT_EQ(rig.mails.Count() < 3, row.numbers_hold);
+  }
+}
+
+TEST(Deletion, WaitsForACompleteCheckOfWhatOnlyAnUnfinishedOneSaw) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.socket.conversations = {Login() + Stat(u"2 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") +
+                              PeerCloses()};
+  rig.Run();
+  rig.Find(u"a").Spam = rig.Find(u"a").Delete = true;
+  rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"a#1", "b#2"}));
+  rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"b")})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), (Lines{"b#1"}));
+  EXPECT_EQ(rig.socket.faults, Lines{});
+}
+
+}  // namespace
+}  // namespace vesko
