@@ -22,8 +22,14 @@ class KeyedCollection {
 
   /// Appends. Raises run-time error 457 and changes nothing when the key is already there.
   void Add(Value value, const Text& key) {
-    if (!positions_.emplace(key, next_).second) throw RunTimeError(kKeyAlreadyPresent);
+    if (positions_.contains(key)) throw RunTimeError(kKeyAlreadyPresent);
     slots_.push_back(Slot{key, std::move(value)});
+    try {
+      positions_.emplace(key, next_);
+    } catch (...) {  // no memory: a value that no key leads to must not stay
+      slots_.pop_back();
+      throw;
+    }
     ++next_;
   }
 

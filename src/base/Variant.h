@@ -16,7 +16,12 @@ class Object {
 };
 
 using ByteArray = std::vector<uint8_t>;
-using WordArray = std::vector<int16_t>;
+/// A type of its own and not std::vector itself: with alternatives that all are the library's own,
+/// libstdc++ takes a variant for one that always has a value, and destroys what is not there when
+/// copying it fails for lack of memory.
+struct WordArray : std::vector<int16_t> {
+  using std::vector<int16_t>::vector;
+};
 
 /// An automation value. std::monostate is Empty, the value of an unset variable.
 using Variant = std::variant<std::monostate, bool, int16_t, int32_t, double, Text,

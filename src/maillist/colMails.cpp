@@ -81,9 +81,9 @@ bool colMails::Add(Message message) {
     SeeAgain(*known, number);
     return false;
   }
-  entries_.Add(Entry{std::move(message), source_, session_, Sight::kNew}, key);
-  // The number of a message that the last complete session saw, and which has moved therefore.
+  // The last complete session saw another message under this number.
   if (number <= sources_[source_].count) sources_[source_].numbers_hold = false;
+  entries_.Add(Entry{std::move(message), source_, session_, Sight::kNew}, key);
   return true;
 }
 

@@ -18,8 +18,12 @@ std::chrono::milliseconds JustAfter(double seconds) {
 
 int32_t Rounded(double seconds) { return static_cast<int32_t>(std::nearbyint(seconds)); }
 
-bool IsIncomplete(const Account& account) {
-  return account.server.empty() || account.user.empty() || account.password.empty();
+bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
+
+/// What cannot stand in a command: a line end in a password would begin another command.
+bool HoldsControl(const Credentials& credentials) {
+  const auto holds = [](const Text& text) { return std::ranges::any_of(text, IsControl); };
+  return holds(credentials.server) || holds(credentials.user) || holds(credentials.password);
 }
 
 }  // namespace
@@ -41,7 +45,7 @@ bool AccountRun::Prepare(bool retry) {
   if (Left() || services_.socket.State() != SocketState::kClosed) return false;
   if (retry && !ConfirmRetry()) return false;
   Account account = ReadAccount();
-  if (IsIncomplete(account) && !Complete(account)) return false;
+  if (!IsComplete(account) && !Complete(account)) return false;
   Use(account);
   return true;
 }
@@ -72,10 +76,21 @@ Text AccountRun::DecryptedOrEmpty(const Text& scrambled) const {
   return plain;
 }
 
+Credentials AccountRun::CredentialsOf(const Account& account) const {
+  return {account.server, account.user, DecryptedOrEmpty(account.password),
+          account.SavesPassword()};
+}
+
+bool AccountRun::IsComplete(const Account& account) const {
+  return !account.server.empty() && !account.user.empty() && !account.password.empty() &&
+         !HoldsControl(CredentialsOf(account));
+}
+
 bool AccountRun::Complete(Account& account) {
-  Credentials typed{account.server, account.user, DecryptedOrEmpty(account.password),
-                    account.SavesPassword()};
-  if (!view_.AskCredentials(typed) || Left()) return false;
+  Credentials typed = CredentialsOf(account);
+  do {
+    if (!view_.AskCredentials(typed) || Left()) return false;
+  } while (HoldsControl(typed));
   account.server = typed.server;
   account.user = typed.user;
   IgnoreErrors([&] { account.password = Encrypt(typed.password, services_.locale); });

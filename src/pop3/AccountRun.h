@@ -55,6 +55,8 @@ class AccountRun {
   bool WouldAsk() const;
   bool ConfirmRetry();
   Account ReadAccount() const;
+  Credentials CredentialsOf(const Account& account) const;
+  bool IsComplete(const Account& account) const;
   bool Complete(Account& account);
   void Use(const Account& account);
   Text DecryptedOrEmpty(const Text& scrambled) const;

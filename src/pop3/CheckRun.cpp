@@ -1,82 +1,80 @@
 #include "pop3/CheckRun.h"
 
+#include <memory>
+#include <new>
 #include <utility>
 
 #include "message/cMessage.h"
-#include "pop3/AccountRun.h"
 #include "pop3/DeletionPass.h"
-#include "pop3/Pop3Session.h"
 
 namespace vesko {
 
-class CheckRun::Impl : public Pop3Session::Listener {
- public:
-  Impl(const Services& services, SharedData& data, ProgressView& view)
-      : services_(services),
-        data_(data),
-        view_(view),
-        session_(services, data.configuration, view, *this),
-        account_(services, data, view, session_) {
-    services_.socket.on_data_arrival = [this] { session_.HandleArrival(); };
-    services_.socket.on_error = [this](int32_t number, const Text& description) {
-      session_.HandleError(number, description);
-    };
-  }
+CheckRun::CheckRun(const Services& services, SharedData& data, ProgressView& view)
+    : services_(services),
+      data_(data),
+      view_(view),
+      session_(services, data.configuration, view),
+      account_(services, data, view, session_) {
+  session_.on_arrival = [this] { account_.RefreshStatus(); };
+  session_.on_header = [this](TextView text, int32_t number) { StoreHeader(text, number); };
+}
 
-  ~Impl() override {
+// Every way into the run leads through here. Event loops let no exception pass.
+void CheckRun::Contain(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
     services_.socket.Close();
-    services_.socket.on_data_arrival = nullptr;
-    services_.socket.on_error = nullptr;
+    session_.End();  // which mostly leaves memory enough to close the window
+    try {
+      Unload();
+    } catch (const std::bad_alloc&) {
+    }
   }
+}
 
-  Impl(const Impl&) = delete;
-  Impl& operator=(const Impl&) = delete;
-
-  void Prepare() { started_ = false; }
-
-  void Activate() {
-    if (std::exchange(started_, true)) return;
+void CheckRun::Activate() {
+  if (std::exchange(started_, true)) return;
+  Contain([this] {
     account_.Open();
+    TakeSocket();
     DeletionPass(data_, view_, session_, account_).Run();
     CheckAllAccounts();
-  }
+  });
+  LeaveSocket();
+}
 
-  void Next() { account_.Skip(); }
+void CheckRun::TakeSocket() {
+  services_.socket.on_data_arrival = [this] { Contain([this] { session_.HandleArrival(); }); };
+  services_.socket.on_error = [this](int32_t number, const Text& description) {
+    Contain([&] { session_.HandleError(number, description); });
+  };
+}
 
-  void Cancel() {
+void CheckRun::LeaveSocket() {
+  services_.socket.Close();
+  services_.socket.on_data_arrival = nullptr;
+  services_.socket.on_error = nullptr;
+}
+
+void CheckRun::Next() {
+  Contain([this] { account_.Skip(); });
+}
+
+void CheckRun::Cancel() {
+  Contain([this] {
     account_.Skip();
     Unload();
-  }
+  });
+}
 
-  void WindowUnloaded() { account_.End(); }
-
-  bool Cancelled() const { return session_.State() == SessionState::kStopped; }
-  bool NewMail() const { return data_.mails.AnyUnread(); }
-
-  void RefreshStatus() override { account_.RefreshStatus(); }
-  void StoreHeader(TextView text, int32_t number) override;
-
- private:
-  void Unload();
-  void CheckAllAccounts();
-  void CheckAccount(int32_t position);
-  bool RunSession();
-
-  const Services& services_;
-  SharedData& data_;
-  ProgressView& view_;
-  Pop3Session session_;
-  AccountRun account_;
-  bool started_ = false;
-};
-
-void CheckRun::Impl::Unload() {
+void CheckRun::Unload() {
   if (account_.Over()) return;
   account_.End();
   view_.UnloadWindow();
 }
 
-void CheckRun::Impl::CheckAllAccounts() {
+void CheckRun::CheckAllAccounts() {
   const int32_t accounts = data_.configuration.Accounts.Count();
   for (int32_t i = 1; i <= accounts && !account_.Over(); ++i) CheckAccount(i);
   if (account_.Over()) return;
@@ -85,7 +83,7 @@ void CheckRun::Impl::CheckAllAccounts() {
   Unload();
 }
 
-void CheckRun::Impl::CheckAccount(int32_t position) {
+void CheckRun::CheckAccount(int32_t position) {
   account_.Start(position);
   for (bool retry = false; account_.Prepare(retry); retry = true) {
     const Text host = Quoted(session_.GetLogin().host);
@@ -96,7 +94,7 @@ void CheckRun::Impl::CheckAccount(int32_t position) {
   }
 }
 
-bool CheckRun::Impl::RunSession() {
+bool CheckRun::RunSession() {
   const Maildrop maildrop = session_.GetMaildrop();
   data_.mails.BeginSession(maildrop);
   const bool ended = account_.RunSession();
@@ -109,7 +107,7 @@ bool CheckRun::Impl::RunSession() {
   return ended;
 }
 
-void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
+void CheckRun::StoreHeader(TextView text, int32_t number) {
   auto message = std::make_shared<cMessage>(services_.locale);
   // A malformed date ends the parsing, but the message is there and is to be seen.
   IgnoreErrors([&] { message->CreateFromText(text); });
@@ -117,17 +115,5 @@ void CheckRun::Impl::StoreHeader(TextView text, int32_t number) {
   message->SetIndex(number);
   data_.mails.Add(std::move(message));
 }
-
-CheckRun::CheckRun(const Services& services, SharedData& data, ProgressView& view)
-    : impl_(std::make_unique<Impl>(services, data, view)) {}
-CheckRun::~CheckRun() = default;
-
-void CheckRun::Prepare() { impl_->Prepare(); }
-void CheckRun::Activate() { impl_->Activate(); }
-void CheckRun::Next() { impl_->Next(); }
-void CheckRun::Cancel() { impl_->Cancel(); }
-void CheckRun::WindowUnloaded() { impl_->WindowUnloaded(); }
-bool CheckRun::Cancelled() const { return impl_->Cancelled(); }
-bool CheckRun::NewMail() const { return impl_->NewMail(); }
 
 }  // namespace vesko

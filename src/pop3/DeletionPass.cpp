@@ -7,6 +7,26 @@ constexpr TextView kMailboxChanged =
     u"The mailbox has changed since it was checked. Nothing was deleted; please look at the list "
     u"again.";
 
+/// Forgets the numbers of a maildrop when a session is over that may have moved them, even when
+/// memory runs out on the way: the next deletion must not use them.
+class NumbersAfterDeletion {
+ public:
+  NumbersAfterDeletion(colMails& mails, const Pop3Session& session)
+      : mails_(mails), session_(session), maildrop_(session.GetMaildrop()) {}
+  ~NumbersAfterDeletion() {
+    const Pop3Session::Outcome& outcome = session_.Result();
+    const bool deleted = outcome.delete_sent && outcome.quit_sent;
+    if (deleted || outcome.shrunk) mails_.ForgetNumbers(maildrop_);
+  }
+  NumbersAfterDeletion(const NumbersAfterDeletion&) = delete;
+  NumbersAfterDeletion& operator=(const NumbersAfterDeletion&) = delete;
+
+ private:
+  colMails& mails_;
+  const Pop3Session& session_;
+  const Maildrop maildrop_;
+};
+
 }  // namespace
 
 void DeletionPass::Run() {
@@ -45,11 +65,9 @@ void DeletionPass::List(const std::vector<colMails::Message>& messages) {
 }
 
 bool DeletionPass::RunSession() {
+  const NumbersAfterDeletion numbers(data_.mails, session_);
   const bool ended = account_.RunSession();
   const Pop3Session::Outcome& outcome = session_.Result();
-  if (outcome.shrunk || (outcome.delete_sent && outcome.quit_sent)) {
-    data_.mails.ForgetNumbers(session_.GetMaildrop());
-  }
   if (outcome.quit_sent) RemoveDeleted(outcome.deleted);
   if (outcome.shrunk && !account_.Over()) {
     view_.ShowError(Text(kMailboxChanged), session_.GetLogin().host);

@@ -17,6 +17,22 @@ int16_t ParseCount(const Text& reply) {
   return ToInt16(TextView(reply).substr(kCountStart, space - kCountStart));
 }
 
+bool EqualLetters(char16_t a, char16_t b) {
+  const auto lower = [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 32 : c + 0; };
+  return lower(a) == lower(b);
+}
+
+/// The text with asterisks for every occurrence of a secret, in capitals or not: some servers
+/// repeat the command that they refuse.
+Text Masked(Text text, const Text& secret) {
+  if (secret.empty()) return text;
+  for (auto at = text.begin(); at != text.end();) {
+    at = std::search(at, text.end(), secret.begin(), secret.end(), EqualLetters);
+    if (at != text.end()) at = std::fill_n(at, secret.size(), u'*');
+  }
+  return text;
+}
+
 }  // namespace
 
 Text MaskedCommand(const Text& command) {
@@ -31,6 +47,7 @@ void Pop3Session::Begin() {
   awaits_deletion_ = false;
   outcome_ = {};
   buffer_ = {};
+  reply_start_ = 0;
 }
 
 void Pop3Session::SetDeletions(DeletionList list, int32_t known_count) {
@@ -49,11 +66,15 @@ void Pop3Session::SendQuit() {
 
 bool Pop3Session::HandleArrival() {
   StartWaiting();
-  listener_.RefreshStatus();
+  on_arrival();
   Text data = services_.socket.GetData();
   if (data.empty()) return false;
   buffer_.Append(std::move(data));
-  HandleText();
+  if (IsTooLong()) {
+    RejectTooLong();
+  } else {
+    HandleText();
+  }
   return true;
 }
 
@@ -63,15 +84,24 @@ void Pop3Session::HandleText() {
   } else if (state_ == SessionState::kTopSent) {
     if (buffer_.HasDotLine()) HandleHeader();
   } else if (buffer_.EndsWithCrLf()) {
-    HandleReply(buffer_.Take());
+    HandleReply(TakeReply());
   }
+}
+
+bool Pop3Session::IsTooLong() const {
+  return services_.socket.BytesReceived() - reply_start_ > kLongestReply;
+}
+
+Text Pop3Session::TakeReply() {
+  reply_start_ = services_.socket.BytesReceived();
+  return buffer_.Take();
 }
 
 // Of what still arrives only the answer to a DELE matters: the logout makes it final.
 void Pop3Session::HandleInterrupted() {
   if (awaits_deletion_ && !buffer_.EndsWithCrLf()) return;
   if (std::exchange(awaits_deletion_, false) && buffer_.StartsWith(u'+')) ++outcome_.deleted;
-  buffer_ = {};
+  TakeReply();
   if (interrupted_) services_.socket.Close();
 }
 
@@ -79,7 +109,8 @@ void Pop3Session::HandlePeerClosed() {
   const auto closing = [this] { return services_.socket.State() == SocketState::kClosing; };
   while (closing() && HandleArrival()) {
   }
-  const bool expects_line = !interrupted_ && state_ != SessionState::kTopSent;
+  const bool expects_line =
+      !interrupted_ && state_ != SessionState::kTopSent && state_ != SessionState::kStopped;
   if (closing() && expects_line && buffer_.Size() != 0 && !buffer_.StartsWith(u'+')) {
     Reject(buffer_.Take());
   }
@@ -112,7 +143,14 @@ void Pop3Session::Reject(const Text& reply) {
   services_.socket.Close();
   // A refused user name or password is reported by the retry question.
   if (state_ == SessionState::kUserSent || state_ == SessionState::kPassSent) return;
-  view_.ShowError(u"POP3 Error: " + reply, login_.host);
+  view_.ShowError(u"POP3 Error: " + Masked(reply, login_.password), login_.host);
+}
+
+void Pop3Session::RejectTooLong() {
+  services_.socket.Close();
+  End();
+  if (interrupted_ || state_ == SessionState::kStopped) return;
+  view_.ShowError(u"POP3 Error: the reply is too long", login_.host);
 }
 
 void Pop3Session::Greeted() {
@@ -145,8 +183,8 @@ void Pop3Session::FetchCurrent() {
 void Pop3Session::HandleHeader() {
   view_.SetProgressValue(current_);
   {
-    const Text reply = buffer_.Take();
-    listener_.StoreHeader(TopContent(reply), current_);
+    const Text reply = TakeReply();
+    on_header(TopContent(reply), current_);
   }
   if (current_ == total_) {
     outcome_.saw_all = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -26,6 +27,9 @@ enum class SessionState : int32_t {
   kStopped = 7,   // by the user or by the window closing
 };
 
+/// Bytes of one reply at the most, as they come from the wire. A longer one ends the session.
+inline constexpr uint64_t kLongestReply = uint64_t{128} << 20;
+
 /// A command as it may be shown: of a password only its length is seen.
 Text MaskedCommand(const Text& command);
 
@@ -46,22 +50,15 @@ class Pop3Session {
   /// Keyed like colMails.
   using DeletionList = KeyedCollection<colMails::Message>;
 
-  /// What the session asks of the run that it is part of.
-  class Listener {
-   public:
-    virtual ~Listener() = default;
-
-    /// Something has arrived: what the window shows of the connection may have changed.
-    virtual void RefreshStatus() = 0;
-
-    /// The first lines of message `number`. The text is gone when this returns.
-    virtual void StoreHeader(TextView text, int32_t number) = 0;
-  };
-
   /// All must outlive the session.
-  Pop3Session(const Services& services, const Configuration& configuration, ProgressView& view,
-              Listener& listener)
-      : services_(services), configuration_(configuration), view_(view), listener_(listener) {}
+  Pop3Session(const Services& services, const Configuration& configuration, ProgressView& view)
+      : services_(services), configuration_(configuration), view_(view) {}
+
+  /// Something has arrived: what the window shows of the connection may have changed. Must be set.
+  std::function<void()> on_arrival;
+
+  /// The first lines of message `number`. The text is gone when this returns. Must be set.
+  std::function<void(TextView text, int32_t number)> on_header;
 
   void SetLogin(Login login) { login_ = std::move(login); }
   const Login& GetLogin() const { return login_; }
@@ -123,6 +120,9 @@ class Pop3Session {
   void HandleHeader();
   void HandleDeletion();
   void Reject(const Text& reply);
+  void RejectTooLong();
+  bool IsTooLong() const;
+  Text TakeReply();
 
   void Greeted();
   void StartFetching();
@@ -137,7 +137,6 @@ class Pop3Session {
   const Services& services_;
   const Configuration& configuration_;
   ProgressView& view_;
-  Listener& listener_;
   Login login_;
   SessionState state_ = SessionState::kConnecting;
   bool interrupted_ = false;  // by Quit
@@ -148,6 +147,7 @@ class Pop3Session {
   int32_t total_ = 0;
   int32_t current_ = 0;
   ReplyBuffer buffer_;
+  uint64_t reply_start_ = 0;  // what the socket had received when the last reply was complete
   DeletionList deletions_;
   int32_t known_count_ = 0;
 };

@@ -33,13 +33,8 @@ TEST_F(ColMails, NamesAndCountsStates) {
     auto message = Message(u"s", FromAscii(name), 1);
     message->Spam = message->MessageID.starts_with(u"Spam");
     message->Read = message->MessageID.ends_with(u"Read");
-<<<<<<< HEAD
     EXPECT_EQ(NameOf(StateOf(*message)), name);
-    mails_.Add(message, u"ann");
-=======
-    EXPECT_EQ(StateName(*message), name);
     mails_.Add(message);
->>>>>>> 2ae7d86 (pop3: delete only by numbers that still hold)
   }
   mails_.Add(Message(u"s", u"e", 1));
   EXPECT_EQ(StatusText(mails_.Counts()), u"5 MAILS (3 NEW MAILS, 2 SPAM MAILS)");

@@ -54,8 +54,9 @@ void CheckRig::AddMarked(const std::vector<Seen>& messages, int32_t count,
 void CheckRig::When(const std::string& line, std::function<void()> deed) {
   pump.on_turn = [this, line, deed](int) {
     if (socket.sent.empty() || socket.sent.back() != line) return;
+    const auto now = deed;  // the next line ends what holds it
     pump.on_turn = nullptr;
-    deed();
+    now();
   };
 }
 

@@ -134,6 +134,29 @@ TEST(CheckRun, AsksForWhatAnAccountLacks) {
   EXPECT_EQ(account.save_password, u"0");
 }
 
+TEST(CheckRun, AsksInsteadOfSendingAControlCharacter) {
+  for (const Text end : {u"\r\nDELE 1", u"\n", u"\t", u"\x7F", u"\x85"}) {
+    for (Text Credentials::*field :
+         {&Credentials::server, &Credentials::user, &Credentials::password}) {
+      if (field == &Credentials::password && end == u"\x85") continue;  // not in the code page
+      CheckRig rig;
+      Credentials stored{u"pop.example.org", u"ann", u"secret"};
+      stored.*field += field == &Credentials::password ? end : end.substr(0, 1);
+      rig.AddAccount(stored.server, stored.user, stored.password);
+      int asked = 0;
+      rig.view.on_credentials = [&](Credentials& typed) {
+        EXPECT_EQ(typed.*field, stored.*field);
+        typed.*field = u"x" + end;
+        stored = typed;
+        return ++asked < 3;
+      };
+      rig.Run();
+      EXPECT_EQ(asked, 3);
+      EXPECT_EQ(rig.socket.connected, Lines{});
+    }
+  }
+}
+
 // --- The user at any moment -------------------------------------------------------------------
 
 struct Press {
@@ -246,6 +269,28 @@ TEST(Buttons, NextLogsOutAndGoesOn) {
   EXPECT_EQ(rig.view.Noted("next"), (Lines{"on", "off"}));
   EXPECT_EQ(rig.socket.faults, Lines{});
   EXPECT_EQ(rig.socket.Unused(), 0u);
+}
+
+TEST(Buttons, SecondNextLeavesTheAnswerToTheLogoutAlone) {
+  CheckRig rig;
+  rig.AddAccount();
+  rig.AddAccount(u"pop.other.org");
+  rig.socket.conversations = {Login() + Stat(u"9 9") + Client(u"TOP 1 5") + Client(u"QUIT") +
+                                  After(5) + Server(u"+OK bye\r\n"),
+                              Mailbox({})};
+  int turns_of_second = 0;
+  rig.When("TOP 1 5", [&] {
+    rig.run.Next();
+    rig.pump.on_turn = [&](int) {
+      ++turns_of_second;
+      if (turns_of_second == 1) rig.run.Next();
+      if (turns_of_second == 3) rig.clock.now += 5;  // the answer comes while Next is at work
+    };
+  });
+  rig.Run();
+  EXPECT_EQ(rig.socket.faults, Lines{});
+  EXPECT_EQ(rig.socket.Unused(), 0u);
+  EXPECT_LT(rig.clock.now, 1000 + rig.configuration.WaitTime);
 }
 
 TEST(Buttons, ClosingDuringAQuestionEndsTheRun) {

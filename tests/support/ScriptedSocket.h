@@ -58,7 +58,7 @@ class ScriptedSocket : public Socket {
   void Connect(const Text& host, int32_t port) override;
   void SendData(TextView text) override;
   Text GetData() override;
-  uint64_t BytesReceived() const override { return delivered_; }
+  uint64_t BytesReceived() const override { return delivered_ * bytes_per_character; }
   void Close() override;
 
   /// Lets the next thing happen; false when nothing is to happen now.
@@ -74,6 +74,7 @@ class ScriptedSocket : public Socket {
   size_t piece_size = Text::npos;       // the longest arrival
   size_t cut_at = Text::npos;           // an arrival ends after so much text of a connection
   bool closes_with_last_piece = false;  // the closing is seen before the last text is read
+  uint64_t bytes_per_character = 1;     // on the wire
   int failing_connects = 0;             // so many calls of Connect raise an error
   size_t failing_send = Text::npos;     // this call of SendData raises an error
   std::vector<std::string> connected;   // "host:port"
