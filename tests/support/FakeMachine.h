@@ -57,7 +57,6 @@ struct FakeMachine {
     message->SetIndex(static_cast<int32_t>(mails.Count() + 1));
     if (mails.Count() == 0) mails.BeginSession({message->Server, kPop3Port, u"ann"});
     mails.Add(message);
-    mails.CompleteSession(message->Index());
     return *message;
   }
 

@@ -93,12 +93,13 @@ class Connection : public QObject {
           dialogue_->Answer(std::string_view(line).substr(0, line.find_last_not_of("\r\n") + 1));
     }
     Send(answer);
-    if (dialogue_->Ended()) Close();
+    if (dialogue_ && dialogue_->Ended()) Close();
   }
 
   void Send(std::string_view text) {
     if (faults_.close_after) text = text.substr(0, *faults_.close_after - sent_);
     sent_ += text.size();
+    if (client_gone_) return;
     socket_.write(text.data(), static_cast<qint64>(text.size()));
     socket_.flush();
     if (faults_.close_after && sent_ >= *faults_.close_after) Close();
