@@ -165,6 +165,7 @@ TEST_F(fListMailTest, ConfigSpamFiltersAgainUnlessCancelled) {
 TEST_F(fListMailTest, DeleteSpamDeletesOnTheServerAndChecksAgain) {
   machine.AddAccount(machine.Record(u"one"));
   machine.AddMail(u"b@spam.example");
+  machine.mails.CompleteSession(1);
   const Script deletion = Login() + Stat(u"1 100") + Dele(1) + Quit();
   machine.socket.conversations = {deletion, OneMessage(u"c@spam.example"), deletion, Mailbox({})};
   Show([](Form& form, ListView& list) {
