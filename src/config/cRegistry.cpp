@@ -10,7 +10,7 @@ namespace vesko {
 namespace {
 
 constexpr int32_t kStatusOfUnknownType = 13;
-constexpr int32_t kStatusRaised = -1;  // the only status of a write that is an error
+constexpr int32_t kStatusThrown = -1;  // the only status of a write that is an error
 
 std::string UpToNul(std::string data) {
   data.resize(std::min(data.size(), data.find('\0')));
@@ -56,7 +56,7 @@ bool cRegistry::KeyExists() const {
 bool cRegistry::CreateKey() const {
   KeyHandle key = kNoKey;
   if (registry_.CreateKey(ClassKey, locale_.ToBytes(SectionKey), key) != kStatusSuccess) {
-    Raise(kRegistryFailed, u"Failed to create registry Key: '" + SectionKey);
+    Throw(kRegistryFailed, u"Failed to create registry Key: '" + SectionKey);
   }
   registry_.CloseKey(key);
   return true;
@@ -64,7 +64,7 @@ bool cRegistry::CreateKey() const {
 
 bool cRegistry::DeleteKey() const {
   if (registry_.DeleteKey(ClassKey, locale_.ToBytes(SectionKey)) != kStatusSuccess) {
-    Raise(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kSection));
+    Throw(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kSection));
   }
   return true;
 }
@@ -72,11 +72,11 @@ bool cRegistry::DeleteKey() const {
 bool cRegistry::DeleteValue() const {
   KeyHandle key = kNoKey;
   if (Open(kKeyAllAccess, key) != kStatusSuccess) {
-    Raise(kRegistryFailed,
+    Throw(kRegistryFailed,
           u"Failed to open key '" + Place(Field::kSection) + u"' for delete access");
   }
   if (registry_.DeleteValue(key, locale_.ToBytes(ValueKey)) != kStatusSuccess) {
-    Raise(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kValue));
+    Throw(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kValue));
   }
   return true;  // the key stays open: handles cost nothing
 }
@@ -96,11 +96,11 @@ Variant cRegistry::Value() {
 void cRegistry::Value(const Variant& value) {
   KeyHandle key = kNoKey;
   if (registry_.CreateKey(ClassKey, locale_.ToBytes(SectionKey), key) != kStatusSuccess) {
-    RaiseWrite(kRegistryFailed);
+    ThrowWriteError(kRegistryFailed);
   }
   int32_t status = Store(key, value);
   registry_.CloseKey(key);
-  if (status == kStatusRaised) RaiseWrite(kRegistryWriteFailed);
+  if (status == kStatusThrown) ThrowWriteError(kRegistryWriteFailed);
   cached_ = value;
 }
 
@@ -140,12 +140,12 @@ Text cRegistry::Place(Field last) const {
   return last == Field::kValue ? place + u"',Key: '" + ValueKey : place;
 }
 
-void cRegistry::Raise(int32_t number, const Text& description) const {
+void cRegistry::Throw(int32_t number, const Text& description) const {
   throw RunTimeError(number, shell_.OwnName() + u".cRegistry", description);
 }
 
-void cRegistry::RaiseWrite(int32_t number) const {
-  Raise(number, u"Failed to set registry value Key: '" + Place(Field::kValue) + u"' to value: '" +
+void cRegistry::ThrowWriteError(int32_t number) const {
+  Throw(number, u"Failed to set registry value Key: '" + Place(Field::kValue) + u"' to value: '" +
                     Shown(cached_) + u"'");
 }
 

@@ -54,8 +54,8 @@ class cRegistry {
 
   int32_t Open(uint32_t access, KeyHandle& key) const;
   Text Place(Field last) const;
-  [[noreturn]] void Raise(int32_t number, const Text& description) const;
-  [[noreturn]] void RaiseWrite(int32_t number) const;
+  [[noreturn]] void Throw(int32_t number, const Text& description) const;
+  [[noreturn]] void ThrowWriteError(int32_t number) const;
   Variant FromData(uint32_t type, std::string data) const;
   int32_t Store(KeyHandle key, const Variant& value) const;
   int32_t StoreText(KeyHandle key, const Text& text) const;
