@@ -158,22 +158,23 @@ std::string GuidText(REFGUID id) {
 
 HRESULT RegisterServer(Registry& registry, int32_t root, const std::string& library,
                        const std::string& platform) {
-  const auto transaction = registry.BeginTransaction(root);
+  const auto transaction = registry.BeginTransaction(root, TransactionKind::kWrite);
   ClassKeys keys(registry, root, platform);
-  if (IgnoreErrors([&] { keys.Write(library); })) return S_OK;
+  const bool written = IgnoreErrors([&] { keys.Write(library); });
+  if (written && transaction->Commit() == kStatusSuccess) return S_OK;
   IgnoreErrors([&] { keys.Remove(); });
   return SELFREG_E_CLASS;
 }
 
 HRESULT UnregisterServer(Registry& registry, int32_t root, const std::string& library,
                          const std::string& platform) {
-  const auto transaction = registry.BeginTransaction(root);
+  const auto transaction = registry.BeginTransaction(root, TransactionKind::kWrite);
   ClassKeys keys(registry, root, platform);
   const bool done = IgnoreErrors([&] {
     const std::string registered = keys.Library();
     if (registered.empty() || registered == library) keys.Remove();
   });
-  return done ? S_OK : SELFREG_E_CLASS;
+  return done && transaction->Commit() == kStatusSuccess ? S_OK : SELFREG_E_CLASS;
 }
 
 }  // namespace vesko

@@ -186,16 +186,17 @@ void mRegistry::Load(Configuration& configuration) {
   cRegistry registry(registry_, locale_, shell_);
   configuration.DefaultEmailClient = DefaultMailClient(registry, locale_, shell_);
   for (int32_t root : {kCurrentUser, kLocalMachine}) {
-    auto one_moment = registry_.BeginTransaction(root);  // another host may be saving
+    auto one_moment = registry_.BeginTransaction(root, TransactionKind::kRead);  // another host may be saving
     if (LoadHive(HiveSettings(registry, root), DefaultSound(), configuration)) return;
   }
 }
 
 void mRegistry::Save(const Configuration& configuration) {
   for (int32_t root : {kCurrentUser, kLocalMachine}) {
-    auto transaction = registry_.BeginTransaction(root);
+    auto transaction = registry_.BeginTransaction(root, TransactionKind::kWrite);
     cRegistry registry(registry_, locale_, shell_);
     SaveHive(HiveSettings(registry, root), configuration);
+    transaction->Commit();
   }
 }
 
@@ -203,7 +204,7 @@ void mRegistry::Seed() {
   cRegistry registry(registry_, locale_, shell_);
   HiveSettings hive(registry, kCurrentUser);
   if (hive.Exists()) return;
-  auto transaction = registry_.BeginTransaction(kCurrentUser);
+  auto transaction = registry_.BeginTransaction(kCurrentUser, TransactionKind::kWrite);
   Configuration first;
   while (auto account = ImportAccount(first.Accounts.Count() + 1, registry, shell_)) {
     first.AddAccount({.name = account->name,
@@ -216,6 +217,7 @@ void mRegistry::Seed() {
   first.SpamSenders = Split(kFirstSpamSenders, kCrLf);
   first.SpamSubjects = Split(kFirstSpamSubjects, kCrLf);
   SaveHive(hive, first);
+  transaction->Commit();
 }
 
 Text mRegistry::DefaultSound() const {

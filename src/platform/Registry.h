@@ -34,27 +34,38 @@ inline constexpr int32_t kStatusWriteFault = 29;
 inline constexpr int32_t kStatusInvalidParameter = 87;
 inline constexpr int32_t kStatusDiskFull = 112;
 inline constexpr int32_t kStatusBusy = 170;
-inline constexpr int32_t kStatusMoreData = 234;
 inline constexpr int32_t kStatusNoMoreItems = 259;
 inline constexpr int32_t kStatusRegistryCorrupt = 1015;
 inline constexpr int32_t kStatusKeyDeleted = 1018;
 
-/// An open key. Not owned: a handle that is never closed costs nothing but the system's own limit.
+/// An open key, owned by whoever opened it. A handle that is never closed costs
+/// nothing but the system's own limit.
 using KeyHandle = uintptr_t;
 inline constexpr KeyHandle kNoKey = 0;
 
-/// While one lives, what is written to its hive is one unit: after the last one ends all of it is
-/// there, after a crash none, and what is read is the hive of one moment. Once a write fails for
-/// the sake of the store (disk full, no access, busy), every later one returns the same status and
-/// nothing of the unit stays. Where the system has no such thing, it does nothing.
+/// What a transaction is for. One that writes locks the hive against other writers from its first
+/// operation on.
+enum class TransactionKind { kRead, kWrite };
+
+/// While one lives, what is read is the hive of one moment, and what is written is one unit: it is
+/// stored by Commit, and dropped where the transaction ends without it, or with the process. Once
+/// an operation fails for the sake of the store (damaged, no access, busy, disk full), every later
+/// one returns the same status at once, and nothing of the unit is stored. Transactions of a hive
+/// nest: only the outermost one's Commit stores, and its kind holds.
 class RegistryTransaction {
  public:
   virtual ~RegistryTransaction() = default;
+
+  /// Stores what was written so far. Any status but kStatusSuccess: nothing of it was stored.
+  virtual int32_t Commit() { return kStatusSuccess; }
 };
 
-/// The registry, byte level: names and data are bytes in the system's code page, paths have
+/// The registry, byte level: names and data are bytes in the registry's code page, paths have
 /// backslashes and no leading one, names compare without case. Every operation returns one of the
-/// status codes and raises nothing; outputs are set on kStatusSuccess only, but for what is said.
+/// status codes and raises nothing but std::bad_alloc; outputs are set on kStatusSuccess only,
+/// unless it says otherwise. Where another process holds a hive, an operation waits for it, but no
+/// longer than five seconds, and all operations together no longer than that while a transaction
+/// of any hive lives; then it returns kStatusBusy.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -68,7 +79,7 @@ class Registry {
   virtual void CloseKey(KeyHandle key) = 0;
 
   /// Type and data of a value; the empty name is the key's unnamed value. Text data come as they
-  /// were stored, terminating NUL included.
+  /// were stored, terminating NUL included. Both are untrusted: other programs write here too.
   virtual int32_t QueryValue(KeyHandle key, std::string_view name, uint32_t& type,
                              std::string& data) = 0;
 
@@ -84,10 +95,44 @@ class Registry {
   virtual int32_t DeleteKey(int32_t root, std::string_view path) = 0;
   virtual int32_t DeleteValue(KeyHandle key, std::string_view name) = 0;
 
-  virtual std::unique_ptr<RegistryTransaction> BeginTransaction(int32_t root) = 0;
+  virtual std::unique_ptr<RegistryTransaction> BeginTransaction(int32_t root,
+                                                                TransactionKind kind) = 0;
+
+  /// Whether a transaction keeps what RegistryTransaction promises about writing. Where false, each
+  /// value is stored by itself as soon as it is set, and Commit and the lack of it change nothing.
+  virtual bool StoresWholeTransactions() const = 0;
 
   /// Percent-delimited environment references replaced; unknown ones stay as they are.
   virtual std::string ExpandEnvironment(std::string_view text) = 0;
+};
+
+/// Closes a key at its end. A status other than kStatusSuccess means that no key is open.
+class RegistryKey {
+ public:
+  explicit RegistryKey(Registry& registry) : registry_(registry) {}
+  ~RegistryKey() { Close(); }
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+
+  int32_t Open(int32_t root, std::string_view path, uint32_t access) {
+    Close();
+    return registry_.OpenKey(root, path, access, handle_);
+  }
+  int32_t Create(int32_t root, std::string_view path) {
+    Close();
+    return registry_.CreateKey(root, path, handle_);
+  }
+
+  KeyHandle Handle() const { return handle_; }
+
+ private:
+  void Close() {
+    if (handle_ != kNoKey) registry_.CloseKey(handle_);
+    handle_ = kNoKey;
+  }
+
+  Registry& registry_;
+  KeyHandle handle_ = kNoKey;
 };
 
 }  // namespace vesko

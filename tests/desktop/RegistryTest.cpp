@@ -142,13 +142,14 @@ TEST_P(RegistryTest, DeletedKeysTakeTheirValuesAlong) {
 
 TEST_P(RegistryTest, TransactionsNestAndShowTheirOwnWrites) {
   {
-    auto outer = registry_->BeginTransaction(kCurrentUser);
+    auto outer = registry_->BeginTransaction(kCurrentUser, TransactionKind::kWrite);
     EXPECT_EQ(Open("A"), kStatusFileNotFound);
     {
-      auto inner = registry_->BeginTransaction(kCurrentUser);
+      auto inner = registry_->BeginTransaction(kCurrentUser, TransactionKind::kRead);
       registry_->SetValue(Create("A"), "v", kRegSz, "in\0"s);
     }
     registry_->SetValue(Create("B", kLocalMachine), "v", kRegSz, "other hive\0"s);
+    EXPECT_EQ(outer->Commit(), kStatusSuccess);
   }
   EXPECT_EQ(Get(Create("A"), "v"), "in\0"s);
   EXPECT_EQ(Get(Create("B", kLocalMachine), "v"), "other hive\0"s);

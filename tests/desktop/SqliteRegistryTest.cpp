@@ -37,15 +37,11 @@ std::string Get(Registry& registry, std::string_view name, int32_t root = kCurre
   return status ? "status " + std::to_string(status) : data;
 }
 
-/// Writes the same text under many names, as one unit. Returns the last status that was none of
-/// success, or success.
+/// Writes the same text under many names, as one unit.
 int32_t SaveAll(Registry& registry, const std::string& text, int names = 50) {
-  auto transaction = registry.BeginTransaction(kCurrentUser);
-  int32_t worst = kStatusSuccess;
-  for (int n = 0; n < names; ++n) {
-    if (int32_t status = Put(registry, std::to_string(n), text)) worst = status;
-  }
-  return worst;
+  auto transaction = registry.BeginTransaction(kCurrentUser, TransactionKind::kWrite);
+  for (int n = 0; n < names; ++n) Put(registry, std::to_string(n), text);
+  return transaction->Commit();
 }
 
 /// The text under all names; "torn" where they differ.
@@ -78,7 +74,7 @@ mode_t ModeOf(const std::string& path) {
 TEST(SqliteRegistry, ReadingCreatesNothing) {
   TempFolder folder;
   auto registry = RegistryIn(folder);
-  auto transaction = registry->BeginTransaction(kCurrentUser);
+  auto transaction = registry->BeginTransaction(kCurrentUser, TransactionKind::kRead);
   KeyHandle root = kNoKey;
   EXPECT_EQ(Get(*registry, "v"), "status 2");
   EXPECT_EQ(registry->OpenKey(kLocalMachine, "", kKeyQueryValue, root), kStatusFileNotFound);
@@ -244,7 +240,7 @@ TEST(SqliteRegistry, ProcessesShareAHiveFromItsCreationOn) {
         for (int n = 0; n < 5; ++n) {
           if (Put(*registry, who + std::to_string(n), who)) return 2;
           if (SaveAll(*registry, who, 20)) return 3;
-          auto moment = registry->BeginTransaction(kCurrentUser);
+          auto moment = registry->BeginTransaction(kCurrentUser, TransactionKind::kRead);
           if (LoadAll(*registry, 20) == "torn") return 4;
         }
         return 0;

@@ -141,7 +141,8 @@ int32_t MemoryRegistry::DeleteValue(KeyHandle key, std::string_view name) {
   return values->erase(std::string(name)) ? kStatusSuccess : kStatusFileNotFound;
 }
 
-std::unique_ptr<RegistryTransaction> MemoryRegistry::BeginTransaction(int32_t root) {
+std::unique_ptr<RegistryTransaction> MemoryRegistry::BeginTransaction(int32_t root,
+                                                                      TransactionKind) {
   if (on_transaction) on_transaction();
   return std::make_unique<Transaction>(hives_.at(root));
 }

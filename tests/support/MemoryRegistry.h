@@ -62,7 +62,9 @@ class MemoryRegistry : public Registry {
   int32_t EnumValue(KeyHandle key, uint32_t index, std::string& name) override;
   int32_t DeleteKey(int32_t root, std::string_view path) override;
   int32_t DeleteValue(KeyHandle key, std::string_view name) override;
-  std::unique_ptr<RegistryTransaction> BeginTransaction(int32_t root) override;
+  std::unique_ptr<RegistryTransaction> BeginTransaction(int32_t root,
+                                                        TransactionKind kind) override;
+  bool StoresWholeTransactions() const override { return false; }
   std::string ExpandEnvironment(std::string_view text) override;
 
  private:

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,11 +26,16 @@ int HostCodePage();
 /// one thread: its converters are not shared safely.
 std::unique_ptr<Locale> MakeIcuLocale(int code_page, const std::string& locale_name);
 
+/// Lets about this much time pass and returns how much it was.
+using PassTime = std::function<std::chrono::milliseconds(std::chrono::milliseconds)>;
+
 /// A registry of one SQLite file (write-ahead log) a hive, in two folders that are created (0700,
-/// files 0600) when something is first written. A hive that cannot be opened or written yields
-/// status codes; two processes may use one hive at once.
+/// files 0600) when something is first written. What belongs to this user is closed to others when
+/// a hive is opened. A hive that cannot be opened or written yields status codes; two processes may
+/// use one hive at once, and `pass_time` is called while one waits for the other (empty: it sleeps).
 std::unique_ptr<Registry> MakeSqliteRegistry(const std::string& user_folder,
-                                             const std::string& machine_folder);
+                                             const std::string& machine_folder,
+                                             PassTime pass_time = {});
 
 /// Folders of this user that may hold profiles of the mail program, by its profiles.ini; the first
 /// is asked first.

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vesko {
+
+/// One use of a prepared statement; leaves it ready for the next one.
+class Statement {
+ public:
+  /// `statement` may be null: it could not be prepared, for the reason `code`.
+  Statement(sqlite3_stmt* statement, int code) : statement_(statement), code_(code) {}
+  ~Statement() {
+    if (!statement_) return;
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_);
+  }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  /// Each gives the next parameter its value. Text and data must outlive the use.
+  Statement& Bind(int64_t number) {
+    if (statement_) Note(sqlite3_bind_int64(statement_, ++bound_, number));
+    return *this;
+  }
+  /// Bytes of any code page: kept as they are, compared without the case of the letters A to Z.
+  Statement& BindName(std::string_view name) {
+    if (statement_) {
+      Note(sqlite3_bind_text64(statement_, ++bound_, name.empty() ? "" : name.data(), name.size(),
+                               SQLITE_STATIC, SQLITE_UTF8));
+    }
+    return *this;
+  }
+  Statement& BindData(std::string_view data) {
+    if (statement_) {
+      Note(sqlite3_bind_blob64(statement_, ++bound_, data.empty() ? "" : data.data(), data.size(),
+                               SQLITE_STATIC));
+    }
+    return *this;
+  }
+
+  /// SQLITE_ROW, SQLITE_DONE or what went wrong.
+  int Step() { return code_ == SQLITE_OK ? sqlite3_step(statement_) : code_; }
+
+  /// Columns of the row that Step reached.
+  int64_t Number(int column) const { return sqlite3_column_int64(statement_, column); }
+  std::string Bytes(int column) const {
+    auto* data = static_cast<const char*>(sqlite3_column_blob(statement_, column));
+    auto size = static_cast<size_t>(sqlite3_column_bytes(statement_, column));
+    return data ? std::string(data, size) : std::string();
+  }
+
+ private:
+  void Note(int code) {
+    if (code_ == SQLITE_OK) code_ = code;
+  }
+
+  sqlite3_stmt* statement_;
+  int code_;
+  int bound_ = 0;
+};
+
+}  // namespace vesko
