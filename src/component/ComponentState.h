@@ -31,6 +31,9 @@ class ComponentState {
 
   mRegistry& Store() { return store_; }
 
+  /// Whether the user knows already that the stored settings could not be read.
+  bool trouble_told = false;
+
   /// The windows, created on first use.
   fCheckMail& CheckWindow();
   fListMail& ListWindow();

@@ -2,6 +2,7 @@
 
 #include "base/RunTimeError.h"
 #include "component/NewMailSound.h"
+#include "config/SettingsTrouble.h"
 #include "dialogs/fCheckMail.h"
 #include "dialogs/fConfig.h"
 #include "dialogs/fListMail.h"
@@ -22,7 +23,7 @@ class Busy {
   ComponentState& state_;
 };
 
-/// Closing the box is no yes.
+/// Closing the box counts as No.
 bool UserSaysYes(Toolkit& toolkit, const Text& question) {
   return QuestionBox(toolkit, question, Text(kApplicationTitle),
                      {u"&Yes", u"&No", u"", u"", u""}) == 0;
@@ -59,6 +60,7 @@ void cVeskoEx::SetFont(const Text& sFontName, int32_t hFont) {
 
 void cVeskoEx::Configure() {
   const Busy busy(state_);
+  TellTrouble();
   state_.ConfigWindow().SelectPage(kAccountsPage);
   state_.ConfigWindow().ShowModal();
 }
@@ -71,6 +73,7 @@ int32_t cVeskoEx::CheckTime() const {
 
 void cVeskoEx::CheckMail() {
   const Busy busy(state_);
+  TellTrouble();
   if (state_.data.configuration.Accounts.Count() == 0) IgnoreErrors([&] { OfferConfiguration(); });
   if (state_.data.configuration.Accounts.Count() == 0) return;
   IgnoreErrors([&] { state_.CheckWindow().Prepare(); });
@@ -80,11 +83,22 @@ void cVeskoEx::CheckMail() {
 
 void cVeskoEx::ViewMail() {
   const Busy busy(state_);
+  TellTrouble();
   if (state_.data.mails.Count() > 0) {
     state_.ListWindow().ShowModal();
   } else if (UserSaysYes(state_.GetToolkit(), u"You have no mails. Check POP3 mail server now ?")) {
     CheckMail();
   }
+}
+
+void cVeskoEx::TellTrouble() {
+  const int32_t status = state_.Store().LoadStatus();
+  const bool tell = status != kStatusSuccess && !state_.trouble_told;
+  state_.trouble_told = status != kStatusSuccess;
+  if (!tell) return;
+  IgnoreErrors([&] {
+    state_.GetToolkit().ShowMessage(TroubleOfLoad(status), {}, MessageIcon::kExclamation);
+  });
 }
 
 void cVeskoEx::OfferConfiguration() {

@@ -11,11 +11,13 @@ namespace vesko {
 /// failures to the user, never to the host. The host must not start an operation while IsBusy.
 class cVeskoEx {
  public:
-  /// Loads the configuration; the first time for a user that seeds the registry. The state must
-  /// outlive the object.
+  /// Loads the configuration; the first time for a user that seeds the registry. Where it cannot be
+  /// read, the object works with the defaults, and the next operation that shows windows says so
+  /// first, once. The state must outlive the object.
   explicit cVeskoEx(ComponentState& state);
 
-  /// Empties the fetched messages, saves the configuration and unloads all windows.
+  /// Empties the fetched messages, saves the configuration and unloads all windows. A save that
+  /// fails is not reported.
   ~cVeskoEx();
   cVeskoEx(const cVeskoEx&) = delete;
   cVeskoEx& operator=(const cVeskoEx&) = delete;
@@ -35,6 +37,7 @@ class cVeskoEx {
   void ViewMail();
 
  private:
+  void TellTrouble();
   void OfferConfiguration();
   void ReportResult();
   void UnloadWindows();

@@ -10,43 +10,21 @@ constexpr TextView kAccountManager = u"SOFTWARE\\Microsoft\\Internet Account Man
 constexpr TextView kMailtoCommand = u"SOFTWARE\\Classes\\mailto\\shell\\open\\command";
 constexpr TextView kProgramEnd = u".exe";
 
-bool KeyExists(cRegistry& registry, int32_t root, const Text& key) {
-  registry.ClassKey = root;
-  registry.SectionKey = key;
-  return registry.KeyExists();
-}
-
-Text ReadText(cRegistry& registry, const Text& key, TextView name) {
-  Text text;
-  IgnoreErrors(
-      [&] { text = ToText(ReadValue(registry, kCurrentUser, key, Text(name), kRegSz, Text())); });
-  return text;
-}
-
-ForeignAccount ReadAccount(cRegistry& registry, const Text& key) {
+ForeignAccount ReadAccount(HiveValues& values, const Text& key) {
   ForeignAccount account;
-  account.name = ReadText(registry, key, u"Account Name");
-  account.server = ReadText(registry, key, u"POP3 Server");
-  account.user = ReadText(registry, key, u"POP3 User Name");
-  IgnoreErrors([&] {
-    account.port =
-        ToInt32(ReadValue(registry, kCurrentUser, key, u"POP3 Port", kRegDword, account.port));
-  });
+  account.name = values.ReadText(key, u"Account Name", kRegSz);
+  account.server = values.ReadText(key, u"POP3 Server", kRegSz);
+  account.user = values.ReadText(key, u"POP3 User Name", kRegSz);
+  IgnoreErrors(
+      [&] { account.port = ToInt32(values.Read(key, u"POP3 Port", kRegDword, account.port)); });
   return account;
 }
 
 /// The command of mailto links; nothing where the key or its unnamed value is missing.
-std::optional<Text> MailtoCommand(cRegistry& registry) {
-  registry.ClassKey = kLocalMachine;
-  registry.SectionKey = kMailtoCommand;
-  registry.ValueKey.clear();
-  registry.ValueType = static_cast<int32_t>(kRegExpandSz);
-  registry.Default = Variant();
-  Variant command = registry.Value();
-  if (IsEmpty(command)) return std::nullopt;
-  Text text;
-  IgnoreErrors([&] { text = TrimNull(Trim(ToText(command))); });
-  return text;
+std::optional<Text> MailtoCommand(HiveValues& values) {
+  const Text key(kMailtoCommand);
+  if (IsEmpty(values.Read(key, {}, kRegBinary, {}))) return std::nullopt;
+  return values.ReadText(key, {}, kRegExpandSz);
 }
 
 /// The program of a command: its arguments are dropped. Programs of another kind count as none.
@@ -60,18 +38,16 @@ Text ProgramOf(const Text& command, const Locale& locale) {
 
 }  // namespace
 
-std::optional<ForeignAccount> ImportAccount(int32_t k, cRegistry& registry, Shell& shell) {
-  if (!KeyExists(registry, kCurrentUser, NumberedKey(kAccountManager, 1))) {
-    return shell.DesktopMailAccount(k);
-  }
-  ForeignAccount account = ReadAccount(registry, NumberedKey(kAccountManager, k));
+std::optional<ForeignAccount> ImportAccount(int32_t k, HiveValues& user_values, Shell& shell) {
+  if (!user_values.KeyExists(NumberedKey(kAccountManager, 1))) return shell.DesktopMailAccount(k);
+  ForeignAccount account = ReadAccount(user_values, NumberedKey(kAccountManager, k));
   if (account.name.empty()) return std::nullopt;
   return account;
 }
 
-Text DefaultMailClient(cRegistry& registry, const Locale& locale, Shell& shell) {
-  auto command = MailtoCommand(registry);
-  Text program = command ? ProgramOf(*command, locale) : shell.DesktopMailClient();
+Text DefaultMailClient(HiveValues& machine_values, const Locale& locale, Shell& shell) {
+  const auto command = MailtoCommand(machine_values);
+  const Text program = command ? ProgramOf(*command, locale) : shell.DesktopMailClient();
   return FileExists(shell, program) ? program : Text();
 }
 

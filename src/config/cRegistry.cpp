@@ -47,46 +47,44 @@ Text Shown(const Variant& value) {
 }  // namespace
 
 bool cRegistry::KeyExists() const {
-  KeyHandle key = kNoKey;
-  if (Open(kKeyQueryValue, key) != kStatusSuccess) return false;
-  registry_.CloseKey(key);
-  return true;
+  RegistryKey key(registry_);
+  return Open(key, kKeyQueryValue) == kStatusSuccess;
 }
 
 bool cRegistry::CreateKey() const {
-  KeyHandle key = kNoKey;
-  if (registry_.CreateKey(ClassKey, locale_.ToBytes(SectionKey), key) != kStatusSuccess) {
+  RegistryKey key(registry_);
+  if (Create(key) != kStatusSuccess) {
     Throw(kRegistryFailed, u"Failed to create registry Key: '" + SectionKey);
   }
-  registry_.CloseKey(key);
   return true;
 }
 
 bool cRegistry::DeleteKey() const {
-  if (registry_.DeleteKey(ClassKey, locale_.ToBytes(SectionKey)) != kStatusSuccess) {
+  if (Noted(registry_.DeleteKey(ClassKey, locale_.ToBytes(SectionKey))) != kStatusSuccess) {
     Throw(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kSection));
   }
   return true;
 }
 
 bool cRegistry::DeleteValue() const {
-  KeyHandle key = kNoKey;
-  if (Open(kKeyAllAccess, key) != kStatusSuccess) {
+  RegistryKey key(registry_);
+  if (Open(key, kKeyAllAccess) != kStatusSuccess) {
     Throw(kRegistryFailed,
           u"Failed to open key '" + Place(Field::kSection) + u"' for delete access");
   }
-  if (registry_.DeleteValue(key, locale_.ToBytes(ValueKey)) != kStatusSuccess) {
+  if (Noted(registry_.DeleteValue(key.Handle(), locale_.ToBytes(ValueKey))) != kStatusSuccess) {
     Throw(kRegistryFailed, u"Failed to delete registry Key: '" + Place(Field::kValue));
   }
-  return true;  // the key stays open: handles cost nothing
+  return true;
 }
 
 Variant cRegistry::Value() {
-  KeyHandle key = kNoKey;
-  Open(kKeyQueryValue, key);
+  RegistryKey key(registry_);
+  if (Open(key, kKeyQueryValue) != kStatusSuccess) return Default;
   uint32_t type = 0;
   std::string data;
-  if (registry_.QueryValue(key, locale_.ToBytes(ValueKey), type, data) != kStatusSuccess) {
+  const std::string name = locale_.ToBytes(ValueKey);
+  if (Noted(registry_.QueryValue(key.Handle(), name, type, data)) != kStatusSuccess) {
     return Default;
   }
   ValueType = static_cast<int32_t>(type);
@@ -94,45 +92,54 @@ Variant cRegistry::Value() {
 }
 
 void cRegistry::Value(const Variant& value) {
-  KeyHandle key = kNoKey;
-  if (registry_.CreateKey(ClassKey, locale_.ToBytes(SectionKey), key) != kStatusSuccess) {
-    ThrowWriteError(kRegistryFailed);
-  }
-  int32_t status = Store(key, value);
-  registry_.CloseKey(key);
-  if (status == kStatusThrown) ThrowWriteError(kRegistryWriteFailed);
+  RegistryKey key(registry_);
+  if (Create(key) != kStatusSuccess) ThrowWriteError(kRegistryFailed);
+  if (Store(key.Handle(), value) == kStatusThrown) ThrowWriteError(kRegistryWriteFailed);
   cached_ = value;
 }
 
 bool cRegistry::EnumerateValues(std::vector<Text>& names, int32_t& count) const {
   names.clear();
-  KeyHandle key = kNoKey;
-  if (Open(kKeyQueryValue, key) != kStatusSuccess) return false;
+  RegistryKey key(registry_);
+  if (Open(key, kKeyQueryValue) != kStatusSuccess) return false;
   std::string name;
-  for (uint32_t i = 0; registry_.EnumValue(key, i, name) == kStatusSuccess; ++i) {
+  for (uint32_t i = 0; Noted(registry_.EnumValue(key.Handle(), i, name)) == kStatusSuccess; ++i) {
     names.push_back(locale_.ToText(name));
   }
-  registry_.CloseKey(key);
   count = static_cast<int32_t>(names.size());
   return true;
 }
 
 bool cRegistry::EnumerateSections(std::vector<Text>& names, int32_t& count) const {
-  KeyHandle key = kNoKey;
-  if (Open(kKeyEnumerateSubKeys, key) != kStatusSuccess) return false;
+  RegistryKey key(registry_);
+  if (Open(key, kKeyEnumerateSubKeys) != kStatusSuccess) return false;
   std::string name;
   uint32_t found = 0;
-  while (registry_.EnumKey(key, found, name) == kStatusSuccess) {
+  while (Noted(registry_.EnumKey(key.Handle(), found, name)) == kStatusSuccess) {
     names.resize(found + 1);
     names[found++] = locale_.ToText(UpToNul(name));
   }
-  registry_.CloseKey(key);
   count = static_cast<int32_t>(found);
   return true;
 }
 
-int32_t cRegistry::Open(uint32_t access, KeyHandle& key) const {
-  return registry_.OpenKey(ClassKey, locale_.ToBytes(SectionKey), access, key);
+int32_t cRegistry::Open(RegistryKey& key, uint32_t access) const {
+  return Noted(key.Open(ClassKey, locale_.ToBytes(SectionKey), access));
+}
+
+int32_t cRegistry::Create(RegistryKey& key) const {
+  return Noted(key.Create(ClassKey, locale_.ToBytes(SectionKey)));
+}
+
+int32_t cRegistry::Set(KeyHandle key, uint32_t type, std::string_view data) const {
+  return Noted(registry_.SetValue(key, locale_.ToBytes(ValueKey), type, data));
+}
+
+int32_t cRegistry::Noted(int32_t status) const {
+  const bool told =
+      status == kStatusSuccess || status == kStatusFileNotFound || status == kStatusNoMoreItems;
+  if (!told && failure_ == kStatusSuccess) failure_ = status;
+  return status;
 }
 
 Text cRegistry::Place(Field last) const {
@@ -168,20 +175,19 @@ Variant cRegistry::FromData(uint32_t type, std::string data) const {
 }
 
 int32_t cRegistry::Store(KeyHandle key, const Variant& value) const {
-  std::string name = locale_.ToBytes(ValueKey);
   switch (static_cast<uint32_t>(ValueType)) {
     case kRegSz:
     case kRegExpandSz:
       return StoreText(key, ToText(value));
     case kRegBinary:
       if (auto* bytes = std::get_if<ByteArray>(&value)) {
-        return registry_.SetValue(key, name, kRegBinary, std::string(bytes->begin(), bytes->end()));
+        return Set(key, kRegBinary, std::string(bytes->begin(), bytes->end()));
       }
       return kStatusSuccess;
     case kRegDword:
     case kRegDwordBigEndian:  // stored little-endian all the same
       if (std::holds_alternative<int16_t>(value) || std::holds_alternative<int32_t>(value)) {
-        return registry_.SetValue(key, name, kRegDword, DataOf(ToInt32(value)));
+        return Set(key, kRegDword, DataOf(ToInt32(value)));
       }
       return kStatusSuccess;
     default:
@@ -194,29 +200,7 @@ int32_t cRegistry::Store(KeyHandle key, const Variant& value) const {
 int32_t cRegistry::StoreText(KeyHandle key, const Text& text) const {
   std::string data = locale_.ToBytes(text);
   data.resize(std::max(2 * text.size(), data.size()) + 1);
-  return registry_.SetValue(key, locale_.ToBytes(ValueKey),
-                            HoldsReference(text) ? kRegExpandSz : kRegSz, data);
-}
-
-Variant ReadValue(cRegistry& registry, int32_t root, const Text& key, const Text& name,
-                  uint32_t type, const Variant& default_value) {
-  registry.ClassKey = root;
-  registry.SectionKey = key;
-  registry.ValueKey = name;
-  registry.ValueType = static_cast<int32_t>(type);
-  registry.Default = default_value;
-  Variant value = registry.Value();
-  if (type != kRegSz && type != kRegExpandSz) return value;
-  return Text(TrimNull(Trim(ToText(value))));
-}
-
-void WriteValue(cRegistry& registry, int32_t root, const Text& key, const Text& name, uint32_t type,
-                const Variant& value) {
-  registry.ClassKey = root;
-  registry.SectionKey = key;
-  registry.ValueKey = name;
-  registry.ValueType = static_cast<int32_t>(type);
-  IgnoreErrors([&] { registry.Value(value); });
+  return Set(key, HoldsReference(text) ? kRegExpandSz : kRegSz, data);
 }
 
 Text NumberedKey(TextView parent, int32_t n) {

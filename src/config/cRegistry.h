@@ -49,10 +49,18 @@ class cRegistry {
   bool EnumerateValues(std::vector<Text>& names, int32_t& count) const;
   bool EnumerateSections(std::vector<Text>& names, int32_t& count) const;
 
+  /// Status of the first registry call so far that neither succeeded nor found that something does
+  /// not exist; kStatusSuccess where there was none. What was read since may be a default in place
+  /// of a stored value, and what was written may be missing.
+  int32_t Failure() const { return failure_; }
+
  private:
   enum class Field { kSection, kValue };
 
-  int32_t Open(uint32_t access, KeyHandle& key) const;
+  int32_t Open(RegistryKey& key, uint32_t access) const;
+  int32_t Create(RegistryKey& key) const;
+  int32_t Set(KeyHandle key, uint32_t type, std::string_view data) const;
+  int32_t Noted(int32_t status) const;
   Text Place(Field last) const;
   [[noreturn]] void Throw(int32_t number, const Text& description) const;
   [[noreturn]] void ThrowWriteError(int32_t number) const;
@@ -64,17 +72,8 @@ class cRegistry {
   const Locale& locale_;
   Shell& shell_;
   Variant cached_;  // the value that was last written
+  mutable int32_t failure_ = kStatusSuccess;
 };
-
-/// Reads one value. Text asked for as kRegSz or kRegExpandSz comes without spaces around it and
-/// without what follows a NUL; everything else as it was read. Raises run-time error 13 where such
-/// a text is none.
-Variant ReadValue(cRegistry& registry, int32_t root, const Text& key, const Text& name,
-                  uint32_t type, const Variant& default_value);
-
-/// Writes one value; a failure is ignored.
-void WriteValue(cRegistry& registry, int32_t root, const Text& key, const Text& name, uint32_t type,
-                const Variant& value);
 
 /// Path of a numbered sub-key: eight digits, zero-padded. Precondition: n is not negative.
 Text NumberedKey(TextView parent, int32_t n);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "config/SettingsTrouble.h"
 #include "ui/mVeskoMain.h"
 #include "ui/mmWinDefs.h"
 
@@ -61,7 +62,11 @@ void fConfig::Confirm() {
   accounts_.Store();
   if (!options_.Store(configuration_)) return;
   spam_.Store(configuration_);
-  store_.Save(configuration_);
+  const int32_t status = store_.Save(configuration_);
+  if (status != kStatusSuccess) {
+    GetToolkit().ShowMessage(TroubleOfSave(status, store_.LoadStatus()), {},
+                             MessageIcon::kExclamation);
+  }
   Unload();
 }
 

@@ -35,6 +35,7 @@ inline constexpr int32_t kStatusInvalidParameter = 87;
 inline constexpr int32_t kStatusDiskFull = 112;
 inline constexpr int32_t kStatusBusy = 170;
 inline constexpr int32_t kStatusNoMoreItems = 259;
+inline constexpr int32_t kStatusRegistryBad = 1009;
 inline constexpr int32_t kStatusRegistryCorrupt = 1015;
 inline constexpr int32_t kStatusKeyDeleted = 1018;
 

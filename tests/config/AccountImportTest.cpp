@@ -15,13 +15,14 @@ class AccountImportTest : public testing::Test {
   static std::string Account(int k) {
     return "SOFTWARE\\Microsoft\\Internet Account Manager\\Accounts\\0000000" + std::to_string(k);
   }
-  std::optional<ForeignAccount> Import(int32_t k) { return ImportAccount(k, registry_, shell_); }
-  Text Client() { return DefaultMailClient(registry_, *locale_, shell_); }
+  std::optional<ForeignAccount> Import(int32_t k) { return ImportAccount(k, user_, shell_); }
+  Text Client() { return DefaultMailClient(machine_, *locale_, shell_); }
 
   MemoryRegistry memory_;
   FakeShell shell_;
   std::unique_ptr<Locale> locale_ = MakeTestLocale();
-  cRegistry registry_{memory_, *locale_, shell_};
+  HiveValues user_{memory_, *locale_, shell_, kCurrentUser};
+  HiveValues machine_{memory_, *locale_, shell_, kLocalMachine};
 };
 
 TEST_F(AccountImportTest, ReadsNumberedAccountsUpToTheFirstGap) {

@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "base/RunTimeError.h"
+#include "config/HiveValues.h"
 #include "config/cRegistry.h"
 #include "support/FakeShell.h"
 #include "support/MemoryRegistry.h"
@@ -146,8 +147,8 @@ TEST_F(cRegistryTest, TextReadAsTextIsTrimmedAndCut) {
                                                {"\0 rest\0"s, u""}};
   for (const auto& [data, expected] : rows) {
     memory_.Put(kCurrentUser, kPath, "v", kRegSz, data);
-    EXPECT_EQ(ReadValue(registry_, kCurrentUser, u"Soft\\Key", u"v", kRegSz, Text()),
-              Variant(expected));
+    HiveValues values(memory_, *locale_, shell_, kCurrentUser);
+    EXPECT_EQ(values.Read(u"Soft\\Key", u"v", kRegSz, Text()), Variant(expected));
   }
 }
 

@@ -41,15 +41,13 @@ void RequireApplication() {
   }
 }
 
-/// The code page that the registry names, or 0.
-int RegistryCodePage(Registry& registry) {
-  KeyHandle key = kNoKey;
-  if (registry.OpenKey(kLocalMachine, kCodePageKey, kKeyQueryValue, key) != kStatusSuccess)
-    return 0;
+/// The code page that one hive names, or 0.
+int NamedCodePage(Registry& registry, int32_t root) {
+  RegistryKey key(registry);
+  if (key.Open(root, kCodePageKey, kKeyQueryValue) != kStatusSuccess) return 0;
   uint32_t type = 0;
   std::string digits;
-  const int32_t status = registry.QueryValue(key, "ACP", type, digits);
-  registry.CloseKey(key);
+  const int32_t status = registry.QueryValue(key.Handle(), "ACP", type, digits);
   int code_page = 0;
   if (status == kStatusSuccess && type == kRegSz) {
     std::from_chars(digits.data(), digits.data() + digits.size(), code_page);
@@ -59,8 +57,13 @@ int RegistryCodePage(Registry& registry) {
 
 int ChooseCodePage(int asked, Registry& registry) {
   if (asked != 0) return asked;
-  const int named = RegistryCodePage(registry);
-  return named != 0 ? named : HostCodePage();
+  // As long as it lives, both hives are waited for only once.
+  const auto whole = registry.BeginTransaction(kLocalMachine, TransactionKind::kRead);
+  for (int32_t root : {kCurrentUser, kLocalMachine}) {
+    const int named = NamedCodePage(registry, root);
+    if (named > 0) return named;
+  }
+  return HostCodePage();
 }
 
 std::string Or(const std::string& text, const std::string& fallback) {

@@ -32,7 +32,8 @@ using PassTime = std::function<std::chrono::milliseconds(std::chrono::millisecon
 /// A registry of one SQLite file (write-ahead log) a hive, in two folders that are created (0700,
 /// files 0600) when something is first written. What belongs to this user is closed to others when
 /// a hive is opened. A hive that cannot be opened or written yields status codes; two processes may
-/// use one hive at once, and `pass_time` is called while one waits for the other (empty: it sleeps).
+/// use one hive at once, and `pass_time` is called while one waits for the other (empty: it
+/// sleeps).
 std::unique_ptr<Registry> MakeSqliteRegistry(const std::string& user_folder,
                                              const std::string& machine_folder,
                                              PassTime pass_time = {});
@@ -64,7 +65,7 @@ struct LinuxDesktopOptions {
   std::string user_hive_folder;     // default: the user's XDG configuration folder + "/VeskoEx"
   std::string machine_hive_folder;  // default: /etc/VeskoEx
   std::string locale_name;          // "ko_KR", "en_GB"; default: the user's
-  int code_page = 0;                // 0: from the registry, else from the user's locale
+  int code_page = 0;                // 0: of the hives, the user's first, else of the locale
   std::string certificate_file;     // PEM file of further certificate authorities for port 995
 };
 

@@ -12,14 +12,15 @@
 
 namespace vesko {
 
-/// A locale on the system's own string, code page and date services. 0 is the system's ANSI code
-/// page, as is one that the system lacks. The name is a language's ("en-GB"); an empty one is the
-/// user's, as is one that the system does not know.
+/// A locale on the system's own string, code page and date services. 0 means the process's ANSI
+/// code page, which its narrow system calls use, as does one that the system lacks. The name is a
+/// language's ("en-GB"); an empty one means the user's, as does one that the system does not know.
 std::unique_ptr<Locale> MakeWinLocale(int code_page, const std::wstring& name = {});
 
-/// The system's registry through its ANSI calls. Transactions do nothing: the system writes each
-/// value whole.
-std::unique_ptr<Registry> MakeWinRegistry();
+/// The system's registry. Names and texts are bytes in the code page, as of MakeWinLocale. The
+/// system stores each value by itself; a transaction only keeps the component's other processes
+/// out.
+std::unique_ptr<Registry> MakeWinRegistry(int code_page = 0);
 
 /// Files, programs and folders by the system's shell.
 std::unique_ptr<Shell> MakeWinShell();
@@ -34,15 +35,16 @@ std::unique_ptr<Socket> MakeWinSocket(const Locale& locale, EventSources& source
                                       const std::string& certificate_file = {},
                                       std::vector<int32_t> tls_ports = {kPop3sPort});
 
-/// Wave output by winmm. The locale must outlive the sound: paths go out in its code page.
-std::unique_ptr<Sound> MakeWinSound(const Locale& locale);
+/// Wave output by winmm. Paths are passed in the process's ANSI code page.
+std::unique_ptr<Sound> MakeWinSound();
 
 /// Native windows from the common controls, on the thread's message pump, which asks the sources as
 /// well. They must outlive the toolkit.
 std::unique_ptr<Toolkit> MakeWinToolkit(EventSources& sources);
 
 /// The Windows desktop: the system's registry, sockets, common controls, sound and languages. To
-/// be made and used on one thread, the one whose messages are pumped.
-std::unique_ptr<Desktop> MakeWindowsDesktop();
+/// be made and used on one thread, the one whose messages are pumped. Texts and registry use the
+/// code page, as of MakeWinLocale.
+std::unique_ptr<Desktop> MakeWindowsDesktop(int code_page = 0);
 
 }  // namespace vesko

@@ -12,10 +12,17 @@ namespace vesko {
 
 namespace {
 
+/// In the code page that the narrow system calls take.
+std::string ToAnsi(const Text& text) {
+  const auto* wide = reinterpret_cast<const wchar_t*>(text.c_str());
+  const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(size), '\0');
+  WideCharToMultiByte(CP_ACP, 0, wide, -1, bytes.data(), size, nullptr, nullptr);
+  return bytes;
+}
+
 class WinSound final : public Sound {
  public:
-  explicit WinSound(const Locale& locale) : locale_(locale) {}
-
   // The path that still plays in the background belongs to this object.
   ~WinSound() override { sndPlaySoundA(nullptr, 0); }
 
@@ -23,14 +30,13 @@ class WinSound final : public Sound {
 
   void Play(const Text& path) override {
     sndPlaySoundA(nullptr, 0);
-    path_ = locale_.ToBytes(path);
+    path_ = ToAnsi(path);
     if (!sndPlaySoundA(path_.c_str(), SND_ASYNC | SND_FILENAME)) {
       throw RunTimeError(kInvalidProcedureCall);
     }
   }
 
  private:
-  const Locale& locale_;
   std::string path_;
 };
 
@@ -38,8 +44,6 @@ static_assert((SND_ASYNC | SND_FILENAME) == 0x20001);
 
 }  // namespace
 
-std::unique_ptr<Sound> MakeWinSound(const Locale& locale) {
-  return std::make_unique<WinSound>(locale);
-}
+std::unique_ptr<Sound> MakeWinSound() { return std::make_unique<WinSound>(); }
 
 }  // namespace vesko
