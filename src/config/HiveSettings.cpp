@@ -116,17 +116,19 @@ void HiveSettings::SaveAccount(int32_t n, const Account& account) const {
   }
 }
 
-/// The last one first: whatever ends this in between leaves no gap that would hide the others from
-/// the next time.
+/// The last one first, and none where their number is not known: whatever ends this in between
+/// leaves no gap that would hide the others from the next time.
 void HiveSettings::DeleteAccountsFrom(int32_t n) const {
   int32_t last = n - 1;
   while (values_.KeyExists(NumberedKey(key_, last + 1))) ++last;
-  for (; last >= n; --last) values_.DeleteKey(NumberedKey(key_, last));
+  if (values_.Failure() != kStatusSuccess) return;
+  while (last >= n && values_.DeleteKey(NumberedKey(key_, last))) --last;
 }
 
 void HiveSettings::Delete() const {
-  DeleteAccountsFrom(1);
-  if (Exist()) values_.DeleteKey(key_);
+  if (!Exist()) return;
+  for (const Text& name : values_.SubKeys(key_)) values_.DeleteKey(Join({key_, name}, u"\\"));
+  values_.DeleteKey(key_);
 }
 
 }  // namespace vesko

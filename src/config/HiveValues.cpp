@@ -36,9 +36,17 @@ void HiveValues::Write(const Text& key, TextView name, uint32_t type, const Vari
   IgnoreErrors([&] { registry_.Value(value); });
 }
 
-void HiveValues::DeleteKey(const Text& key) {
+std::vector<Text> HiveValues::SubKeys(const Text& key) {
   Select(key);
-  IgnoreErrors([&] { registry_.DeleteKey(); });
+  std::vector<Text> names;
+  int32_t count = 0;
+  registry_.EnumerateSections(names, count);
+  return names;
+}
+
+bool HiveValues::DeleteKey(const Text& key) {
+  Select(key);
+  return IgnoreErrors([&] { registry_.DeleteKey(); });
 }
 
 void HiveValues::DeleteValue(const Text& key, TextView name) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "base/Text.h"
 #include "base/Variant.h"
@@ -33,8 +34,11 @@ class HiveValues {
   /// Creates the key where it is missing.
   void Write(const Text& key, TextView name, uint32_t type, const Variant& value);
 
-  /// A key with sub-keys stays.
-  void DeleteKey(const Text& key);
+  /// Names of the key's sub-keys; none where there is no such key.
+  std::vector<Text> SubKeys(const Text& key);
+
+  /// False where the key stays, as one does that has sub-keys.
+  bool DeleteKey(const Text& key);
   void DeleteValue(const Text& key, TextView name);
 
   /// As cRegistry::Failure, over all calls so far.

@@ -111,6 +111,81 @@ TEST_F(cVeskoExTest, ViewMailShowsWhatIsThereOrOffersACheck) {
   EXPECT_FALSE(Object().IsBusy());
 }
 
+TEST_F(cVeskoExTest, SettingsThatCouldNotBeReadAreToldOnceAndStay) {
+  StoreAccount();
+  const ScriptedToolkit::Message expected{
+      u"The settings could not be read: another program is using them.\r\n"
+      u"Default settings are used, and changes to them will not be kept.",
+      u"", MessageIcon::kExclamation};
+  machine.registry.Fail(RegistryCall::kQueryValue, kStatusBusy);
+  Object();
+  machine.registry.HealAll();
+  EXPECT_TRUE(machine.toolkit.messages.empty());
+  machine.toolkit.On("fConfig", [&](Form& form) {
+    EXPECT_EQ(machine.toolkit.messages, std::vector{expected});
+    Press(form, "cmdPOP3(0)");
+    Press(form, "cmdOK");
+  });
+  Object().Configure();
+  ASSERT_EQ(machine.toolkit.messages.size(), 2u);
+  EXPECT_EQ(machine.toolkit.messages[1].text,
+            u"The settings could not be read: another program is using them.\r\n"
+            u"They stay as they were stored, and your changes will not be kept.");
+
+  machine.toolkit.Answer(u"&No", kCheckQuestion);
+  Object().ViewMail();
+  EXPECT_EQ(machine.toolkit.messages.size(), 2u);
+  object.reset();
+  EXPECT_EQ(machine.store.Load(machine.configuration), kStatusSuccess);
+  EXPECT_EQ(machine.AccountNames(), u"one");
+}
+
+TEST_F(cVeskoExTest, ASuccessfulLoadEndsTheTrouble) {
+  StoreAccount();
+  for (RegistryCall call : {RegistryCall::kOpenKey, RegistryCall::kQueryValue}) {
+    machine.registry.Fail(call, kStatusRegistryCorrupt);
+    object = std::make_unique<cVeskoEx>(state);
+    machine.registry.HealAll();
+    machine.toolkit.On("fConfig", [&](Form& form) { Press(form, "cmdCancel"); });
+    machine.toolkit.messages.clear();
+    Object().Configure();
+    EXPECT_EQ(machine.toolkit.messages.size(), 1u);
+    EXPECT_EQ(state.data.configuration.Accounts.Count(), 1);
+
+    machine.toolkit.On("fConfig", [&](Form& form) { Press(form, "cmdOK"); });
+    Object().Configure();
+    EXPECT_EQ(machine.toolkit.messages.size(), 1u);
+  }
+}
+
+TEST_F(cVeskoExTest, ASaveThatFailsIsToldWhereAPersonAskedForIt) {
+  const std::pair<int32_t, const char16_t*> rows[] = {
+      {kStatusAccessDenied, u"access to them is denied."},
+      {kStatusBusy, u"another program is using them."},
+      {kStatusDiskFull, u"the disk is full."},
+      {kStatusWriteFault, u"the disk reports an error."},
+      {kStatusRegistryCorrupt, u"they are damaged."},
+      {1450, u"the system reports error 1450."},
+  };
+  for (const auto& [status, reason] : rows) {
+    Object();
+    machine.toolkit.messages.clear();
+    machine.toolkit.On("fConfig", [&, status = status](Form& form) {
+      machine.registry.Fail(RegistryCall::kSetValue, status);
+      Press(form, "cmdOK");
+      EXPECT_FALSE(form.IsLoaded());
+    });
+    Object().Configure();
+    const Text text = Text(u"The settings could not be saved: ") + reason +
+                      u"\r\nYour changes are used until the program ends, but may be lost then.";
+    const ScriptedToolkit::Message expected{text, u"", MessageIcon::kExclamation};
+    EXPECT_EQ(machine.toolkit.messages, std::vector{expected});
+    object.reset();  // fails as well, in silence
+    EXPECT_EQ(machine.toolkit.messages.size(), 1u);
+    machine.registry.HealAll();
+  }
+}
+
 TEST_F(cVeskoExTest, ItsEndEmptiesSavesAndUnloads) {
   StoreAccount();
   state.ConfigWindow().SelectPage(kOptionPage);

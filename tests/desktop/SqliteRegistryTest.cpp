@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sqlite3.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -101,6 +102,72 @@ TEST(SqliteRegistry, FilesAreTheOwnersAlone) {
     EXPECT_EQ(ModeOf(folder / "a/b/user/registry.db" + suffix), 0600u) << suffix;
   }
   EXPECT_FALSE(std::filesystem::exists(folder / "machine"));
+}
+
+TEST(SqliteRegistry, WhatIsOpenToOthersIsClosedWhenTheHiveIsOpened) {
+  TempFolder folder;
+  auto holder = RegistryIn(folder);  // keeps the logs in being
+  ASSERT_EQ(Put(*holder, "v", "x"), kStatusSuccess);
+  const char* const suffixes[] = {"", "-wal", "-shm"};
+  for (mode_t mode : {0644, 0666, 0640}) {
+    for (bool writing : {false, true}) {
+      chmod((folder / "user").c_str(), 0777);
+      for (auto* suffix : suffixes) chmod((folder / kFile + suffix).c_str(), mode);
+      auto registry = RegistryIn(folder);
+      EXPECT_EQ(writing ? Put(*registry, "v", "x") : kStatusSuccess, kStatusSuccess);
+      EXPECT_EQ(Get(*registry, "v"), "x");
+      EXPECT_EQ(ModeOf(folder / "user"), 0700u);
+      for (auto* suffix : suffixes) EXPECT_EQ(ModeOf(folder / kFile + suffix), 0600u) << suffix;
+    }
+  }
+}
+
+/// Holds the user's hive as a program does that lets nobody read it.
+class Holder {
+ public:
+  explicit Holder(const TempFolder& folder) {
+    sqlite3_open((folder / kFile).c_str(), &connection_);
+    for (auto* sql : {"PRAGMA locking_mode=EXCLUSIVE", "BEGIN EXCLUSIVE", "DELETE FROM entries"}) {
+      EXPECT_EQ(sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+    }
+  }
+  ~Holder() { sqlite3_close(connection_); }
+
+ private:
+  sqlite3* connection_ = nullptr;
+};
+
+TEST(SqliteRegistry, AHeldHiveIsWaitedForFiveSecondsInAll) {
+  using std::chrono::milliseconds;
+  TempFolder folder;
+  ASSERT_EQ(SaveAll(*RegistryIn(folder), "x"), kStatusSuccess);
+  auto holder = std::make_unique<Holder>(folder);
+  milliseconds waited{0};
+  milliseconds held = milliseconds::max();
+  const auto pass_time = [&](milliseconds time) {
+    waited += time;
+    if (waited > held) holder.reset();
+    return time;
+  };
+  auto registry = MakeSqliteRegistry(folder / "user", folder / "machine", pass_time);
+  const auto busy = [&] { return Get(*registry, "0") == "status " + std::to_string(kStatusBusy); };
+  {
+    auto machine = registry->BeginTransaction(kLocalMachine, TransactionKind::kRead);
+    for (auto kind : {TransactionKind::kRead, TransactionKind::kWrite}) {
+      auto user = registry->BeginTransaction(kCurrentUser, kind);
+      for (int n = 0; n < 20; ++n) EXPECT_TRUE(busy());
+      EXPECT_EQ(Put(*registry, "v", "x"), kStatusBusy);
+      EXPECT_EQ(user->Commit(), kStatusBusy);
+    }
+  }
+  EXPECT_TRUE(busy());
+  EXPECT_EQ(SaveAll(*registry, "y"), kStatusBusy);
+  EXPECT_EQ(waited, milliseconds{5000}) << "it has not answered since";
+
+  held = waited + milliseconds{2000};
+  registry = MakeSqliteRegistry(folder / "user", folder / "machine", pass_time);
+  EXPECT_EQ(LoadAll(*registry), "x");
+  EXPECT_LT(waited, held + milliseconds{100});
 }
 
 TEST(SqliteRegistry, ErasedDataLeaveTheFile) {

@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+
+#include "config/mRegistry.h"
+#include "desktop/RegistryFixture.h"
+#include "support/FakeShell.h"
+#include "support/FaultyRegistry.h"
+#include "support/MemoryRegistry.h"
+#include "support/TestLocale.h"
+
+namespace vesko {
+namespace {
+
+constexpr int32_t kStatuses[] = {kStatusAccessDenied,    kStatusBusy,
+                                 kStatusDiskFull,        kStatusWriteFault,
+                                 kStatusRegistryCorrupt, -1};
+
+struct Port {
+  const char* name;
+  std::function<std::unique_ptr<Registry>(const TempFolder&)> make;
+  bool quick;  // enough to fail each call both ways
+};
+
+const Port kPorts[] = {
+    {"Memory", [](const TempFolder&) { return std::make_unique<MemoryRegistry>(); }, true},
+    {"Platform", MakeTestRegistry, false},
+};
+
+/// Every call of a load, a save and a first start fails, and the process ends at every write. The
+/// object then comes to its end, which saves what it has.
+class SettingsFaultTest : public testing::TestWithParam<Port> {
+ protected:
+  static Configuration WithAccounts(const std::vector<Text>& names) {
+    Configuration configuration;
+    for (const Text& name : names) {
+      configuration.AddAccount({.name = name,
+                                .server = name + u".example",
+                                .user = name,
+                                .password = name + u" scrambled",
+                                .port = u"110",
+                                .save_password = u"1"});
+    }
+    configuration.SpamSenders = names;
+    configuration.WaitTime = static_cast<int32_t>(names.size());
+    return configuration;
+  }
+
+  static Text Shown(const Configuration& configuration) {
+    Text text = Join(configuration.SpamSenders, u",") + Decimal(configuration.WaitTime);
+    for (int32_t n = 1; n <= configuration.Accounts.Count(); ++n) {
+      text += u'|';
+      text += Join(Split(configuration.AccountAt(n).ToRecord(), kCrLf), u" ");
+    }
+    return text;
+  }
+
+  void Store(const Configuration& configuration) {
+    ASSERT_EQ(mRegistry(*real_, *locale_, shell_).Save(configuration), kStatusSuccess);
+  }
+  Text Stored() {
+    Configuration configuration;
+    EXPECT_EQ(mRegistry(*real_, *locale_, shell_).Load(configuration), kStatusSuccess);
+    return Shown(configuration);
+  }
+  bool HasJournal() {
+    RegistryKey key(*real_);
+    return key.Open(kCurrentUser, "SOFTWARE\\Quarnel\\Config\\Email Accounts Pending",
+                    kKeyQueryValue) == kStatusSuccess;
+  }
+
+  /// Runs the step once for each of its calls, which fails once and from then on, and after each
+  /// the check. The statuses take their turn. `prepare` makes the state before.
+  void ForEachFault(const std::function<void()>& prepare,
+                    const std::function<void(FaultyRegistry&)>& step,
+                    const std::function<void()>& check) {
+    prepare();
+    FaultyRegistry counting(*real_);
+    step(counting);
+    for (int n = 1; n <= counting.Calls(); ++n) {
+      const int32_t status = kStatuses[static_cast<size_t>(n) % std::size(kStatuses)];
+      for (bool lasting : {false, true}) {
+        if (!GetParam().quick && lasting != (n % 2 == 0)) continue;
+        SCOPED_TRACE("call " + std::to_string(n) + " status " + std::to_string(status) +
+                     (lasting ? " from then on" : " once"));
+        prepare();
+        FaultyRegistry faulty(*real_);
+        lasting ? faulty.FailFrom(n, status) : faulty.FailCall(n, status);
+        step(faulty);
+        check();
+        if (HasFailure()) return;
+      }
+    }
+  }
+
+  /// The same for the end of the process at each write.
+  void ForEachKill(const std::function<void()>& prepare,
+                   const std::function<void(FaultyRegistry&)>& step,
+                   const std::function<void()>& check) {
+    prepare();
+    FaultyRegistry counting(*real_);
+    step(counting);
+    ASSERT_GT(counting.Writes(), 20);
+    for (int n = 1; n <= counting.Writes(); ++n) {
+      SCOPED_TRACE("killed at write " + std::to_string(n));
+      prepare();
+      FaultyRegistry faulty(*real_);
+      faulty.KillAtWrite(n);
+      EXPECT_THROW(step(faulty), FaultyRegistry::Killed);
+      check();
+      if (HasFailure()) return;
+    }
+  }
+
+  void Renew() {
+    real_.reset();
+    folder_.emplace();
+    real_ = GetParam().make(*folder_);
+  }
+
+  std::optional<TempFolder> folder_{std::in_place};
+  FakeShell shell_;
+  std::unique_ptr<Locale> locale_ = MakeTestLocale();
+  std::unique_ptr<Registry> real_ = GetParam().make(*folder_);
+  const Configuration old_ = WithAccounts({u"one", u"two", u"three"});
+  const Configuration new_ = WithAccounts({u"one", u"three"});
+};
+
+TEST_P(SettingsFaultTest, WhatCouldNotBeLoadedIsNotSavedOver) {
+  ForEachFault([&] { Store(old_); },
+               [&](FaultyRegistry& registry) {
+                 mRegistry store(registry, *locale_, shell_);
+                 Configuration configuration;
+                 const int32_t status = store.Load(configuration);
+                 EXPECT_EQ(status, store.LoadStatus());
+                 EXPECT_EQ(configuration.Accounts.Count(), status == kStatusSuccess ? 3 : 0);
+                 registry.Heal();
+                 EXPECT_EQ(store.Save(configuration), status);
+               },
+               [&] { EXPECT_EQ(Stored(), Shown(old_)); });
+}
+
+TEST_P(SettingsFaultTest, ASaveStoresAllOrNothingAndSaysWhich) {
+  int32_t status = kStatusSuccess;
+  const auto save = [&](FaultyRegistry& registry) {
+    status = -1;  // for a save that does not return
+    status = mRegistry(registry, *locale_, shell_).Save(new_);
+  };
+  const auto check = [&] {
+    const Text stored = Stored();
+    if (status == kStatusSuccess || stored != Shown(old_)) {
+      EXPECT_EQ(stored, Shown(new_));
+    }
+    Store(new_);
+    EXPECT_EQ(Stored(), Shown(new_));
+    EXPECT_FALSE(HasJournal());
+  };
+  ForEachFault([&] { Store(old_); }, save, check);
+  ForEachKill([&] { Store(old_); }, save, check);
+}
+
+TEST_P(SettingsFaultTest, AFirstStartThatFailsIsTriedAgain) {
+  shell_.desktop_mail_accounts = {{u"Mail", u"pop.example", u"me", 995}, {u"Two", u"", u"", 110}};
+  const auto start = [&](FaultyRegistry& registry) {
+    mRegistry store(registry, *locale_, shell_);
+    Configuration configuration;
+    const bool loaded = store.Load(configuration) == kStatusSuccess;
+    EXPECT_EQ(configuration.Accounts.Count(), loaded ? 2 : 0);
+    registry.Heal();
+    store.Save(configuration);
+  };
+  const auto check = [&] {
+    Configuration configuration;
+    EXPECT_EQ(mRegistry(*real_, *locale_, shell_).Load(configuration), kStatusSuccess);
+    EXPECT_EQ(configuration.Accounts.Count(), 2);
+    EXPECT_EQ(configuration.AccountAt(1).name, u"Mail");
+    EXPECT_EQ(configuration.SpamSubjects, (std::vector<Text>{u"ILOVEYOU", u"MELISSA"}));
+  };
+  ForEachFault([&] { Renew(); }, start, check);
+  ForEachKill([&] { Renew(); }, start, check);
+}
+
+INSTANTIATE_TEST_SUITE_P(Ports, SettingsFaultTest, testing::ValuesIn(kPorts),
+                         [](const auto& port) { return port.param.name; });
+
+}  // namespace
+}  // namespace vesko
