@@ -1,5 +1,7 @@
 #include "BareLoop.h"
 
+#include "BareConversation.h"
+
 #ifdef _WIN32
 #include <winsock2.h>
 #else
@@ -10,11 +12,7 @@
 #include <unistd.h>
 #endif
 
-#include <cstdlib>
 #include <stdexcept>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace vesko {
 namespace {
@@ -60,50 +58,24 @@ class Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  std::string_view Ask(std::string command, std::string_view end) {
-    command.append("\r\n");
-    ::send(socket_, command.data(), static_cast<Size>(command.size()), kNoSignal);
-    return Receive(end);
+  void Send(const std::string& bytes) {
+    ::send(socket_, bytes.data(), static_cast<Size>(bytes.size()), kNoSignal);
   }
 
-  std::string_view Receive(std::string_view end) {
-    size_t size = 0;
-    for (;;) {
-      if (size == buffer_.size()) buffer_.resize(2 * size);
-      const auto piece =
-          ::recv(socket_, buffer_.data() + size, static_cast<Size>(buffer_.size() - size), 0);
-      if (piece <= 0) throw std::runtime_error("the server closed the connection");
-      size += static_cast<size_t>(piece);
-      const std::string_view reply(buffer_.data(), size);
-      if (reply.ends_with(end)) return reply;
-    }
+  long Receive(char* buffer, size_t size) {
+    return static_cast<long>(::recv(socket_, buffer, static_cast<Size>(size), 0));
   }
 
  private:
   decltype(NewSocket()) socket_ = NewSocket();
-  std::vector<char> buffer_ = std::vector<char>(65536);
 };
 
 }  // namespace
 
 BareLoopResult RunBareLoop(uint16_t port, const std::string& user, const std::string& password,
                            int down_lines) {
-  constexpr std::string_view kLine = "\r\n";
-  constexpr std::string_view kDotLine = "\r\n.\r\n";
   Connection connection(port);
-  connection.Receive(kLine);
-  connection.Ask("USER " + user, kLine);
-  connection.Ask("PASS " + password, kLine);
-  BareLoopResult result;
-  result.messages = std::atoi(std::string(connection.Ask("STAT", kLine)).c_str() + 4);
-  const std::string lines = std::to_string(down_lines);
-  for (int i = 1; i <= result.messages; ++i) {
-    std::string command("TOP ");
-    command.append(std::to_string(i)).append(1, ' ').append(lines);
-    result.bytes += connection.Ask(std::move(command), kDotLine).size();
-  }
-  connection.Ask("QUIT", kLine);
-  return result;
+  return HoldConversation(connection, user, password, down_lines);
 }
 
 }  // namespace vesko

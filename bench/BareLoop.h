@@ -17,4 +17,8 @@ struct BareLoopResult {
 BareLoopResult RunBareLoop(uint16_t port, const std::string& user, const std::string& password,
                            int down_lines);
 
+/// The same over TLS, with nothing checked. Not on Windows.
+BareLoopResult RunBareTlsLoop(uint16_t port, const std::string& user, const std::string& password,
+                              int down_lines);
+
 }  // namespace vesko

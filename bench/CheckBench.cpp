@@ -2,7 +2,12 @@
 // every message parsed and kept) and a bare blocking loop, against the same server.
 //
 //   vesko_bench_check             1,000, 10,000 and 32,767 messages from a server in memory
-//   vesko_bench_check --dovecot   10,000 messages of a Maildir behind Dovecot
+//   vesko_bench_check --dovecot   10,000 messages of a Maildir behind Dovecot, in the clear and
+//   over
+//                                 TLS
+//
+// "CPU" is the processor time of the client, the system's part included. "Grew" is the growth of
+// the peak of resident memory.
 
 #include <sched.h>
 #include <sys/resource.h>
@@ -24,12 +29,15 @@
 
 #include "BareLoop.h"
 #include "SampleMail.h"
+#include "Table.h"
 #include "config/mmEncrypt.h"
+#include "desktop/TlsPeer.h"
 #include "desktop/common/SteadyClock.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "dialogs/fCheckMail.h"
 #include "e2e/Dovecot.h"
 #include "maillist/SharedData.h"
+#include "support/TempFolder.h"
 
 namespace vesko {
 namespace {
@@ -82,8 +90,13 @@ struct CheckResult {
   int messages = 0;
 };
 
+struct Server {
+  uint16_t port;
+  std::string authorities;  // PEM file; TLS where there is one
+};
+
 // One check in this process, whose memory is its own.
-CheckResult RunCheck(const std::string& user, uint16_t port) {
+CheckResult RunCheck(const std::string& user, const Server& server) {
   int count = 1;
   char name[] = "vesko_bench_check";
   char* arguments[] = {name, nullptr};
@@ -91,7 +104,8 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   QApplication application(count, arguments);
   const std::unique_ptr<Toolkit> toolkit = MakeQtToolkit();
   const std::unique_ptr<Locale> locale = MakeIcuLocale(kCodePageUtf8, "en_US");
-  const std::unique_ptr<Socket> socket = MakeQtSocket(*locale, {});
+  const std::vector<int32_t> tls_ports(server.authorities.empty() ? 0 : 1, server.port);
+  const std::unique_ptr<Socket> socket = MakeQtSocket(*locale, server.authorities, tls_ports);
   const SteadyClock clock;
   const std::unique_ptr<Registry> registry = MakeSqliteRegistry({}, {});
   const std::unique_ptr<Shell> shell = MakeLinuxShell();
@@ -100,7 +114,7 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   SharedData data;
   const Text password = Encrypt(FromAscii(kPassword), *locale);
   data.configuration.AddAccount(
-      {u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(port), u"0"});
+      {u"Bench", u"127.0.0.1", FromAscii(user), password, Decimal(server.port), u"0"});
   fCheckMail window(*toolkit, services, data);
   window.Prepare();
   CheckResult result;
@@ -111,9 +125,10 @@ CheckResult RunCheck(const std::string& user, uint16_t port) {
   return result;
 }
 
-CheckResult RunCheckInItsOwnProcess(const std::string& user, uint16_t port) {
+CheckResult RunCheckInItsOwnProcess(const std::string& user, const Server& server) {
   const std::string self = fs::read_symlink("/proc/self/exe").string();
-  Pipe child("'" + self + "' --child " + user + " " + std::to_string(port));
+  Pipe child("'" + self + "' --child " + user + " " + std::to_string(server.port) + " '" +
+             server.authorities + "'");
   CheckResult result;
   if (std::fscanf(child.file, "%lf %lf %lf %d", &result.cost.wall_seconds,
                   &result.cost.processor_seconds, &result.megabytes, &result.messages) != 4) {
@@ -122,30 +137,28 @@ CheckResult RunCheckInItsOwnProcess(const std::string& user, uint16_t port) {
   return result;
 }
 
-void Report(const BareLoopResult& bare, const Cost& bare_cost, const CheckResult& check) {
-  std::printf(
-      "%6d messages: bare loop %6.3f s (processor %6.3f), check %6.3f s (%6.3f), ratio %.2f\n",
-      bare.messages, bare_cost.wall_seconds, bare_cost.processor_seconds, check.cost.wall_seconds,
-      check.cost.processor_seconds, check.cost.wall_seconds / bare_cost.wall_seconds);
-  const double fetched = static_cast<double>(bare.bytes) / (1 << 20);
-  std::printf("                 fetched %.1f MB, memory grew by %.1f MB = %.2f of it\n", fetched,
-              check.megabytes, check.megabytes / fetched);
-  std::fflush(stdout);
+void Report(Table& table, const std::string& name, const BareLoopResult& bare,
+            const Cost& bare_cost, const CheckResult& check) {
+  table.Add(name, {bare_cost.wall_seconds, check.cost.wall_seconds,
+                   check.cost.wall_seconds / bare_cost.wall_seconds, bare_cost.processor_seconds,
+                   check.cost.processor_seconds, static_cast<double>(bare.bytes) / (1 << 20),
+                   check.megabytes});
 }
 
-void Compare(const std::string& user, uint16_t port) {
+void Compare(Table& table, const std::string& name, const std::string& user, const Server& server) {
+  const auto run_bare = server.authorities.empty() ? RunBareLoop : RunBareTlsLoop;
   Cost bare_cost;
   CheckResult best;
   BareLoopResult bare;
   for (int round = 0; round < kRounds; ++round) {
     const Cost cost =
-        Measure([&] { bare = RunBareLoop(port, user, kPassword, Configuration().DownLines); });
+        Measure([&] { bare = run_bare(server.port, user, kPassword, Configuration().DownLines); });
     if (cost.wall_seconds < bare_cost.wall_seconds) bare_cost = cost;
-    const CheckResult check = RunCheckInItsOwnProcess(user, port);
+    const CheckResult check = RunCheckInItsOwnProcess(user, server);
     if (check.messages != bare.messages) throw std::runtime_error("messages are missing");
     if (check.cost.wall_seconds < best.cost.wall_seconds) best = check;
   }
-  Report(bare, bare_cost, best);
+  Report(table, name, bare, bare_cost, best);
 }
 
 void RunOn(int core) {
@@ -192,42 +205,47 @@ class MemoryServer {
 // Client and server take turns, so where the system puts them decides what a turn costs: on one
 // core it is the work alone, on two each turn wakes a core. Left to chance it would change by the
 // second.
-void CompareInMemory() {
+void CompareInMemory(Table& table) {
   constexpr int kClientCore = 0;
   RunOn(kClientCore);
   const int cores = std::thread::hardware_concurrency() > 1 ? 2 : 1;
   for (int server_core = 0; server_core < cores; ++server_core) {
-    const bool same = server_core == kClientCore;
-    std::printf("%s\n", same ? "Server on the same core:" : "Server on a core of its own:");
     const MemoryServer server(server_core);
     if (server.Port() == 0) throw std::runtime_error("the server does not start");
-    for (const char* count : {"1000", "10000", "32767"}) Compare(count, server.Port());
+    for (const char* count : {"1000", "10000", "32767"}) {
+      const char* place = server_core == kClientCore ? ", same core" : ", core of its own";
+      Compare(table, std::string(count) + " from memory" + place, count, {server.Port(), {}});
+    }
   }
 }
 
-void CompareWithDovecot() {
+void CompareWithDovecot(Table& table) {
   constexpr int kMessages = 10000;
-  Dovecot server(std::vector<Dovecot::Account>{{"anna", kPassword}});
+  const TempFolder folder;
+  const Certificate authority = MakeAuthority("Bench");
+  const Certificate certificate =
+      MakeCertificate({.name = "bench", .alternative_names = "IP:127.0.0.1"}, &authority);
+  folder.Write("authorities", ToPem(authority));
+  Dovecot server({{"anna", kPassword}}, ToPem(certificate) + KeyToPem(certificate));
   for (int i = 1; i <= kMessages; ++i) server.Deliver("anna", SampleMail(i));
   RunBareLoop(server.Port(), "anna", kPassword, 0);  // the server builds its index
-  Compare("anna", server.Port());
+  Compare(table, "10000 from Dovecot", "anna", {server.Port(), {}});
+  Compare(table, "10000 from Dovecot, TLS", "anna", {server.TlsPort(), folder / "authorities"});
 }
 
 int Main(const std::vector<std::string>& arguments) {
-  if (arguments.size() == 3 && arguments[0] == "--child") {
+  if (arguments.size() == 4 && arguments[0] == "--child") {
     const CheckResult result =
-        RunCheck(arguments[1], static_cast<uint16_t>(std::stoi(arguments[2])));
+        RunCheck(arguments[1], {static_cast<uint16_t>(std::stoi(arguments[2])), arguments[3]});
     std::printf("%f %f %f %d\n", result.cost.wall_seconds, result.cost.processor_seconds,
                 result.megabytes, result.messages);
     return 0;
   }
-  if (arguments.empty()) {
-    CompareInMemory();
-  } else if (arguments[0] == "--dovecot") {
-    CompareWithDovecot();
-  } else {
-    return 2;
-  }
+  const bool dovecot = arguments == std::vector<std::string>{"--dovecot"};
+  if (!dovecot && !arguments.empty()) return 2;
+  Table table("A check beside a bare loop", "messages",
+              {"bare s", "check s", "ratio", "bare CPU s", "check CPU s", "fetched MB", "grew MB"});
+  dovecot ? CompareWithDovecot(table) : CompareInMemory(table);
   return 0;
 }
 

@@ -64,6 +64,15 @@ void End(LoopbackPeer& peer, SSL* ssl, TlsEnding ending) {
   if (ending != TlsEnding::kOfTls) ::shutdown(static_cast<int>(peer.Descriptor()), SHUT_WR);
 }
 
+template <typename Write>
+std::string Written(Write write) {
+  const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), BIO_free);
+  write(memory.get());
+  char* text = nullptr;
+  const long size = BIO_get_mem_data(memory.get(), &text);
+  return {text, static_cast<size_t>(size)};
+}
+
 }  // namespace
 
 Certificate MakeAuthority(const std::string& name) {
@@ -82,11 +91,13 @@ Certificate MakeCertificate(const TlsCase& wanted, const Certificate* issuer) {
 }
 
 std::string ToPem(const Certificate& certificate) {
-  std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), BIO_free);
-  PEM_write_bio_X509(memory.get(), certificate.x509.get());
-  char* text = nullptr;
-  const long size = BIO_get_mem_data(memory.get(), &text);
-  return {text, static_cast<size_t>(size)};
+  return Written([&](BIO* to) { PEM_write_bio_X509(to, certificate.x509.get()); });
+}
+
+std::string KeyToPem(const Certificate& certificate) {
+  return Written([&](BIO* to) {
+    PEM_write_bio_PrivateKey(to, certificate.key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+  });
 }
 
 TlsServerEnd::TlsServerEnd(const Certificate& certificate)

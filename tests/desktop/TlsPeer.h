@@ -23,8 +23,9 @@ Certificate MakeAuthority(const std::string& name);
 /// The certificate of a server. Without an issuer it signs itself.
 Certificate MakeCertificate(const TlsCase& wanted, const Certificate* issuer);
 
-/// Certificate alone, and key alone.
+/// The certificate alone, and its key alone.
 std::string ToPem(const Certificate& certificate);
+std::string KeyToPem(const Certificate& certificate);
 
 /// The server's side of a TLS connection without a socket: bytes in, bytes out. Greets the client
 /// when the handshake is over.

@@ -33,7 +33,7 @@ bool Greets(uint16_t port) {
 
 }  // namespace
 
-Dovecot::Dovecot(const std::vector<Account>& accounts) {
+Dovecot::Dovecot(const std::vector<Account>& accounts, const std::string& certificate) {
   if (!fs::exists(kProgram)) throw std::runtime_error("the package dovecot-pop3d is missing");
   const passwd* owner = ::getuid() == 0 ? ::getpwnam("nobody") : ::getpwuid(::getuid());
   owner_ = owner->pw_name;
@@ -45,8 +45,10 @@ Dovecot::Dovecot(const std::vector<Account>& accounts) {
   }
   server_.setProcessChannelMode(QProcess::ForwardedChannels);
   server_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+  if (!certificate.empty()) temporary_.Write("certificate", certificate);
   for (int tries = 3; tries > 0; --tries) {
     port_ = FreePort();
+    if (!certificate.empty()) tls_port_ = FreePort();
     WriteConfiguration(accounts);
     if (Start()) return;
   }
@@ -73,9 +75,11 @@ void Dovecot::WriteConfiguration(const std::vector<Account>& accounts) const {
       << "log_path = " << folder << "/log\n"
       << "protocols = pop3\n"
          "listen = 127.0.0.1\n"
-         "ssl = no\n"
          "disable_plaintext_auth = no\n"
          "auth_failure_delay = 0\n"
+      << (tls_port_ ? "ssl = yes\nssl_cert = <" + folder + "/certificate\nssl_key = <" + folder +
+                          "/certificate\n"
+                    : "ssl = no\n")
       << "default_internal_user = " << owner_ << '\n'
       << "default_login_user = " << owner_ << '\n'
       << "default_internal_group = " << ::getgrgid(gid_)->gr_name << '\n'
@@ -86,7 +90,7 @@ void Dovecot::WriteConfiguration(const std::vector<Account>& accounts) const {
       << "userdb {\n  driver = static\n  args = uid=" << uid_ << " gid=" << gid_
       << " home=" << folder << "/mail/%u\n}\n"
       << "service pop3-login {\n  chroot =\n  inet_listener pop3 {\n    port = " << port_
-      << "\n  }\n  inet_listener pop3s {\n    port = 0\n  }\n}\n"
+      << "\n  }\n  inet_listener pop3s {\n    port = " << tls_port_ << "\n  }\n}\n"
       << "service anvil {\n  chroot =\n}\n"
          "service stats {\n  chroot =\n}\n";
 }

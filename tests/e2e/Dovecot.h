@@ -24,11 +24,13 @@ class Dovecot {
   };
 
   /// Returns when the server accepts connections. Throws std::runtime_error with the server's log
-  /// when it does not.
-  explicit Dovecot(const std::vector<Account>& accounts);
+  /// when it does not. With a certificate and its key, PEM in one text, it speaks TLS on a port of
+  /// its own besides.
+  explicit Dovecot(const std::vector<Account>& accounts, const std::string& certificate = {});
   ~Dovecot();
 
   uint16_t Port() const { return port_; }
+  uint16_t TlsPort() const { return tls_port_; }
 
   /// Puts a message into the account's Maildir. Messages are numbered in the order of delivery.
   /// Returns the name of its file, flags left out.
@@ -49,6 +51,7 @@ class Dovecot {
   uid_t uid_ = 0;
   gid_t gid_ = 0;
   uint16_t port_ = 0;
+  uint16_t tls_port_ = 0;  // 0: no TLS
   QProcess server_;
   int delivered_ = 0;
 };
