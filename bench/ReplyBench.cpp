@@ -1,16 +1,20 @@
-// One large message fetched in small pieces: processor time and memory of a check against the
-// size of the reply, the parsing of the message included.
+// One large message that arrives in pieces: processor time of a check, the parsing of the message
+// included, and the memory at its peak and after it.
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <string>
 #include <utility>
 
+#include "Table.h"
 #include "config/mmEncrypt.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "pop3/CheckRun.h"
+#include "support/FakeClock.h"
+#include "support/FakeShell.h"
+#include "support/FakeSound.h"
+#include "support/MemoryRegistry.h"
 
 namespace vesko {
 namespace {
@@ -61,11 +65,6 @@ class LargeMessageSocket : public Socket, public Pump {
   Text reply_;
 };
 
-class StillClock : public Clock {
- public:
-  double Seconds() const override { return 0; }
-};
-
 class BlindView : public ProgressView {
  public:
   void ShowCaption(const Text&) override {}
@@ -92,26 +91,28 @@ double Memory(const std::string& field) {
   return 0;
 }
 
-bool Measure(size_t size, size_t piece) {
+bool Measure(Table& table, size_t size, size_t piece) {
   const auto locale = MakeIcuLocale(949, "ko_KR");
   LargeMessageSocket socket(size, piece);
-  StillClock clock;
+  FakeClock clock;
+  FakeShell shell;
+  MemoryRegistry registry;
+  NotingSound sound;
   BlindView view;
-  Configuration configuration;
-  Variant record = u"Home\r\npop.example.org\r\nann\r\n" + Encrypt(u"secret", *locale);
-  configuration.Accounts.Add(record);
-  colMails mails;
-  CheckRun run({socket, socket, clock, *locale, configuration, mails, view});
+  SharedData data;
+  const Services services{*locale, registry, shell, sound, clock, socket, socket};
+  data.configuration.AddAccount(
+      {u"Home", u"pop.example.org", u"ann", Encrypt(u"secret", *locale), u"110", u"0"});
+  CheckRun run(services, data, view);
 
   std::ofstream("/proc/self/clear_refs") << "5";  // the peak starts afresh
   const double memory = Memory("VmRSS:");
   const double cpu = CpuSeconds();
   run.Activate();
-  std::printf("%8.1f MB in pieces of %6zu: %.2f s, peak %.1f times and kept %.1f times its size\n",
-              static_cast<double>(size) / 1e6, piece, CpuSeconds() - cpu,
-              (Memory("VmHWM:") - memory) / static_cast<double>(size),
-              (Memory("VmRSS:") - memory) / static_cast<double>(size));
-  return mails.Count() == 1;
+  table.Add("pieces of " + std::to_string(piece),
+            {static_cast<double>(size) / 1e6, CpuSeconds() - cpu, (Memory("VmHWM:") - memory) / 1e6,
+             (Memory("VmRSS:") - memory) / 1e6});
+  return data.mails.Count() == 1;
 }
 
 }  // namespace
@@ -119,9 +120,10 @@ bool Measure(size_t size, size_t piece) {
 
 int main(int argc, char** argv) {
   const size_t size = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 50'000'000;
+  vesko::Table table("A check of one long reply", "", {"size MB", "CPU s", "peak MB", "kept MB"});
   bool fetched = true;
   for (size_t piece : {size_t{1024}, size_t{65536}, size, size_t{1460}, size_t{16}}) {
-    fetched = vesko::Measure(size, piece) && fetched;
+    fetched = vesko::Measure(table, size, piece) && fetched;
   }
   return fetched ? 0 : 1;
 }

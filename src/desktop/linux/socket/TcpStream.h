@@ -13,6 +13,10 @@ namespace vesko {
 
 /// A TCP connection on the event loop of the calling thread; reusable. Must not be destroyed from
 /// within a call of its listener.
+///
+/// It stands in for QTcpSocket, which reports fewer kinds of errors than Socket does and copies
+/// more: with it a check of 32,767 messages from a server in memory took 0.59 s instead of 0.52 s,
+/// and one of 10,000 messages from Dovecot as long as with this (0.85 s).
 class TcpStream {
  public:
   TcpStream();
