@@ -9,12 +9,17 @@ namespace vesko {
 
 /// The page "Accounts" of the settings window: a list of names, and boxes for the account that is
 /// selected in it. Accounts are edited in place: what the boxes hold goes into the configuration
-/// when another account is shown and with Store.
+/// when another account is shown, before one is added or deleted, and with Store. The boxes are
+/// enabled while an account is selected.
+///
+/// Passwords are scrambled in the configuration and plain in their box. One that cannot be
+/// unscrambled shows as empty.
 class AccountsPage {
  public:
   /// The form owns the page; locale and configuration must outlive it.
   AccountsPage(Form& form, const Locale& locale, Configuration& configuration);
 
+  /// What stands on the page. Called once.
   Layout Arrange();
 
   /// Lists the configuration's accounts and shows the first.
@@ -34,6 +39,8 @@ class AccountsPage {
   int Selected() const { return lstPop3Account.ListIndex(); }
   void List();
   void EnableBoxes();
+  /// Fills the boxes from an account, counted from 0. A save-password flag that is no number leaves
+  /// its box as it was.
   void Show(int index);
   void WriteBack();
   void TrimBoxes();

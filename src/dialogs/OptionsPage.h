@@ -8,8 +8,9 @@
 
 namespace vesko {
 
-/// The page "POP3 Mail Option" of the settings window: numbers of the check, the sound, the mail
-/// program.
+/// The page "POP3 Mail Option" of the settings window: the numbers of a check, the sound for new
+/// mail, the mail program. Nothing that is typed is tested before Store, and files need not exist.
+/// The interval cannot be edited while checking is manual.
 class OptionsPage {
  public:
   /// The form owns the page; the toolkit must outlive it. `play_sound` tries the sound file,
@@ -17,8 +18,10 @@ class OptionsPage {
   OptionsPage(Form& form, Toolkit& toolkit, std::function<void(const Text& path)> play_sound,
               std::function<void()> turn_to_page);
 
+  /// What stands on the page. Called once.
   Layout Arrange();
 
+  /// Shows the options of a configuration.
   void Load(const Configuration& configuration);
 
   /// False, with the configuration unchanged, where a number cannot be read: the user has been told
@@ -29,7 +32,9 @@ class OptionsPage {
   void SetUp();
   void SetUpButtons();
   void ManualCheckClicked();
+  /// Leaves the box as it is when the user picks nothing.
   void PickFile(TextBox& box, const Text& title, const Text& filter, const Text& extension);
+  /// False when the text is no 32-bit number; the user has been told then, with the label as title.
   bool ReadNumber(TextBox& box, const Label& label, int32_t& number);
 
   Toolkit& toolkit_;

@@ -10,18 +10,21 @@
 namespace vesko {
 
 /// A list of keywords with buttons to add, rename and delete one. A keyword is asked for in an
-/// input box, and an empty answer changes nothing.
+/// input box, and an empty answer changes nothing. Renaming and deleting need a selected keyword;
+/// after a deletion the one now at its place is selected, or else the last.
 class KeywordEditor {
  public:
   /// The form owns the editor. `kind` is the common part of the controls' names: "SpamSender" makes
   /// "lstSpamSender". `prompt` says in the input box what a keyword is.
   KeywordEditor(Form& form, Toolkit& toolkit, const std::string& kind, Text caption, Text prompt);
 
+  /// The editor as a column. Called once.
   Layout Arrange();
 
   /// Lists the keywords, empty ones left out, and selects the first.
   void Load(const std::vector<Text>& keywords);
 
+  /// The keywords in their order, as a load of the stored settings would give them.
   std::vector<Text> Keywords() const;
 
   void Clear() { list_.Clear(); }
@@ -48,7 +51,9 @@ class SpamPage {
   Layout Arrange() { return Row({senders_.Arrange(), subjects_.Arrange()}); }
 
   void Load(const Configuration& configuration);
+  /// Replaces both lists of the configuration.
   void Store(Configuration& configuration) const;
+  /// Empties the lists on the page; the configuration keeps its own.
   void Clear();
 
  private:

@@ -11,10 +11,14 @@
 namespace vesko {
 
 /// The progress window of a check. Prepare, ShowModal, then ask NewMail: the whole run happens
-/// while it is shown, and it closes itself at the end.
+/// while it is shown, and it closes itself at the end. Next and Cancel act on the run while it
+/// waits; closing the window by its frame ends the run as well.
+///
+/// Texts from servers are shown as they are, in labels and boxes of plain text; the run sees to it
+/// that no password is among them. A progress value out of range is ignored.
 class fCheckMail : public Form, private ProgressView {
  public:
-  /// All must outlive the window. Takes over the socket's events.
+  /// All must outlive the window. The window takes over the events of the services' socket.
   fCheckMail(Toolkit& toolkit, const Services& services, SharedData& data);
   ~fCheckMail() override;
 
@@ -24,14 +28,16 @@ class fCheckMail : public Form, private ProgressView {
   /// The last run was stopped by the user.
   bool Cancelled() const { return run_.Cancelled(); }
 
-  /// At least one fetched message is unread.
+  /// At least one message in the collection is unread, whichever check fetched it.
   bool NewMail() const { return run_.NewMail(); }
 
  private:
   void OnLoad() override;
+  /// Runs the whole check before it returns.
   void OnActivate() override;
   void OnUnload() override { run_.WindowUnloaded(); }
 
+  // What the run has to show and to ask; see ProgressView.
   void ShowCaption(const Text& caption) override { SetCaption(caption); }
   void ShowProgress(const Text& text) override { lblProgress.SetCaption(text); }
   void ShowTime(const Text& text) override;

@@ -14,23 +14,29 @@
 
 namespace vesko {
 
-/// Pages of the settings window.
+/// Pages of the settings window, by their place in the tab control.
 inline constexpr int kAccountsPage = 0;
 inline constexpr int kSpamPage = 1;
 inline constexpr int kOptionPage = 2;
 
-/// The settings window. Accounts are edited in place; OK takes over the rest and saves everything,
-/// Cancel and closing the window load everything again, which discards every edit.
+/// The settings window, with a class for each page. Accounts are edited in place; OK takes over the
+/// rest and saves everything, Cancel and closing the window load everything again, which discards
+/// every edit. OK with a number that cannot be read says so, changes none of the options and keeps
+/// the window.
+///
+/// The window may be shown any number of times; each time it shows what the configuration holds.
 class fConfig : public Form {
  public:
   using PlaySound = std::function<void(const Text& path)>;
 
-  /// All references must outlive the window. `play_sound` lets the user hear a wave file.
+  /// All references must outlive the window. `play_sound` lets the user hear a wave file; it gets
+  /// the path as it was typed.
   fConfig(Toolkit& toolkit, const Services& services, SharedData& data, mRegistry& store,
           PlaySound play_sound);
   ~fConfig() override;
 
-  /// Turns to a page, before or while the window is shown.
+  /// Turns to a page, before or while the window is shown. The page stays until the user or the
+  /// program turns to another, from one showing to the next.
   void SelectPage(int page) { SSTab1.SetTab(page); }
 
   /// The window was left by Cancel or closed at least once; nothing sets it back.
@@ -39,9 +45,11 @@ class fConfig : public Form {
  private:
   void OnLoad() override;
   void OnUnload() override;
+  /// Closing by the frame is the same as Cancel.
   void OnClose() override { Cancel(); }
 
   void SetUp();
+  /// OK: stays open where a number has to be corrected.
   void Confirm();
   void Cancel();
   void Help();

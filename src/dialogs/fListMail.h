@@ -12,10 +12,17 @@
 
 namespace vesko {
 
-/// The window that lists the fetched messages. What the user marks is marked in the collection.
+/// The window that lists the fetched messages: one row a message, its text below, commands in a
+/// menu and by keyboard. What the user marks is marked in the collection at once; read marks stay
+/// there, marks for spam last until the keywords are applied the next time, marks for deletion
+/// until the window is left.
+///
+/// The list reads its cells from the messages when they are drawn. The window holds on to the
+/// messages that it lists, so a row stays good even after its message has left the collection; such
+/// a message can no longer be marked.
 class fListMail : public Form {
  public:
-  /// All must outlive the window.
+  /// All must outlive the window. It shows the settings and the progress window over itself.
   fListMail(Toolkit& toolkit, const Services& services, SharedData& data, fConfig& config_window,
             fCheckMail& check_window);
   ~fListMail() override;
@@ -29,17 +36,24 @@ class fListMail : public Form {
   void Arrange();
   void AddColumns();
 
+  /// Marks every message by the keywords, which undoes what the user has marked.
   void ApplySpamFilter();
+  /// Lists the collection anew, in its order or sorted as before, and clicks the first row.
   void FillList();
+  /// Counts into the caption, and whether there is spam to delete.
   void UpdateStatus();
+  /// All three; a step that fails does not keep the others from happening.
   void RefreshAll();
+  /// Columns count from 1. Each click turns the direction, whichever column it is on.
   void SortByColumn(ListView& list, int column);
 
+  /// The row's message as the collection holds it, or null.
   colMails::Message MessageOf(int row) const;
   void ItemClicked(int row);
   bool KeyDown(int key_code, int modifiers);
   void MouseDown(int buttons, int row);
 
+  /// `index` is a position in the menu.
   void RunMenuCommand(int index);
   void MarkSelected(bool cMessage::*flag, bool value);
 

@@ -8,15 +8,20 @@
 
 namespace vesko {
 
-/// Asks for the connection data of one account while a check runs. Made for each asking: set the
+/// Asks for the connection data of one account while a check runs. Made for each question: set the
 /// properties, ShowModal, then read Canceled and, when it is false, the properties. Touches no
 /// settings.
+///
+/// OK is enabled while server, user name and password all hold something; Enter in one of the boxes
+/// presses it. What OK hands over has no line ends and no control characters, even where the
+/// properties had some.
 class fPop3Site : public Form {
  public:
-  /// Both must outlive the window.
+  /// Both must outlive the window; the font's name is read when it loads.
   fPop3Site(Toolkit& toolkit, const Text& font_name);
   ~fPop3Site() override;
 
+  // What the boxes show first, and after OK what they held.
   Text Server;
   Text User;
   Text Password;  // plain
@@ -28,6 +33,7 @@ class fPop3Site : public Form {
  private:
   void OnLoad() override;
   void OnActivate() override;
+  /// Closing by the frame is the same as Cancel.
   void OnClose() override { Cancel(); }
 
   void SetUp();

@@ -52,12 +52,16 @@ class Control {
 
   const std::string& Name() const { return name_; }
 
+  /// A disabled control ignores the user, an invisible one is not drawn; the program can change
+  /// both all the same.
   bool Enabled() const { return enabled_; }
   void SetEnabled(bool enabled) { Set(enabled_, enabled); }
 
   bool Visible() const { return visible_; }
   void SetVisible(bool visible) { Set(visible_, visible); }
 
+  /// Shown after the mouse has rested on the control; empty for none. Set before the window is
+  /// realised.
   const Text& Tooltip() const { return tooltip_; }
   void SetTooltip(Text tooltip) { Set(tooltip_, std::move(tooltip)); }
 
@@ -66,6 +70,7 @@ class Control {
   const Text& AccessibleName() const { return accessible_name_; }
   void SetAccessibleName(Text name) { Set(accessible_name_, std::move(name)); }
 
+  /// For a face that it lacks the desktop takes one that it has.
   const Font& GetFont() const { return font_; }
   void SetFont(Font font) {
     font_ = std::move(font);
@@ -89,6 +94,7 @@ class Control {
   ControlPeer* Peer() const { return peer_; }
 
  protected:
+  /// Tells the native side that there is something to show.
   void Changed() {
     if (peer_) peer_->StateChanged();
   }
@@ -112,7 +118,8 @@ class Control {
   ControlPeer* peer_ = nullptr;
 };
 
-/// Controls of one kind under one name: "cmdMail(0)", "cmdMail(1)", …
+/// Controls of one kind under one name: "cmdMail(0)", "cmdMail(1)", … They live as long as the
+/// array and register with the form in the order of their indexes.
 template <typename Kind, size_t Count>
 class ControlArray {
  public:

@@ -29,7 +29,7 @@ inline constexpr int kRightButton = 2;
 /// Number of the run-time error for a property value out of range.
 inline constexpr int32_t kInvalidPropertyValue = 380;
 
-/// A control with one line of text on it.
+/// A control with one line of text on it. Line ends and control characters are shown as spaces.
 class CaptionedControl : public Control {
  public:
   using Control::Control;
@@ -63,6 +63,7 @@ class Label : public CaptionedControl {
   bool wraps_ = false;
 };
 
+/// A push button. Enter and Escape press it as well where its form says so.
 class CommandButton : public CaptionedControl {
  public:
   using CaptionedControl::CaptionedControl;
@@ -73,6 +74,7 @@ class CommandButton : public CaptionedControl {
   void Click();
 };
 
+/// A box with a tick beside its caption.
 class CheckBox : public CaptionedControl {
  public:
   using CaptionedControl::CaptionedControl;
@@ -82,6 +84,7 @@ class CheckBox : public CaptionedControl {
   int Value() const { return value_; }
   void SetValue(int value);
 
+  /// The value is the new one already.
   std::function<void()> on_click;
 
   /// The user toggles the box; nothing happens while it is disabled.
@@ -110,9 +113,11 @@ class TextBox : public Control {
   bool MultiLine() const { return multi_line_; }
   void SetMultiLine(bool multi_line) { Set(multi_line_, multi_line); }
 
+  /// The user can select and copy the text, but not change it; SetText still does.
   bool ReadOnly() const { return read_only_; }
   void SetReadOnly(bool read_only) { Set(read_only_, read_only); }
 
+  /// The text has changed, whether by the user or by SetText.
   std::function<void()> on_change;
   /// A key was pressed in the box; true when it was used up.
   std::function<bool(int key_code)> on_key_down;
@@ -134,6 +139,7 @@ class TextBox : public Control {
   bool read_only_ = false;
 };
 
+/// A bar that fills from left to right. The desktop shows no number in it.
 class ProgressBar : public Control {
  public:
   using Control::Control;
@@ -168,6 +174,7 @@ class ListBox : public Control {
   int ListIndex() const { return index_; }
   void SetListIndex(int index);
 
+  /// Another line is selected, or none. Removing lines and clearing the list do not raise it.
   std::function<void()> on_click;
 
   /// The user selects a line; nothing happens while the list is disabled.
@@ -193,6 +200,7 @@ class ListView : public Control {
   static constexpr int kDefaultColumnWidth = 96;
 
   const std::vector<Column>& Columns() const { return columns_; }
+  /// Adds at the right end. The user may change the width while the window is shown.
   void AddColumn(Text header, int width = kDefaultColumnWidth);
   void ClearColumns();
 
@@ -211,6 +219,7 @@ class ListView : public Control {
   /// The owner's items show something else in the same places.
   void ItemsChanged() { Changed(); }
 
+  /// Changing the selection raises no event and leaves the current row as it is.
   bool Selected(int row) const;
   void SetSelected(int row, bool selected);
   void SelectAll();
@@ -247,6 +256,7 @@ class ListView : public Control {
   /// The user clicks a row without modifiers, or moves to it by keyboard: it alone becomes selected
   /// and current, and on_item_click is raised.
   void ClickRow(int row);
+  /// The user presses a key; true when it was used up, and the list must not act on it then.
   bool PressKey(int key_code, int modifiers);
   /// Raises on_mouse_down and selects nothing; comes before the click of the same press.
   void PressMouse(int buttons, int row);
@@ -287,6 +297,7 @@ class Frame : public CaptionedControl {
   std::vector<const Layout*> Contents() const override { return {&content}; }
 };
 
+/// Pages of which one is visible, with a strip of captions to turn them by.
 class TabControl : public Control {
  public:
   using Control::Control;
@@ -318,6 +329,7 @@ struct PopupMenu {
     bool enabled = true;
   };
   std::vector<Item> items;
+  /// An item was chosen; separators count in the index.
   std::function<void(int index)> on_click;
 };
 

@@ -29,6 +29,7 @@ class Form {
 
   const std::string& Name() const { return name_; }
 
+  /// Shown in the title bar, as one line of plain text.
   const Text& Caption() const { return caption_; }
   void SetCaption(Text caption);
 
@@ -38,9 +39,12 @@ class Form {
   int Width() const { return bounds_.width; }
   int Height() const { return bounds_.height; }
   const Rect& Bounds() const { return bounds_; }
+  /// A window that is shown follows with the next events. When it is shown it grows to what its
+  /// content needs, as far as the screen has room.
   void Move(int left, int top);
   void Resize(int width, int height);
 
+  /// Whether the user can resize the window. Fixed before the window is realised.
   bool Resizable() const { return resizable_; }
 
   /// All controls in the order in which they were made.
@@ -56,6 +60,7 @@ class Form {
   Control* FirstInTabOrder() const { return first_in_tab_order_; }
   void SetFirstInTabOrder(Control& control);
 
+  /// True from the beginning of OnLoad to the end of OnUnload.
   bool IsLoaded() const { return loaded_; }
 
   /// Shows the window, over the one that is shown modally already where there is one, and returns
@@ -74,6 +79,8 @@ class Form {
   void TakeBounds(const Rect& bounds);
 
  protected:
+  /// For the constructor of a window: the layout holds every control once, and neither it nor the
+  /// buttons change while the window is realised.
   void SetLayout(Layout layout) { layout_ = std::move(layout); }
   void SetDefaultButton(CommandButton& button) { default_button_ = &button; }
   void SetCancelButton(CommandButton& button) { cancel_button_ = &button; }

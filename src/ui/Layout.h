@@ -7,8 +7,10 @@ namespace vesko {
 
 class Control;
 
-/// Where the controls of a window stand: nested rows and columns. Spacing is the desktop's own.
-/// The order of the items, depth first, is the tab order.
+/// Where the controls of a window stand: nested rows and columns. Margins, spacing and natural
+/// sizes are the desktop's own. The order of the items, depth first, is the tab order. Items are
+/// laid out from left to right and from top to bottom, and are as wide as the column or as high as
+/// the row that they are in where they can make use of it.
 struct Layout {
   enum class Kind { kControl, kRow, kColumn, kGrid, kSpace };
 
@@ -19,6 +21,7 @@ struct Layout {
   int stretch = 0;             // share of the spare room along the parent; 0: natural size
 };
 
+/// A control, which must outlive the layout.
 inline Layout Item(Control& control, int stretch = 0) {
   return {Layout::Kind::kControl, &control, {}, 0, stretch};
 }
@@ -28,10 +31,12 @@ inline Layout Row(std::vector<Layout> items, int stretch = 0) {
 inline Layout Column(std::vector<Layout> items, int stretch = 0) {
   return {Layout::Kind::kColumn, nullptr, std::move(items), 0, stretch};
 }
-/// The last column takes the spare room.
+/// Items fill the grid row by row; all columns are as wide as their widest item, and the last one
+/// takes the spare room.
 inline Layout Grid(int columns, std::vector<Layout> items, int stretch = 0) {
   return {Layout::Kind::kGrid, nullptr, std::move(items), columns, stretch};
 }
+/// Empty room; without a stretch it only fills a place in a grid.
 inline Layout Space(int stretch = 1) { return {Layout::Kind::kSpace, nullptr, {}, 0, stretch}; }
 
 }  // namespace vesko

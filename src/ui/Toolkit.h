@@ -14,6 +14,7 @@ class Control;
 class Form;
 struct PopupMenu;
 
+/// In logical pixels (96 to the inch) of the screen, from its upper left corner.
 struct Rect {
   int left = 0;
   int top = 0;
@@ -21,6 +22,7 @@ struct Rect {
   int height = 0;
 };
 
+/// What a message box is about: information, or something that went wrong.
 enum class MessageIcon { kInformation, kExclamation };
 
 /// The native side of a window that is shown.

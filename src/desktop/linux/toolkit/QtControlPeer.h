@@ -20,7 +20,7 @@ namespace vesko {
 /// are on the stack and must stay, even when the window is taken down.
 struct EventsUnderWay {
   int count = 0;
-  QPointer<QWidget> leaving;
+  QPointer<QWidget> leaving;  // a window that is to be deleted after the last of them
 };
 
 /// What the controls of one window share.
@@ -54,8 +54,10 @@ class QtControlPeer : public ControlPeer, public Mirrored {
   void Refresh() final;
   void TakeFocus() override;
 
+  /// Belongs to the window, and is null never.
   QWidget* GetWidget() const { return widget_; }
   const Control& GetControl() const { return control_; }
+  /// Whether the Tab key stops here.
   bool TakesFocus() const { return (widget_->focusPolicy() & Qt::TabFocus) != 0; }
 
   /// The widgets that the control's contents are laid out in, in the order of Control::Contents.
@@ -63,12 +65,14 @@ class QtControlPeer : public ControlPeer, public Mirrored {
 
   /// True where the label in front names the control, as it has no caption of its own.
   virtual bool WantsLabel() const { return false; }
+  /// The accessible name where the control has none of its own.
   void SetLabel(const QString& label) { label_ = label; }
 
   /// `target` is the control that the mnemonic leads to. Does nothing unless this is a label.
   virtual void LeadTo(QtControlPeer& /*target*/) {}
 
  protected:
+  /// Shows what all controls have: font, enabled, visible, tooltip, accessible name.
   void ShowState() final;
   /// Shows the part of the state that only this kind of control has.
   virtual void ShowOwnState() = 0;
@@ -92,7 +96,8 @@ class QtControlPeer : public ControlPeer, public Mirrored {
 
 using PeerPtr = std::unique_ptr<QtControlPeer>;
 
-/// The native side of a control of one kind, in a widget of one class.
+/// The native side of a control of one kind, in a widget of one class. Base of the peers that the
+/// kinds of controls have.
 template <typename ControlKind, typename Widget>
 class QtPeerOf : public QtControlPeer {
  public:
@@ -102,6 +107,7 @@ class QtPeerOf : public QtControlPeer {
       : QtControlPeer(control, new Widget, context), control_(control) {}
 
  protected:
+  /// The widget as what it is.
   Widget* Native() const { return static_cast<Widget*>(GetWidget()); }
 
   Kind& control_;

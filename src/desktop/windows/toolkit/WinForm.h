@@ -14,19 +14,21 @@ namespace vesko {
 
 class WinForm;
 
+/// Window class of every form.
 inline constexpr wchar_t kFormClass[] = L"VeskoForm";
 
-/// The windows that are shown at the moment, the one on top last.
+/// The windows of one toolkit, and what they share. Lives as long as the toolkit.
 struct WinWindows {
-  EventSources& sources;
+  EventSources& sources;  // asked as well while the system runs a loop of its own
   WinContext context = {};
-  std::vector<WinForm*> shown = {};
+  std::vector<WinForm*> shown = {};  // the one on top last; not owned
 
-  /// Native window that a new one belongs over: ours on top, else the host's active one.
+  /// The native window that a new one belongs over: ours on top, else the host's active one.
   HWND Top() const;
 };
 
-/// The native side of a form: a window with its controls.
+/// The native side of a form: a window with its controls. Its owner is the window that was on top
+/// when it was made, which is disabled while it is shown.
 class WinForm : public FormPeer {
  public:
   /// What the keyboard does in a window before the system's own dialog keys. True when the message
@@ -34,11 +36,13 @@ class WinForm : public FormPeer {
   virtual bool TranslateKey(const MSG& message) = 0;
   virtual HWND Window() const = 0;
   virtual bool IsShown() const = 0;
-  /// The session ends or the host's message loop was told to quit.
+  /// Closes the form as its frame does: the host's message loop was told to quit.
   virtual void CloseForm() = 0;
   virtual const Form& GetForm() const = 0;
 };
 
+/// Builds the window of a form with all its controls, hidden still. Controls without a font size
+/// get that of the system's message font. Form and `windows` must outlive the result.
 std::unique_ptr<WinForm> MakeWinForm(Form& form, WinWindows& windows);
 
 }  // namespace vesko
