@@ -80,7 +80,8 @@ void Fill(colMails& mails, int count, const Locale& locale) {
   }
 }
 
-/// Opens the window, runs a step in it, closes it; the time until it stood on the screen.
+/// Opens the window, runs a step in it and closes it. Returns the milliseconds until it was
+/// painted.
 double Open(Machine& machine, int rows, const std::function<void(QTreeView&)>& step) {
   SharedData data;
   Fill(data.mails, rows, *machine.locale);

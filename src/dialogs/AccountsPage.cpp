@@ -85,7 +85,7 @@ void AccountsPage::Clear() {
   lstPop3Account.Clear();
 }
 
-/// Selects nothing: what the boxes showed belonged to the list as it was.
+/// Leaves nothing selected and the boxes empty: they belonged to the list as it was.
 void AccountsPage::List() {
   Clear();
   for (TextBox& box : txtPop3Account) box.SetText({});
@@ -104,7 +104,7 @@ void AccountsPage::Show(int index) {
   shown_ = index;
   if (index < 0) return;
   const Account account = configuration_.AccountAt(index + 1);
-  // Where the password cannot be unscrambled, the box must not keep that of the account before.
+  // When this password cannot be unscrambled, the box must not keep that of another account.
   Text password;
   IgnoreErrors([&] { password = Decrypt(account.password, locale_); });
   txtPop3Account[kName].SetText(account.name);

@@ -117,7 +117,7 @@ bool OptionsPage::ReadNumber(TextBox& box, const Label& label, int32_t& number) 
   if (IgnoreErrors([&] { number = ToInt32(TextView(box.GetText())); })) return true;
   toolkit_.ShowMessage(u"Please type a number.", label.Caption(), MessageIcon::kExclamation);
   turn_to_page_();
-  box.SetEnabled(true);  // manual checking may have disabled it, but it has to be corrected
+  box.SetEnabled(true);  // manual checking may have disabled it
   box.SetFocus();
   return false;
 }

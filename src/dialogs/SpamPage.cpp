@@ -39,7 +39,7 @@ void KeywordEditor::Load(const std::vector<Text>& keywords) {
   if (list_.Count() > 0) list_.SetListIndex(0);
 }
 
-/// By way of one joined text, as the registry keeps it, so that memory holds what a load will give.
+/// Joined and split as the registry does it, so that the configuration holds what a load will give.
 std::vector<Text> KeywordEditor::Keywords() const {
   std::vector<Text> entries;
   for (int i = 0; i < list_.Count(); ++i) entries.push_back(list_.Item(i));

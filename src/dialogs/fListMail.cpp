@@ -12,7 +12,7 @@
 namespace vesko {
 namespace {
 
-constexpr int kWidth = 900;  // all columns fit
+constexpr int kWidth = 900;  // enough for all columns
 constexpr int kHeight = 560;
 
 enum ButtonIndex { kConfigSpam, kDeleteSpam, kOpenEmailClient, kExit };
@@ -50,12 +50,12 @@ struct MessageColumn {
   int width = ListView::kDefaultColumnWidth;
 };
 constexpr MessageColumn kColumns[] = {{u"From", &cMessage::From, 150},
-                               {u"Subject", &cMessage::Subject, 200},
-                               {u"Date", &cMessage::SendDate, 110},
-                               {u"POP3 Server", &cMessage::Server, 100},
-                               {u"To", &cMessage::MessageTo},
-                               {u"Cc", &cMessage::CC},
-                               {u"Bcc", &cMessage::BCC}};
+                                      {u"Subject", &cMessage::Subject, 200},
+                                      {u"Date", &cMessage::SendDate, 110},
+                                      {u"POP3 Server", &cMessage::Server, 100},
+                                      {u"To", &cMessage::MessageTo},
+                                      {u"Cc", &cMessage::CC},
+                                      {u"Bcc", &cMessage::BCC}};
 
 }  // namespace
 
@@ -145,7 +145,7 @@ void fListMail::ApplySpamFilter() {
 void fListMail::FillList() {
   listed_ = mails_.All();
   LV1.SetCount(static_cast<int>(listed_.size()));
-  // A list that is being sorted keeps its order when its rows come anew.
+  // A sorted list stays sorted when it is filled again.
   if (LV1.Sorted()) LV1.Sort(LV1.SortKey(), LV1.SortDescending(), locale_);
   if (LV1.Count() > 0) return LV1.ClickRow(0);
   txtBody.SetText({});

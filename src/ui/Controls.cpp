@@ -9,7 +9,7 @@
 namespace vesko {
 namespace {
 
-// By value: the handler may take down the window, and its controls with it.
+// Takes a copy, because the handler may destroy the control that holds the original.
 void Raise(std::function<void()> event) {
   if (event) event();
 }
@@ -24,7 +24,7 @@ bool IsLineBreak(char16_t c) {
 
 bool IsControl(char16_t c) { return c < u' ' || (c >= 0x7F && c < 0xA0); }
 
-/// Up to the first line break, without control characters.
+/// The text up to its first line break, without control characters.
 Text FirstLine(TextView text) {
   Text line(text.begin(), std::find_if(text.begin(), text.end(), IsLineBreak));
   std::erase_if(line, IsControl);
@@ -177,7 +177,7 @@ void ListView::Sort(int column, bool descending, const Locale& locale) {
 
 void ListView::SortRows(int column, bool descending, const Locale& locale) {
   const int current_item = current_ < 0 ? -1 : ItemAt(current_);
-  // The owner makes each text once, not once for each comparison.
+  // The owner is asked once for each text, not once for each comparison.
   std::vector<Text> texts(rows_.size());
   for (const Row& row : rows_) texts[static_cast<size_t>(row.item)] = cell(row.item, column);
   std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& left, const Row& right) {

@@ -37,7 +37,7 @@ void Form::SetFirstInTabOrder(Control& control) {
 
 void Form::TakeBounds(const Rect& bounds) { bounds_ = bounds; }
 
-/// Takes the window down however the showing ends, unless the form itself is gone by then.
+/// One showing. Takes the window down however it ends, unless the form itself is gone by then.
 class Form::Showing {
  public:
   explicit Showing(Form& form) : form_(form) {
@@ -60,7 +60,7 @@ class Form::Showing {
     form_.peer_->FitToContent();
     form_.OnLoad();
     if (Ended()) return;
-    // The host's font may need more room than the one that the window was centred with.
+    // The host's font, set while loading, may need more room than the font measured before.
     form_.peer_->FitToContent();
     form_.peer_->Show();
     form_.OnActivate();

@@ -1,7 +1,6 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QTreeView>
-#include <chrono>
 #include <string>
 
 #include "desktop/QtWindows.h"
@@ -199,7 +198,6 @@ TEST_F(QtListViewTest, CellsAreHarmlessAndReadOnlyWhenTheyAreShown) {
 TEST_F(QtListViewTest, AFullMailboxIsSelectedAndInvertedAtOnce) {
   list.SetCount(kManyRows);
   WhileShown(form, [&] {
-    const auto begin = std::chrono::steady_clock::now();
     list.SelectAll();
     Settle();
     EXPECT_EQ(View()->selectionModel()->selection().size(), 1);
@@ -215,7 +213,6 @@ TEST_F(QtListViewTest, AFullMailboxIsSelectedAndInvertedAtOnce) {
     EXPECT_GT(View()->verticalScrollBar()->value(), 0);
     QTest::keyClick(View(), Qt::Key_Home);
     EXPECT_EQ(Selected(), "0 ");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
   });
 }
 

@@ -28,22 +28,25 @@ std::unique_ptr<Toolkit> MakeTestToolkit();
 Shown LookAt(const Control& control);
 std::vector<int> ColumnWidths(const ListView& list);
 
+/// The user pastes a text before the last character of a box of one line.
+void PasteBeforeLast(const TextBox& box, const Text& text);
+
 /// The native window that holds the control: its caption and, in device pixels, its bounds.
 bool WindowIsShown(const Control& control);
 Text CaptionOfWindow(const Control& control);
 Rect BoundsOfWindow(const Control& control);
 void MoveWindowOf(const Control& control, const Rect& bounds);
 
-/// A face other than the usual one that the system has.
+/// The name of a font face that the system has, other than its usual one.
 Text SomeFontFace();
 
-/// Runs a step as soon as a loop delivers events, a native box's own included.
+/// Runs a step as soon as a loop delivers events, including that of a native box.
 void Soon(std::function<void()> step);
 
 /// The user presses the button of the box on top.
 void CloseBox();
 
-/// Number of native windows, hidden ones included, that the toolkit has made.
+/// Number of native windows, hidden ones included, that the toolkit has not destroyed.
 int NativeWindows();
 
 }  // namespace vesko

@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QApplication>
+#include <QClipboard>
 #include <QFontDatabase>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -56,6 +57,13 @@ std::vector<int> ColumnWidths(const ListView& list) {
   std::vector<int> widths;
   for (int i = 0; i < header->count(); ++i) widths.push_back(header->sectionSize(i));
   return widths;
+}
+
+void PasteBeforeLast(const TextBox& box, const Text& text) {
+  auto* const edit = qobject_cast<QLineEdit*>(WidgetOf(box));
+  QApplication::clipboard()->setText(QString::fromStdU16String(text));
+  edit->setCursorPosition(static_cast<int>(edit->text().size()) - 1);
+  edit->paste();
 }
 
 bool WindowIsShown(const Control& control) { return WidgetOf(control)->window()->isVisible(); }

@@ -4,7 +4,7 @@
 // After windows.h, whose types it uses.
 #include <commctrl.h>
 
-#include <cmath>
+#include <cstring>
 #include <deque>
 
 #include "desktop/windows/WindowsDesktop.h"
@@ -94,6 +94,21 @@ std::vector<int> ColumnWidths(const ListView& list) {
   const int count = Header_GetItemCount(ListView_GetHeader(window));
   for (int i = 0; i < count; ++i) widths.push_back(ListView_GetColumnWidth(window, i));
   return widths;
+}
+
+void PasteBeforeLast(const TextBox& box, const Text& text) {
+  const HWND edit = WindowOf(box);
+  const size_t size = (text.size() + 1) * sizeof(char16_t);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+  std::memcpy(GlobalLock(memory), text.c_str(), size);
+  GlobalUnlock(memory);
+  OpenClipboard(edit);
+  EmptyClipboard();
+  SetClipboardData(CF_UNICODETEXT, memory);
+  CloseClipboard();
+  const int place = GetWindowTextLengthW(edit) - 1;
+  SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(place), place);
+  SendMessageW(edit, WM_PASTE, 0, 0);
 }
 
 bool WindowIsShown(const Control& control) { return IsWindowVisible(Root(control)) != FALSE; }

@@ -133,17 +133,6 @@ TEST_F(fConfigTest, PortsAreNumbersAndAccountsHaveNames) {
   EXPECT_EQ(machine.Account(1).port, u"995");
 }
 
-TEST_F(fConfigTest, APastedLineEndShiftsNoField) {
-  Accounts({u"a"});
-  Show([&](Form& form) {
-    Type(form, "txtPop3Account(1)", u"pop.example\r\n");
-    Type(form, "txtPop3Account(3)", u"pw\r\nDELE 1");
-  });
-  EXPECT_EQ(machine.Account(1).server, u"pop.example");
-  EXPECT_EQ(machine.Account(1).user, u"ann");
-  EXPECT_EQ(Decrypt(machine.Account(1).password, *machine.locale), u"pw");
-}
-
 TEST_F(fConfigTest, SavePasswordFollowsTheRecordWhereItIsANumber) {
   for (const char16_t* flag : {u"1", u"", u"x", u"0", u"", u"7"}) {
     machine.AddAccount(machine.Record(flag, u"p", u"110", flag));

@@ -21,12 +21,13 @@
 namespace vesko {
 namespace {
 
-/// Photographs what is shown modally, once it has been painted, and closes it.
+/// Photographs a modal window once it has been painted, and closes it.
 class Photographer {
  public:
   explicit Photographer(QString folder) : folder_(std::move(folder)) {}
 
-  /// Shows something modal; its pages, where it has any, are `names`.
+  /// Shows a modal window; `names` are the files of its pages, or the one of a window without
+  /// pages.
   void Take(const QStringList& names, const std::function<void()>& show) {
     QTimer::singleShot(kUntilPainted, [this, names] { Photograph(names, 0); });
     show();

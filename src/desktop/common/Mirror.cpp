@@ -22,7 +22,7 @@ void Mirror::SynchroniseIfDue() {
 }
 
 void Mirror::SynchroniseAll() {
-  if (!showing_.empty()) return;  // what one change brings about is shown the next time
+  if (!showing_.empty()) return;  // changes made while showing are shown the next time
   showing_.swap(listed_);
   for (size_t i = 0; i < showing_.size(); ++i) {
     Mirrored* const item = showing_[i];

@@ -35,8 +35,8 @@ bool HasPlatformPlugin(const QString& platform) {
   return false;
 }
 
-/// The X library itself knows best how a display is reached and what a cookie is. It is loaded at
-/// run time, as Qt's plugin does: a desktop without X need not have it.
+/// Asks the X library, which knows best how to reach a display and how to authenticate there. The
+/// library is loaded at run time, as Qt's plugin loads it: a desktop without X need not have it.
 bool ReachesXServer() {
   void* library = dlopen("libxcb.so.1", RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) return false;
@@ -86,7 +86,7 @@ bool CanShowWindows() {
   const QString asked = qEnvironmentVariable("QT_QPA_PLATFORM");
   if (!asked.isEmpty()) platforms = asked.split(';', Qt::SkipEmptyParts);
   return std::any_of(platforms.begin(), platforms.end(), [](const QString& platform) {
-    return CanShowWindowsOn(platform.section(':', 0, 0));  // arguments stand behind the colon
+    return CanShowWindowsOn(platform.section(':', 0, 0));  // arguments follow the colon
   });
 }
 

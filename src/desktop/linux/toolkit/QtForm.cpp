@@ -65,7 +65,7 @@ class QtForm : public FormPeer, private Mirrored {
         window_(new Window(*this, windows.Top())) {
     window_->setObjectName(QString::fromStdString(form.Name()));
     window_->setWindowModality(Qt::WindowModal);
-    window_->setAttribute(Qt::WA_QuitOnClose, false);  // the host decides when it ends
+    window_->setAttribute(Qt::WA_QuitOnClose, false);  // the host decides when the program ends
     window_->setWindowFlag(Qt::WindowMaximizeButtonHint, form.Resizable());
     GiveFontSizes();
     BuildContent();
@@ -113,13 +113,13 @@ class QtForm : public FormPeer, private Mirrored {
   void Hide() override {
     Leave();
     window_->hide();
-    // The loop that waits for this window looks up even when nothing else happens.
+    // Wakes the loop that waits for this window, even when nothing else happens.
     QAbstractEventDispatcher::instance()->wakeUp();
   }
 
   void StateChanged() override { MarkChanged(); }
 
-  // What the window tells.
+  // Called by the window.
 
   void Closed() {
     RunHandler(context_, [this] { form_.Close(); });
@@ -165,16 +165,16 @@ class QtForm : public FormPeer, private Mirrored {
     frame->setSizeConstraint(QLayout::SetNoConstraint);
   }
 
-  // Where everything fits, a scroll bar could only come by a mistake: text that wraps takes more
-  // lines beside it, and so it would stay.
+  // Where everything fits, a scroll bar can only appear by mistake, but it would stay: it narrows
+  // the contents, so text that wraps needs more lines.
   void AllowScrolling(bool allow) {
     const auto policy = allow ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff;
     scroller_->setHorizontalScrollBarPolicy(policy);
     scroller_->setVerticalScrollBarPolicy(policy);
   }
 
-  // With a default button, the one with the focus takes its place and its look; without one, Enter
-  // outside a button is nobody's.
+  // With a default button, a button that has the focus takes over its part and its look; without
+  // one, Enter does nothing outside a button.
   void SetUpButtons() {
     for (auto* const button : window_->findChildren<QPushButton*>()) {
       button->setAutoDefault(form_.DefaultButton() != nullptr);
@@ -230,7 +230,8 @@ class QtForm : public FormPeer, private Mirrored {
     return AvailableScreen(windows_).size() - QSize(0, title);
   }
 
-  // Inner layouts keep their measures until the window is shown, those of hidden pages even longer.
+  // Inner layouts cache their measures until the window is shown, those of hidden pages even
+  // longer.
   void ForgetMeasures() {
     for (QLayout* const layout : content_->findChildren<QLayout*>()) layout->invalidate();
   }
@@ -240,7 +241,7 @@ class QtForm : public FormPeer, private Mirrored {
     std::erase_if(windows_.shown, [this](const auto& shown) { return shown.form == &form_; });
   }
 
-  // Boxes that stand over this window belong to somebody else.
+  // Boxes over this window belong to somebody else and must outlive it.
   void LetGoOfChildren() {
     for (QObject* const object : QObjectList(window_->children())) {
       auto* const child = qobject_cast<QWidget*>(object);
@@ -282,7 +283,7 @@ void Window::resizeEvent(QResizeEvent* event) {
   if (form_) form_->BoundsChanged();
 }
 
-// Without a default button the dialog leaves Enter alone; the button with the focus takes it.
+// Without a default button, the dialog ignores Enter; the button with the focus handles it.
 void Window::keyPressEvent(QKeyEvent* event) {
   auto* const button = qobject_cast<QPushButton*>(focusWidget());
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;

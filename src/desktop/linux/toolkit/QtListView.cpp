@@ -130,7 +130,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
   /// A press is about to be handled: it is meant for the row that is there now.
   void MouseAims() { SynchroniseIfChanged(); }
 
-  /// A key comes before the list sees it; true when it was used up.
+  /// A key was pressed and the list has not seen it yet; true when it was used up.
   bool KeyPressed(const QKeyEvent& event) {
     const int key = KeyCode(event);
     if (key == 0) return false;
@@ -154,7 +154,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
     if (alive && buttons != 0) RaiseMouse(buttons, row);
   }
 
-  /// Dragging over rows clicks the last one only.
+  /// The button was released: a drag over several rows clicks only the last.
   void MouseReleased() {
     if (UpToDate() && control_.CurrentRow() != clicked_) RaiseItemClick();
   }
@@ -192,7 +192,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
     Native()->setIconSize({icon, icon});
   }
 
-  // The largest image that does not make its line higher.
+  // The largest image that does not make its row higher.
   static int IconSizeFor(int line_height) {
     int best = kIconSizes[0];
     for (const int size : kIconSizes) best = size <= line_height ? size : best;
@@ -221,7 +221,8 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
                              control_.SortDescending() ? Qt::DescendingOrder : Qt::AscendingOrder);
   }
 
-  // Starting from an empty selection, thousands of ranges are set without comparing each with each.
+  // Ranges are added to an empty selection: the model would compare each of thousands with all the
+  // others otherwise.
   void ShowSelection() {
     selection_generation_ = control_.SelectionGeneration();
     QItemSelectionModel* const selection = Native()->selectionModel();
@@ -229,7 +230,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
     selection->reset();
     selection->select(SelectedRanges(), QItemSelectionModel::Select);
     const int current = control_.CurrentRow();
-    Native()->setAutoScroll(current != shown_current);  // "select all" stays where it is
+    Native()->setAutoScroll(current != shown_current);  // "select all" must not scroll
     selection->setCurrentIndex(model_->index(current, 0), QItemSelectionModel::NoUpdate);
     Native()->setAutoScroll(true);
     clicked_ = current;
@@ -250,7 +251,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
     return ranges;
   }
 
-  // While the rows have changed but are not shown yet, the view speaks of rows that are gone.
+  // Until changed rows are shown, the view reports rows that no longer exist.
   bool UpToDate() const { return generation_ == control_.Generation(); }
 
   void TakeSelection() {
@@ -263,7 +264,7 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
   }
 
   void HeaderClicked(int section) {
-    MarkChanged();  // the view has turned its arrow by itself
+    MarkChanged();  // the view has already turned its arrow
     RunHandler(Context(), [&] { control_.ClickColumn(section + 1); });
   }
 
@@ -311,7 +312,7 @@ void RowView::mouseReleaseEvent(QMouseEvent* event) {
   if (peer_) peer_->MouseReleased();
 }
 
-// A menu asked for with the mouse has come with the press.
+// A press of the right mouse button has opened the menu already.
 void RowView::contextMenuEvent(QContextMenuEvent* event) {
   if (event->reason() == QContextMenuEvent::Keyboard && peer_) peer_->MenuAsked();
 }

@@ -12,8 +12,8 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = Mirror::Clock;
 
-// Wakes the event loop at a moment. Callers ask tens of thousands of times a second, nearly always
-// for a later moment than before, so a timer that runs stays as it is.
+// Wakes the event loop at a given moment. Callers ask tens of thousands of times a second, nearly
+// always for a later moment than before, so a running timer is left alone.
 class Alarm : public QObject {
  public:
   void RingBy(Clock::time_point moment) {
@@ -30,7 +30,7 @@ class Alarm : public QObject {
   }
 
  private:
-  // Waits come in whole milliseconds, so the same moment comes a little earlier now and then.
+  // Waits are whole milliseconds, so the same moment may come out a little earlier at times.
   static constexpr milliseconds kTolerance{1};
   static constexpr milliseconds kLongest{std::chrono::hours(1)};
 
@@ -52,13 +52,13 @@ class QtPump : public Pump {
       dispatcher->processEvents(QEventLoop::AllEvents);
       return;
     }
-    // Every event that is posted wakes the loop as well, so this never sleeps after a delivery.
+    // A posted event wakes the loop too, so this never goes on sleeping after a delivery.
     alarm_.RingBy(Clock::now() + std::min(longest_wait, milliseconds(std::chrono::hours(1))));
     dispatcher->processEvents(QEventLoop::WaitForMoreEvents);
   }
 
  private:
-  // A sleep of a message's round trip does not show anything yet; a longer one does.
+  // A sleep as short as a server's answer shows nothing yet; a longer one does.
   void ShowBeforeSleep() {
     mirror_.SynchroniseIfDue();
     if (mirror_.HasChanges()) alarm_.RingBy(mirror_.Due());

@@ -69,7 +69,7 @@ class TextBoxPeer : public QtPeerOf<TextBox, Edit> {
 
  private:
   bool KeyPressed(const QKeyEvent& event) {
-    this->SynchroniseIfChanged();  // or the key would change an older text
+    this->SynchroniseIfChanged();  // or the key would edit an outdated text
     const int key = KeyCode(event);
     if (key == 0) return false;
     bool used = false;
@@ -83,10 +83,12 @@ class TextBoxPeer : public QtPeerOf<TextBox, Edit> {
 class LinePeer : public TextBoxPeer<QLineEdit> {
  public:
   LinePeer(TextBox& control, const PeerContext& context) : TextBoxPeer(control, context) {
-    // Assistive programs change the text as well as the keyboard does.
+    // Not textEdited, which does not report what assistive programs change.
     QObject::connect(Native(), &QLineEdit::textChanged, Lifetime(), [this](const QString& text) {
       MarkChanged();  // the control may take less than the text
+      const QPointer<QObject> alive = Lifetime();
       RunHandler(Context(), [&] { control_.Type(ToText(text)); });
+      if (alive) SynchroniseIfChanged();  // before more is pasted behind what was not taken
     });
   }
 
@@ -98,8 +100,8 @@ class LinePeer : public TextBoxPeer<QLineEdit> {
   }
 
  private:
-  /// The text behind the cursor stays behind it: after a paste the cursor follows what is left of
-  /// it.
+  /// Keeps the cursor's distance from the end of the text: after a paste that was cut, it follows
+  /// the part that was kept.
   void ShowText(const QString& text) {
     if (Native()->text() == text) return;
     const auto behind = Native()->text().size() - Native()->cursorPosition();

@@ -18,8 +18,8 @@ namespace {
 constexpr std::chrono::hours kUntilSomethingHappens{1};
 constexpr size_t kLongestMessage = 4000;
 
-// "description|pattern|description|pattern" as the file dialog wants it. Here files need no
-// extension, so what stands for every file elsewhere is a lone star.
+// Converts "description|pattern|description|pattern" for the file dialog. Files need no extension
+// here, so "*.*", which stands for every file elsewhere, becomes "*".
 QStringList NameFilters(const Text& filter) {
   QStringList filters;
   const std::vector<Text> pieces = Split(filter, u"|");
@@ -61,7 +61,7 @@ class QtToolkit : public Toolkit {
   std::unique_ptr<FormPeer> Realise(Form& form) override { return MakeQtForm(form, windows_); }
 
   void RunModal(Form& form) override {
-    // The form itself may be gone when its window is closed.
+    // The form may be destroyed while its window is shown, so only the flag is looked at.
     const std::shared_ptr<bool> open = OpenFlagOf(form);
     while (open && *open) pump_->RunPending(kUntilSomethingHappens);
   }

@@ -149,7 +149,8 @@ class TextBoxPeer final : public WinPeerOf<TextBox> {
  private:
   void ShowText() {
     if (control_.MultiLine()) {
-      // Long texts do not change by typing here: the body pane is read only.
+      // Compared with the state, not the native text, which may be shortened: the only box of
+      // several lines is read only.
       if (shown_ == control_.GetText()) return;
       shown_ = control_.GetText();
       SetWindowTextW(Window(), ToWide(Lines(shown_, kLongestShown, kCrLf)).c_str());
@@ -158,7 +159,8 @@ class TextBoxPeer final : public WinPeerOf<TextBox> {
     ShowLine(ToWide(control_.GetText()));
   }
 
-  /// The cursor stays before the same text: after a paste, behind what is left of it.
+  /// Keeps the cursor's distance from the end of the text: after a paste that was cut, it follows
+  /// the part that was kept.
   void ShowLine(const std::wstring& text) {
     DWORD cursor = 0;
     SendMessageW(Window(), EM_GETSEL, 0, reinterpret_cast<LPARAM>(&cursor));

@@ -38,7 +38,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
 
   ~WinFormWindow() override {
     Leave();
-    // Controls tell of the focus that they lose when they go.
+    // Controls report the loss of focus while they are destroyed; nobody listens any more.
     SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
     layout_.reset();
     DestroyWindow(window_);
@@ -80,7 +80,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
   void Hide() override {
     Leave();
     ShowWindow(window_, SW_HIDE);
-    // The loop that waits for this window looks up even when nothing else happens.
+    // Wakes the loop that waits for this window, even when nothing else happens.
     PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0);
   }
 
@@ -136,7 +136,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
   }
 
-  /// They belong to the window and go with it.
+  /// The tooltips' own window belongs to this one and is destroyed with it.
   void GiveTooltips() {
     const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
                                       WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, window_,
@@ -179,7 +179,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     layout_->Place({area.right, area.bottom});
   }
 
-  /// The first place of the tab order is the first place among the children.
+  /// The tab order is the order of the children, so the first control moves to their top.
   void PutFirst(const Control* first) {
     if (!first || first == first_) return;
     first_ = first;
@@ -218,8 +218,8 @@ class WinFormWindow final : public WinForm, private Mirrored {
     return true;
   }
 
-  /// The system's dialog keys would leave Tab to a box of several lines, which knows what to do
-  /// with it in true dialogs only, and would take the mark off the default button.
+  /// Replaces the system's handling of Tab, which would leave the key to a box of several lines (it
+  /// handles Tab in real dialogs only) and unmark the default button.
   bool Tab(HWND focus) {
     const HWND next =
         GetNextDlgTabItem(window_, focus == window_ ? nullptr : focus, GetKeyState(VK_SHIFT) < 0);
@@ -232,7 +232,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     return SendMessageW(window, WM_GETDLGCODE, 0, 0) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON);
   }
 
-  /// Makes the button that Enter presses look like it.
+  /// Draws the button that Enter presses as the default button.
   void MarkDefaultButton() {
     const HWND focus = GetFocus();
     const bool on_button = IsPushButton(focus);
@@ -245,7 +245,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     }
   }
 
-  /// Enter belongs to the button with the focus, else to the default button.
+  /// Enter presses the button with the focus, or else the default button.
   bool Return(HWND focus) {
     if (IsPushButton(focus)) {
       SendMessageW(focus, BM_CLICK, 0, 0);
@@ -317,8 +317,8 @@ class WinFormWindow final : public WinForm, private Mirrored {
     return result;
   }
 
-  /// While the user moves the window or is in its menu the system pumps messages by itself, and a
-  /// check is to go on.
+  /// While the user moves the window or opens its menu, the system runs a message loop of its own;
+  /// a check has to go on meanwhile.
   void DeliverSources() {
     EventSources& sources = windows_.sources;
     int left = kSourcesAtOnce;
@@ -327,7 +327,7 @@ class WinFormWindow final : public WinForm, private Mirrored {
     GetMirror().SynchroniseIfDue();
   }
 
-  /// A window does not remember by itself which of its controls had the focus.
+  /// The system does not remember which control of a window had the focus.
   void KeepFocus(bool active) {
     if (!active) {
       focus_ = GetFocus();

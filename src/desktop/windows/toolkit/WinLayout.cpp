@@ -13,7 +13,7 @@ namespace {
 constexpr int kMargin = 9;   // logical pixels around a window, a box or a page
 constexpr int kSpacing = 6;  // between two items
 
-/// Spare room dealt out by shares; the last share gets the rest.
+/// Distributes spare room by shares; rounding leaves the rest to the last share.
 void Deal(std::vector<int>& sizes, const std::vector<int>& shares, int spare) {
   int left = std::accumulate(shares.begin(), shares.end(), 0);
   for (size_t i = 0; i < sizes.size() && left > 0; ++i) {
@@ -26,7 +26,7 @@ void Deal(std::vector<int>& sizes, const std::vector<int>& shares, int spare) {
 
 }  // namespace
 
-/// One item of the layout with what stands in it.
+/// One item of the layout with its contents.
 struct WinLayout::Node {
   Layout::Kind kind;
   int columns;
@@ -34,7 +34,7 @@ struct WinLayout::Node {
   WinContext& context;
   WinPeerPtr peer;
   WinTabs* tabs = nullptr;
-  std::vector<std::unique_ptr<Node>> items;  // of a frame: one; of tabs: one a page
+  std::vector<std::unique_ptr<Node>> items;  // of a frame one, of tabs one for each page
 
   int Spacing() const { return context.Scaled(kSpacing); }
   int Margin() const { return context.Scaled(kMargin); }
@@ -122,7 +122,7 @@ struct WinLayout::Node {
     return most;
   }
 
-  /// Width that frame or tabs take beside their content.
+  /// Least width of a control, including the contents of a frame or of tabs.
   int ControlWidth() const {
     const int width = peer->LeastWidth();
     const int inside = Most([](const Node& item) { return item.LeastWidth(); });
@@ -157,7 +157,7 @@ struct WinLayout::Node {
     const RECT page = tabs->PageArea(area);
     const int width = page.right - page.left;
     const int height = page.bottom - page.top;
-    // Behind its pages it cannot hide them; and it is the last to be reached by the Tab key.
+    // Below its pages, so that it does not hide them; that also makes it the last in the tab order.
     SetWindowPos(tabs->Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (size_t i = 0; i < items.size(); ++i) {
       SetWindowPos(tabs->Containers()[i], nullptr, page.left, page.top, width, height,
@@ -166,7 +166,7 @@ struct WinLayout::Node {
     }
   }
 
-  /// By stretch; where no item has any, to those that make use of the room.
+  /// The items' stretches; where none has any, one share for each item that can use the room.
   std::vector<int> Shares(bool (Node::*grows)() const) const {
     std::vector<int> shares;
     for (const auto& item : items) shares.push_back(item->stretch);
@@ -247,7 +247,7 @@ struct WinLayout::Node {
     }
   }
 
-  /// In the middle of a row that is higher than the item can use.
+  /// Centres an item in a row that is higher than it needs.
   void PlaceIn(RECT area) {
     const LONG spare = area.bottom - area.top - HeightFor(area.right - area.left);
     if (kind == Layout::Kind::kControl && !GrowsDown() && items.empty() && spare > 0) {

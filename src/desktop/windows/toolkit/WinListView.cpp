@@ -1,5 +1,3 @@
-// The report list: virtual rows, straight from the control.
-
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -81,7 +79,7 @@ class ListViewPeer final : public WinPeerOf<ListView> {
         peer.Pressed(kLeftButton, lparam);
         break;
       case WM_RBUTTONDOWN:
-        // The handler selects and opens the menu; the list would wait for a drag.
+        // The handler selects the row and opens the menu; the list itself would wait for a drag.
         SetFocus(window);
         peer.Pressed(kRightButton, lparam);
         return 0;
@@ -127,7 +125,7 @@ class ListViewPeer final : public WinPeerOf<ListView> {
     }
   }
 
-  /// Typing letters leads to the next row whose text begins with them.
+  /// Finds the next row that begins with what the user types.
   LRESULT FindByText(const NMLVFINDITEMW& search) const {
     if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || control_.Count() == 0) return -1;
     const std::wstring_view wanted(search.lvfi.psz);
@@ -189,7 +187,7 @@ class ListViewPeer final : public WinPeerOf<ListView> {
     selection_shown_ = control_.SelectionGeneration();
     int selected = 0;
     for (int i = 0; i < control_.Count(); ++i) selected += control_.Selected(i);
-    // All at once what most rows are, then the others one by one.
+    // Sets all rows at once to what most of them are, then the others one by one.
     const bool most = selected * 2 > control_.Count();
     ListView_SetItemState(Window(), -1, most ? LVIS_SELECTED : 0, LVIS_SELECTED);
     for (int i = 0; i < control_.Count(); ++i) {
@@ -203,7 +201,7 @@ class ListViewPeer final : public WinPeerOf<ListView> {
     ListView_EnsureVisible(Window(), control_.CurrentRow(), FALSE);
   }
 
-  /// The list tells of a mass selection in many messages; it is read once, after the last.
+  /// Selecting many rows sends a message for each; the selection is read once, after the last.
   void SelectionMoved() {
     if (showing_ || selection_pending_) return;
     selection_pending_ = true;

@@ -9,7 +9,7 @@ namespace vesko {
 
 namespace {
 
-/// A page of a tab control: passes on what its controls say to the window that holds the tabs.
+/// A page of a tab control: passes its controls' messages on to the window that holds the tabs.
 LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
     case WM_COMMAND:
@@ -23,7 +23,7 @@ LRESULT CALLBACK PageProcedure(HWND page, UINT message, WPARAM wparam, LPARAM lp
       return 1;
     }
     case WM_CTLCOLORSTATIC:
-      // A box that cannot be typed into asks like a label, but has a ground of its own.
+      // A read-only or disabled box asks for colours like a label, but keeps its own background.
       if (SendMessageW(reinterpret_cast<HWND>(lparam), WM_GETDLGCODE, 0, 0) & DLGC_HASSETSEL) {
         return DefWindowProcW(page, message, wparam, lparam);
       }
@@ -97,7 +97,7 @@ int WinTabs::StepOf(WPARAM key) {
   return key == VK_PRIOR ? -1 : 0;
 }
 
-/// A control of the page that goes does not keep the focus.
+/// A control on the page that is hidden must not keep the focus.
 void WinTabs::Turn(int tab) {
   if (IsChild(pages_[static_cast<size_t>(control_.Tab())], GetFocus())) SetFocus(Window());
   control_.Click(tab);

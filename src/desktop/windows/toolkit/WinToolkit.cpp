@@ -32,7 +32,7 @@ int ScreenDotsPerInch() {
   return dots;
 }
 
-/// The look of the current common controls whatever the host's own manifest says.
+/// Gives windows the look of the current common controls, whatever the host's manifest says.
 class VisualStyles {
  public:
   explicit VisualStyles(HINSTANCE module) {
@@ -86,7 +86,7 @@ class WinPump final : public Pump {
     if (!Sleep(longest_wait - alone)) DeliverMessages();
   }
 
-  /// Whether the host's loop was told to end while one of ours ran, and with what.
+  /// Whether the host was told to quit while a loop of ours ran, and with which exit code.
   bool TakeQuit(int& code) {
     if (!quit_) return false;
     code = quit_code_;
@@ -97,12 +97,12 @@ class WinPump final : public Pump {
  private:
   using Clock = Mirror::Clock;
 
-  // So many messages at a time that a flood of them does not keep the caller waiting.
+  // At most so many messages at a time, so that a flood of them does not keep the caller waiting.
   static constexpr int kAtOnce = 64;
-  // While the sources have something all the time, messages wait so long, which nobody feels. To
-  // look for messages with each reply of a server would cost more than the reply.
+  // How long messages wait while the sources are busy, too short to be felt. Looking for messages
+  // with each reply of a server would cost more than the reply.
   static constexpr milliseconds kBetweenMessages{10};
-  // So long nothing but the sources is waited for: most replies are there by then.
+  // How long only the sources are waited for; most replies have come by then.
   static constexpr milliseconds kSourcesAlone{5};
 
   bool MessagesDue() const { return Clock::now() >= messages_due_; }
@@ -130,7 +130,7 @@ class WinPump final : public Pump {
     DispatchMessageW(&message);
   }
 
-  /// The host ends: our windows go, and its own loop is told again when the last one has gone.
+  /// The host quits: closes our windows; the host's own loop is told again after the last of them.
   void Quit(int code) {
     quit_ = true;
     quit_code_ = code;
@@ -142,7 +142,7 @@ class WinPump final : public Pump {
     }
   }
 
-  /// Whether a source ended it and delivered.
+  /// True when a source ended the sleep and delivered something.
   bool Sleep(milliseconds longest_wait) {
     Mirror& mirror = windows_.context.mirror;
     milliseconds wait = std::min(longest_wait, kUntilSomethingHappens);
@@ -162,7 +162,8 @@ class WinPump final : public Pump {
   int quit_code_ = 0;
 };
 
-/// "description|pattern|…" as the file dialog wants it: NUL after each, one more at the end.
+/// Converts "description|pattern|…" for the file dialog: a NUL after each part, one more at the
+/// end.
 std::wstring FilterList(const Text& filter) {
   std::wstring list = ToWide(filter);
   std::replace(list.begin(), list.end(), L'|', L'\0');
