@@ -12,8 +12,8 @@ struct BareLoopResult {
 };
 
 /// The least that a check can cost: a blocking socket that sends the same commands one by one,
-/// waits for each reply, and looks at nothing but its end. The message count is STAT's. Throws
-/// std::runtime_error where a reply does not come.
+/// waits for each reply and looks at nothing but its end. Fetches as many messages as STAT reports.
+/// Throws std::runtime_error when a reply does not come.
 BareLoopResult RunBareLoop(uint16_t port, const std::string& user, const std::string& password,
                            int down_lines);
 

@@ -1,13 +1,11 @@
-// What a check costs beside the least that it can cost: the component's own check (window shown,
-// every message parsed and kept) and a bare blocking loop, against the same server.
+// A check by the component (window shown, every message parsed and kept) beside the least that it
+// could cost, a bare blocking loop, with the same server.
 //
 //   vesko_bench_check             1,000, 10,000 and 32,767 messages from a server in memory
-//   vesko_bench_check --dovecot   10,000 messages of a Maildir behind Dovecot, in the clear and
-//   over
-//                                 TLS
+//   vesko_bench_check --dovecot   10,000 messages from Dovecot, in the clear and over TLS
 //
-// "CPU" is the processor time of the client, the system's part included. "Grew" is the growth of
-// the peak of resident memory.
+// "CPU" is the client's processor time, the system's part included. "Grew" is the growth of the
+// peak of resident memory.
 
 #include <sched.h>
 #include <sys/resource.h>
@@ -44,7 +42,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRounds = 3;  // of which the best counts: the machine has other things to do
+constexpr int kRounds = 3;  // the best counts: the machine has other things to do
 constexpr const char* kPassword = "secret";
 
 struct Pipe {
@@ -95,7 +93,7 @@ struct Server {
   std::string authorities;  // PEM file; TLS where there is one
 };
 
-// One check in this process, whose memory is its own.
+// One check in this process, which does nothing else, so that its memory can be measured.
 CheckResult RunCheck(const std::string& user, const Server& server) {
   int count = 1;
   char name[] = "vesko_bench_check";
@@ -168,7 +166,7 @@ void RunOn(int core) {
   ::sched_setaffinity(0, sizeof cores, &cores);
 }
 
-// The server in memory, as a process of its own; ended with the object.
+// The server in memory, as a process that ends with this object.
 class MemoryServer {
  public:
   explicit MemoryServer(int core) {
@@ -202,9 +200,9 @@ class MemoryServer {
   int port_ = 0;
 };
 
-// Client and server take turns, so where the system puts them decides what a turn costs: on one
-// core it is the work alone, on two each turn wakes a core. Left to chance it would change by the
-// second.
+// Client and server take turns, so the cost of a turn depends on where they run: on one core it is
+// the work alone, on two each turn wakes a core. Both are measured, since the system would change
+// its choice all the time.
 void CompareInMemory(Table& table) {
   constexpr int kClientCore = 0;
   RunOn(kClientCore);

@@ -6,8 +6,8 @@
 
 namespace vesko {
 
-/// The other end of a connection, driven step by step by a test. Calls block for at most some
-/// seconds; what a client sends or accepts meanwhile waits in the system.
+/// The other end of a connection, driven step by step by a test. Calls block for some seconds at
+/// most.
 class LoopbackPeer {
  public:
   /// Listens on a free port of an address ("127.0.0.1" or "::1").
@@ -17,7 +17,7 @@ class LoopbackPeer {
   LoopbackPeer& operator=(const LoopbackPeer&) = delete;
 
   int32_t Port() const { return port_; }
-  /// Whether Receive, or without a client Accept, would return at once.
+  /// Whether Receive would return at once, or Accept before there is a client.
   bool HasNews() const;
   bool Accept();
   int32_t ClientPort() const;

@@ -8,7 +8,7 @@ namespace {
 
 using SocketCertificateTest = SocketTest;
 
-TEST_F(SocketCertificateTest, IsCheckedBeforeAWordIsSaid) {
+TEST_F(SocketCertificateTest, IsCheckedBeforeAnythingIsSent) {
   const auto server = MakeTlsServer();
   NewSocket(kCodePageUtf8, server->Authorities(), {server->Port()});
   for (const TlsCase& row : kTlsCases) {

@@ -1,5 +1,6 @@
-// Lets the system's calls fail one at a time. The linker sends the socket's calls of send, recv,
-// connect, socket and getaddrinfo here; they fail only while a fault is armed.
+// Lets the system's calls fail one at a time. The linker redirects the socket's calls of send,
+// recv, connect, socket and getaddrinfo to this file; they, and allocations, fail while a fault is
+// armed.
 #include <gtest/gtest.h>
 #include <netdb.h>
 #include <sys/socket.h>
@@ -9,7 +10,9 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstdint>
+#include <cstdlib>
 #include <mutex>
+#include <new>
 
 #include "desktop/SocketFixture.h"
 
@@ -23,11 +26,12 @@ struct Faults {
   int lookup_error = 0;
   int times = 1;  // that a call fails
   size_t longest_send = SIZE_MAX;
+  size_t largest_allocation = SIZE_MAX;
 };
 
 std::atomic<Faults*> armed = nullptr;
 
-// Of the armed fault, whether this call is to fail.
+// Whether this call is to fail, and with which errno.
 bool Fails(int Faults::*error) {
   Faults* faults = armed;
   if (!faults || faults->*error == 0 || faults->times == 0) return false;
@@ -63,6 +67,15 @@ struct Hold {
 } hold;
 
 }  // namespace
+
+void* operator new(size_t size) {
+  const Faults* faults = armed;
+  if (faults && size > faults->largest_allocation) throw std::bad_alloc();
+  if (void* memory = std::malloc(size)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
 extern "C" {
 ssize_t __real_send(int fd, const void* bytes, size_t size, int flags);
@@ -106,7 +119,7 @@ namespace {
 
 class SocketFaultTest : public SocketTest {
  protected:
-  // Turns the event loop with the faults armed: what the peer does stays outside.
+  // Turns the event loop with the faults armed. Calls of the peer are made outside and do not fail.
   template <typename Condition>
   bool RunFaulty(Faults& faults, Condition condition) {
     armed = &faults;
@@ -193,6 +206,19 @@ TEST_F(SocketFaultTest, TemporaryErrorsAndShortWritesLoseNothing) {
     EXPECT_TRUE(errors_.empty());
     socket_->Close();
   }
+}
+
+TEST_F(SocketFaultTest, RunningOutOfMemoryEndsTheConnection) {
+  take_data_ = false;
+  LoopbackPeer peer;
+  ASSERT_TRUE(Meet(peer));
+  for (int i = 0; i < 3; ++i) peer.Send(std::string(65536, 'x'));
+  Faults faults{.largest_allocation = 200000};  // one arrival fits, not all of them
+  EXPECT_TRUE(RunFaulty(faults, [&] { return socket_->State() == SocketState::kError; }));
+  EXPECT_EQ(errors_, std::vector<int32_t>{kSocketNoMemory});
+  EXPECT_EQ(socket_->GetData(), u"");
+  socket_->Close();
+  EXPECT_TRUE(Meet(peer));
 }
 
 TEST_F(SocketFaultTest, LookUpThatNeverEndsHoldsNothingUp) {

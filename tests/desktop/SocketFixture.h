@@ -17,23 +17,21 @@
 
 namespace vesko {
 
-// What the platform's own file beside this one gives to the tests.
+// Defined by the file of each platform beside this one.
 
-/// A socket of the platform's port, with its own ports of TLS and further authorities.
+/// A socket of the platform's port, with TLS ports and further authorities of the test.
 std::unique_ptr<Socket> MakeTestSocket(const Locale& locale, const std::string& certificate_file,
                                        std::vector<int32_t> tls_ports);
 
-/// Lets the event loop of that port turn once.
-void TurnEventLoop(std::chrono::milliseconds longest_wait);
+/// Lets the event loop turn once. Returns false when nothing happened in that time.
+bool TurnEventLoop(std::chrono::milliseconds longest_wait);
 
-/// Whatever a connection could leave open in the process.
+/// How many things are open in the process that a connection could leave open.
 size_t OpenDescriptors();
 
-/// False where the system may show a reset as the end of the connection to one that only listens.
+/// False where the system may show a reset to an end that only listens as the end of the
+/// connection.
 bool SystemTellsResets();
-
-/// What this process has used so far.
-std::chrono::milliseconds ProcessorTime();
 
 class SocketTest : public testing::Test {
  protected:
@@ -69,24 +67,23 @@ class SocketTest : public testing::Test {
     return true;
   }
 
-  void RunFor(std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) TurnEventLoop(std::chrono::milliseconds(10));
+  // Until nothing more is on its way. Not to be reached by a socket that keeps the processor busy.
+  bool RunToQuiet() {
+    return RunUntil([] { return !TurnEventLoop(std::chrono::milliseconds(20)); });
   }
 
   bool RunToState(SocketState state) {
     return RunUntil([&] { return socket_->State() == state; });
   }
 
-  // Of the connection, good or bad.
+  // To the end of the connection, whether it was closed or failed.
   bool RunToEnd() {
     return RunUntil([&] {
       return socket_->State() == SocketState::kError || socket_->State() == SocketState::kClosing;
     });
   }
 
-  // A closed socket may lie in the event loop for some turns yet.
-  // The look-up of names keeps one or two for the process; a leak would be one a connection.
+  // The look-up of names keeps one or two for the process; a leak would be one for each connection.
   static constexpr size_t kOfTheProcess = 2;
   bool RunToDescriptors(size_t count) {
     return RunUntil([&] { return OpenDescriptors() <= count + kOfTheProcess; });
@@ -96,7 +93,7 @@ class SocketTest : public testing::Test {
     return RunUntil([&] { return text_ == text; });
   }
 
-  // Connected to the peer, which has accepted.
+  // Connects to the peer and lets it accept.
   testing::AssertionResult Meet(LoopbackPeer& peer, const Text& host = u"127.0.0.1") {
     socket_->Connect(host, peer.Port());
     if (!RunToState(SocketState::kConnected)) return testing::AssertionFailure() << "no connection";

@@ -18,11 +18,13 @@ std::unique_ptr<Socket> MakeTestSocket(const Locale& locale, const std::string& 
   return MakeWinSocket(locale, Sources(), certificate_file, std::move(tls_ports));
 }
 
-void TurnEventLoop(std::chrono::milliseconds longest_wait) {
+bool TurnEventLoop(std::chrono::milliseconds longest_wait) {
   MSG message;
   const auto milliseconds = static_cast<DWORD>(longest_wait.count());
-  if (Sources().Deliver() || Sources().DeliverUnlessMessage(milliseconds)) return;
-  if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  if (Sources().Deliver() || Sources().DeliverUnlessMessage(milliseconds)) return true;
+  if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return false;
+  DispatchMessageW(&message);
+  return true;
 }
 
 size_t OpenDescriptors() {
@@ -31,18 +33,9 @@ size_t OpenDescriptors() {
   return count;
 }
 
-// Wine does not.
+// Wine may not.
 bool SystemTellsResets() {
   return GetProcAddress(GetModuleHandleW(L"ntdll"), "wine_get_version") == nullptr;
-}
-
-std::chrono::milliseconds ProcessorTime() {
-  FILETIME created, ended, kernel, user;
-  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
-  const auto ticks = [](FILETIME time) {
-    return static_cast<int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
-  };
-  return std::chrono::milliseconds((ticks(kernel) + ticks(user)) / 10000);
 }
 
 }  // namespace vesko

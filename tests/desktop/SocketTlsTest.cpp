@@ -60,7 +60,7 @@ TEST_F(SocketTlsTest, GivesUpAtOnceOnAServerThatSpeaksNoTls) {
 TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
   size_t before = 0;
   for (int turns = 0; turns < 20; ++turns) {
-    // The first look-up opens what the process keeps for all that follow.
+    // The first look-up opens files that the process keeps open.
     if (turns == 1) before = OpenDescriptors();
     auto outcome = ServeTls(peer_, good_, case_);
     socket_->on_data_arrival = [&] { socket_->Close(); };
@@ -76,7 +76,7 @@ TEST_F(SocketTlsTest, CanBeClosedAtAnyMomentOfTheHandshake) {
   EXPECT_TRUE(RunToDescriptors(before)) << OpenDescriptors() - before;
 }
 
-// The server's bytes stop anywhere, in the middle of a record too.
+// The server's bytes stop at any place, also in the middle of a record.
 TEST_F(SocketTlsTest, TellsAResetFromAnEndAtAnyByte) {
   bool all = false;
   for (size_t size = 0; !all; size += size < 8 ? 1 : 97) {

@@ -12,7 +12,7 @@ constexpr int kTls11 = 0x0302;
 enum class TlsEnding {
   kOfTlsAndTcp,
   kOfTls,  // TCP stays open until the client closes it
-  kOfTcp,  // without a word in TLS
+  kOfTcp,  // without notice in TLS
   kReset,
 };
 
@@ -20,9 +20,9 @@ enum class TlsEnding {
 struct TlsCase {
   const char* name;
   const char* common_name = "localhost";
-  const char* alternative_names = "DNS:localhost";  // as OpenSSL's configuration has them
-  const char* usage = "";                           // extended key usage, likewise
-  int first_day = -100;                             // of its validity, counted from today
+  const char* alternative_names = "DNS:localhost";  // in OpenSSL's syntax
+  const char* usage = "";                           // extended key usages, likewise
+  int first_day = -100;                             // of its validity; 0 is now
   int last_day = 10;
   Signer signer = Signer::kTestAuthority;
   int highest_version = kTls13;

@@ -11,7 +11,7 @@
 
 namespace vesko {
 
-/// A certificate with its key. Made for a test, in memory and in seconds.
+/// A certificate with its key, made in memory for one test.
 struct Certificate {
   std::shared_ptr<X509> x509;
   std::shared_ptr<EVP_PKEY> key;
@@ -33,7 +33,7 @@ class TlsServerEnd {
  public:
   explicit TlsServerEnd(const Certificate& certificate);
 
-  /// The answer to what the client has sent. Without bytes from it, there is none.
+  /// The server's answer to bytes of the client; empty when there is none yet.
   std::string Answer(const std::string& from_client);
 
  private:
@@ -48,8 +48,8 @@ struct TlsOutcome {
   bool said_good_bye = false;
 };
 
-/// In a thread: accepts a client, speaks TLS with it as the case has it, greets it, reads once, and
-/// ends the conversation.
+/// On a thread of its own: accepts a client, speaks TLS with it as the case says, greets it, reads
+/// once and ends the conversation.
 std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
                                  const TlsCase& tls_case);
 

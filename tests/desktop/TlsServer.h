@@ -9,8 +9,8 @@
 
 namespace vesko {
 
-/// A server that plays the cases one after the other. The platform's own file beside this one says
-/// where it is: in this process, or in one of another system beside it.
+/// A server that plays the cases one after the other. On Linux it is in this process; for Windows
+/// it is a Linux program that runs beside Wine.
 class TlsServer {
  public:
   virtual ~TlsServer() = default;
@@ -21,7 +21,7 @@ class TlsServer {
 
   /// Waits for the next client.
   virtual void Serve(const TlsCase& tls_case) = 0;
-  /// What that client asked for and said, once it is gone.
+  /// The name that this client asked for and what it said. Waits until the client has gone.
   virtual std::string Seen() = 0;
 };
 

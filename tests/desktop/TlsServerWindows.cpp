@@ -5,7 +5,7 @@
 namespace vesko {
 namespace {
 
-/// vesko-tls-server, which goes through the cases by itself and says in the end what it saw.
+/// vesko-tls-server, which goes through the cases by itself and reports in the end what it saw.
 class ServerBeside final : public TlsServer {
  public:
   int32_t Port() const override { return std::atoi(std::getenv("VESKO_TLS_PORT")); }

@@ -1,5 +1,5 @@
-// Goes through the cases of TLS for a client on another system: prints port and file of
-// authorities, serves a client a case, and fails where one saw or said what it should not.
+// Plays the TLS cases for a client on another system: prints its port and the file of authorities,
+// serves one client for each case, and fails when a client did not do what it should.
 #include <iostream>
 
 #include "desktop/TlsServer.h"

@@ -17,7 +17,7 @@ struct DerValue {
   std::string_view content;
 };
 
-// Takes a length off the front of `der`. Names in certificates need no more than two bytes of it.
+// Takes a length off the front of `der`. Two bytes are enough for the names in a certificate.
 std::optional<size_t> TakeLength(std::string_view& der) {
   if (der.empty()) return std::nullopt;
   const auto first = static_cast<uint8_t>(der[0]);

@@ -35,6 +35,8 @@ Text SocketErrorText(int32_t number) {
       return u"The server refused the connection. Is the port number right?";
     case kSocketConnectionReset:
       return u"The server broke off the connection.";
+    case kSocketNoMemory:
+      return u"There is not enough memory for what the server sends.";
     case kSocketTimedOut:
       return u"The server did not answer in time.";
     case kSocketHostUnreachable:

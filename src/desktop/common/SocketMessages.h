@@ -24,11 +24,11 @@ inline constexpr TextView kClosedInHandshakeMessage =
 enum class CertificateFault {
   kExpired,
   kNotYetValid,
-  kOtherHost,
-  kSelfSigned,
-  kUnknownAuthority,
+  kOtherHost,         // it does not name the server
+  kSelfSigned,        // nobody else vouches for it
+  kUnknownAuthority,  // nobody trusted vouches for it
   kWithdrawn,
-  kWrongPurpose,
+  kWrongPurpose,  // not for servers
   kOther,
 };
 

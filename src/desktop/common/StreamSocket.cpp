@@ -1,6 +1,7 @@
 #include "desktop/common/StreamSocket.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "base/RunTimeError.h"
@@ -77,13 +78,27 @@ void StreamSocket::Opened() { state_ = SocketState::kConnected; }
 
 void StreamSocket::BytesArrived(std::string_view bytes) {
   bytes_received_ += bytes.size();
-  Text text = decoder_->Decode(bytes);
+  try {
+    Keep(decoder_->Decode(bytes));
+  } catch (const std::bad_alloc&) {
+    return RanOutOfMemory();
+  }
+  if (on_data_arrival) on_data_arrival();
+}
+
+void StreamSocket::Keep(Text text) {
   if (text_.empty()) {
     text_ = std::move(text);
   } else {
     text_ += text;
   }
-  if (on_data_arrival) on_data_arrival();
+}
+
+// No exception may reach the event loop, which called the stream.
+void StreamSocket::RanOutOfMemory() {
+  streams_->Close();
+  text_ = Text();
+  FailWith(kSocketNoMemory);
 }
 
 void StreamSocket::PeerClosed() {

@@ -13,12 +13,12 @@
 
 namespace vesko {
 
-/// Where a connection leads.
+/// Where a connection leads, and how.
 struct Destination {
-  Text host;  // as the user wrote it
-  HostLookup found;
+  Text host;            // as the user wrote it
+  HostLookup found;     // without an error
   uint16_t local_port;  // 0 is any
-  bool tls;
+  bool tls;             // from the first byte
 };
 
 /// The connections of an operating system, one at a time. Everything is reported by the event loop.
@@ -40,14 +40,18 @@ class Streams {
   virtual void Close() = 0;
 };
 
-/// Socket over an operating system's streams: the states, the checks of arguments, and the
-/// conversion between bytes and text. A connection to one of the TLS ports is TLS from its first
-/// byte. Must not be destroyed from within one of its events.
+/// Socket over an operating system's streams: the states, the checks of arguments, the look-up of
+/// names and the conversion between bytes and text. Running out of memory while data arrives ends
+/// the connection with an error. Must not be destroyed from within one of its events.
 class StreamSocket final : public Socket, private StreamListener {
  public:
-  /// The locale must outlive the socket.
+  /// A connection to one of `tls_ports` is TLS from its first byte. `look_up` runs on a thread of
+  /// `background`. The locale must outlive the socket; `streams` may use `background`, but not
+  /// while it is closed.
   StreamSocket(const Locale& locale, std::vector<int32_t> tls_ports, LookUpFunction look_up,
                std::unique_ptr<Background> background, std::unique_ptr<Streams> streams);
+
+  /// Closes without telling anybody but the peer.
   ~StreamSocket() override;
   StreamSocket(const StreamSocket&) = delete;
   StreamSocket& operator=(const StreamSocket&) = delete;
@@ -65,6 +69,8 @@ class StreamSocket final : public Socket, private StreamListener {
   bool IsTlsPort() const;
   void FailLater(int32_t number);
   void FailWith(int32_t number);
+  void Keep(Text text);
+  void RanOutOfMemory();
 
   void Opened() override;
   void BytesArrived(std::string_view bytes) override;
@@ -79,7 +85,7 @@ class StreamSocket final : public Socket, private StreamListener {
   const std::unique_ptr<Streams> streams_;
 
   SocketState state_ = SocketState::kClosed;
-  Text host_;
+  Text host_;  // of the last Connect, with the port below
   int32_t port_ = 0;
   int32_t local_port_ = 0;
   Text text_;  // arrived and not taken yet

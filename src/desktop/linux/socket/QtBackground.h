@@ -8,7 +8,9 @@
 
 namespace vesko {
 
-/// Background on the event loop of a Qt application.
+/// Background whose `done` comes by the event loop of a Qt application. Each piece of work has a
+/// detached thread: one that never ends costs its stack and nothing else, and does not hold the
+/// process up when it exits.
 class QtBackground final : public Background {
  public:
   ~QtBackground() override { Cancel(); }
@@ -21,8 +23,8 @@ class QtBackground final : public Background {
 
   static void Finish(const std::shared_ptr<Task>& task);
 
-  QObject context_;  // receives the end of the work
-  std::shared_ptr<Task> task_;
+  QObject context_;             // receives the end of the work
+  std::shared_ptr<Task> task_;  // shared with the thread; null when there is nothing to come
 };
 
 }  // namespace vesko

@@ -31,7 +31,7 @@ class LinuxStreams final : public Streams {
 
  private:
   void NewTlsStream(const Destination& destination, StreamListener& listener) {
-    // Reading the authorities takes a while, so only a TLS connection does it, and only the first.
+    // Reading the authorities takes a while, so only the first TLS connection does it.
     if (!tls_context_) tls_context_ = std::make_unique<TlsContext>(certificate_file_);
     ServerIdentity server{NetworkName(destination.host), destination.found.literal};
     tls_ = std::make_unique<TlsStream>(*tls_context_, tcp_, destination.host, std::move(server),

@@ -47,13 +47,13 @@ std::string_view AlternativeNames(const X509* certificate) {
           static_cast<size_t>(ASN1_STRING_length(value))};
 }
 
-// Goes on behind every fault, so that a person learns of all of them.
+// Continues after each fault, so that the message can name all of them.
 int NoteFault(int ok, X509_STORE_CTX* store) {
   if (!ok) CheckOf(store).faults.push_back(FaultOf(X509_STORE_CTX_get_error(store)));
   return 1;
 }
 
-// Called in the middle of the handshake. A refusal ends it, and tells the server the reason.
+// Called in the middle of the handshake. Returning 0 ends it and tells the server why.
 int CheckCertificate(X509_STORE_CTX* store, void*) {
   CertificateCheck& check = CheckOf(store);
   check.faults.clear();

@@ -14,26 +14,30 @@ namespace vesko {
 struct SslDeleter {
   void operator()(SSL* ssl) const;
 };
+/// A connection of the TLS library.
 using SslPtr = std::unique_ptr<SSL, SslDeleter>;
 
-/// The side of a server's certificate check that belongs to one connection.
+/// What the check of a server's certificate needs to know of one connection, and what it finds.
 struct CertificateCheck {
   ServerIdentity server;
-  std::vector<CertificateFault> faults;  // found by the handshake; none: accepted
+  std::vector<CertificateFault> faults;  // filled by the handshake; empty: accepted
 };
 
-/// The settings that all TLS connections share: TLS 1.2 or later; a certificate must lead to one of
-/// the system's authorities or to one in a PEM file, be valid today, be meant for servers and name
-/// the server.
+/// What all TLS connections have in common: TLS 1.2 or later, and the authorities to whom a
+/// server's certificate must lead. The certificate must also be valid today, be meant for servers
+/// and name the server.
 class TlsContext {
  public:
-  /// An empty or unreadable file adds no authorities.
+  /// The authorities are the system's and those in a PEM file. A file that cannot be read adds
+  /// none, and neither does an empty name.
   explicit TlsContext(const std::string& certificate_file);
   ~TlsContext();
   TlsContext(const TlsContext&) = delete;
   TlsContext& operator=(const TlsContext&) = delete;
 
-  /// A client's end of a connection whose handshake has not begun. The check must outlive it.
+  /// The client's end of a connection whose handshake has not begun; it asks for the server by
+  /// name. Its handshake fails, and tells the server why, when the check finds a fault. The check
+  /// must outlive it. Throws std::bad_alloc.
   SslPtr NewConnection(CertificateCheck& check);
 
  private:

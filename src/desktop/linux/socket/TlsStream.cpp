@@ -48,7 +48,10 @@ void TlsStream::BytesArrived(std::string_view bytes) {
   if (!std::exchange(heard_, true) && !LooksLikeTls(bytes)) {
     return Abort(kSocketConnectionAborted, Text(kNoTlsMessage));
   }
-  BIO_write(in_, bytes.data(), static_cast<int>(bytes.size()));
+  const int size = static_cast<int>(bytes.size());
+  if (BIO_write(in_, bytes.data(), size) != size) {
+    return Abort(kSocketNoMemory, SocketErrorText(kSocketNoMemory));
+  }
   phase_ == Phase::kOpen ? Decrypt() : Handshake();
 }
 

@@ -52,7 +52,7 @@ class TlsStream final : public StreamListener {
   SslPtr ssl_;
   BIO* in_ = nullptr;              // owned by ssl_: records that have arrived
   BIO* out_ = nullptr;             // owned by ssl_: records to be sent
-  std::unique_ptr<char[]> plain_;  // what one call of the listener gets
+  std::unique_ptr<char[]> plain_;  // bytes for one call of the listener
 };
 
 }  // namespace vesko

@@ -15,7 +15,7 @@ void EventSources::Remove(const Source& source) {
   }
 }
 
-// By position, for what is delivered may bring or take sources.
+// By position, because a delivery may add or remove sources.
 bool EventSources::Deliver() {
   bool delivered = false;
   for (size_t i = 0; i < sources_.size(); ++i) delivered |= sources_[i]->Deliver();

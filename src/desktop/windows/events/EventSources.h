@@ -6,38 +6,39 @@
 
 namespace vesko {
 
-/// What a thread waits for beside its messages. To ask a source, or to wait for its event alone,
-/// costs far less than a message does on its way into the queue and out of it. One thread.
+/// What a thread waits for beside its messages. Asking a source, or waiting for its event alone,
+/// costs far less than sending a message through the queue. For one thread.
 class EventSources {
  public:
   class Source {
    public:
     virtual ~Source() = default;
 
-    /// Delivers one thing that is there. False when there is nothing.
+    /// Delivers one thing, if there is any. Returns whether there was.
     virtual bool Deliver() = 0;
   };
 
-  /// The event, which resets itself, is to be set when something comes to be delivered. It may be
-  /// set once for several things, and for what has been delivered already.
+  /// The auto-reset event is to be set when there is something to deliver. It may be set once for
+  /// several things, and for something that has been delivered already. Both must live until
+  /// Remove.
   void Add(Source& source, HANDLE event);
   void Remove(const Source& source);
 
-  /// Asks every source, its event set or not. False when none had anything.
+  /// Asks every source, whether its event is set or not. Returns whether any delivered something.
   bool Deliver();
 
-  /// Waits for the first event and lets its source deliver. False when there was no event in time
-  /// or nothing behind it.
+  /// Waits for the first event and lets its source deliver. Returns false when no event came in
+  /// time or its source had nothing.
   bool DeliverWithin(DWORD milliseconds);
 
-  /// The same, but a message ends the waiting as well. To be called when Deliver had nothing.
+  /// The same, but a message ends the waiting too. To be called when Deliver has returned false.
   bool DeliverUnlessMessage(DWORD milliseconds);
 
  private:
   bool DeliverSignalled(DWORD outcome);
 
   std::vector<Source*> sources_;
-  std::vector<HANDLE> events_;  // theirs
+  std::vector<HANDLE> events_;  // of the sources, in the same order
 };
 
 }  // namespace vesko

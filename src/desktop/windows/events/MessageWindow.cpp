@@ -2,8 +2,8 @@
 
 namespace vesko {
 
-// A class of our own would have to be registered and, before the library is unloaded, taken back: a
-// system class with our procedure leaves nothing behind.
+// A window class of our own would have to be unregistered before the library is unloaded. A system
+// class with our procedure leaves nothing behind.
 MessageWindow::MessageWindow(Handler handler)
     : handler_(std::move(handler)),
       window_(CreateWindowExW(0, L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,

@@ -7,18 +7,19 @@
 
 namespace vesko {
 
-/// A window that nobody sees: what is posted to it comes by the message pump of the thread that
+/// An invisible window. Messages posted to it are handled by the message pump of the thread that
 /// made it. Must not be destroyed from within its handler.
 class MessageWindow {
  public:
   using Handler = std::function<void(UINT message, WPARAM wparam, LPARAM lparam)>;
 
-  /// The handler gets the messages from WM_APP on.
+  /// The handler gets the messages from WM_APP on; the system deals with the others.
   explicit MessageWindow(Handler handler);
   ~MessageWindow() { DestroyWindow(window_); }
   MessageWindow(const MessageWindow&) = delete;
   MessageWindow& operator=(const MessageWindow&) = delete;
 
+  /// Where to post to; from any thread. Valid until this object is destroyed.
   HWND Get() const { return window_; }
 
  private:

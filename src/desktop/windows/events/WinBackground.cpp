@@ -7,7 +7,7 @@ namespace {
 
 constexpr UINT kFinished = WM_APP;
 
-// The library that holds this code; as often as it is taken it stays loaded.
+// Adds a reference to the library that holds this code, which keeps it loaded.
 HMODULE TakeThisModule() {
   HMODULE module = nullptr;
   GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
@@ -22,7 +22,7 @@ struct WinBackground::Task {
   WPARAM number;
   HMODULE module;
   SRWLOCK lock = SRWLOCK_INIT;
-  HWND window;  // null when cancelled; a window that is gone may have lent its handle to another
+  HWND window;  // null when cancelled, since the handle of a destroyed window may be used again
 
   void Tell(HWND whom) {
     AcquireSRWLockExclusive(&lock);
@@ -71,7 +71,7 @@ DWORD WINAPI WinBackground::Run(void* task) {
   (*owned)->work();
   (*owned)->Finish();
   delete owned;
-  // The host may have let go of the library while this ran: then this is its last code.
+  // The host may have released the library meanwhile: this may be the last code of it to run.
   FreeLibraryAndExitThread(module, 0);
 }
 

@@ -10,7 +10,8 @@
 
 namespace vesko {
 
-/// Background on the messages of a thread.
+/// Background whose `done` comes with the messages of a thread. Each piece of work has a thread of
+/// its own, which keeps the library loaded until it ends.
 class WinBackground final : public Background {
  public:
   WinBackground();
@@ -26,7 +27,7 @@ class WinBackground final : public Background {
   void Finished(WPARAM number);
 
   MessageWindow window_;
-  std::shared_ptr<Task> task_;
+  std::shared_ptr<Task> task_;  // shared with the thread; null when there is nothing to come
   std::function<void()> done_;
   WPARAM number_ = 0;  // of the last task; tells its end from that of an earlier one
 };

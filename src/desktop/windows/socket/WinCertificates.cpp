@@ -39,7 +39,7 @@ void AddPem(HCERTSTORE store, std::string_view pem) {
                                    CERT_STORE_ADD_USE_EXISTING, nullptr);
 }
 
-// In memory: the certificates of the file.
+// A store in memory with the certificates of the file.
 StorePtr ReadAuthorities(const std::string& file_name) {
   StorePtr store(CertOpenStore(CERT_STORE_PROV_MEMORY, 0, 0, 0, nullptr));
   if (file_name.empty()) return store;
@@ -79,8 +79,8 @@ bool Holds(HCERTSTORE store, const CERT_CONTEXT& certificate) {
                                                    &certificate, nullptr)) != nullptr;
 }
 
-// The system's own judgement of everything but the name, for which it takes the common name too. An
-// authority that it does not know is accepted where `root_known`.
+// The system's own check of everything but the name, where it would accept a common name. It
+// ignores an unknown authority if `root_known`.
 DWORD PolicyError(const CERT_CHAIN_CONTEXT& chain, bool root_known) {
   SSL_EXTRA_CERT_CHAIN_POLICY_PARA server{};
   server.cbSize = sizeof server;
@@ -97,7 +97,7 @@ DWORD PolicyError(const CERT_CHAIN_CONTEXT& chain, bool root_known) {
   return asked ? status.dwError : static_cast<DWORD>(TRUST_E_FAIL);
 }
 
-// Some systems' policies overlook faults that the chain has noted.
+// The policy of some systems (Wine for one) overlooks faults that the chain has noted.
 DWORD ChainError(const CERT_CHAIN_CONTEXT& chain, bool root_known) {
   const DWORD status = chain.TrustStatus.dwErrorStatus;
   if (status & CERT_TRUST_IS_PARTIAL_CHAIN) return static_cast<DWORD>(CERT_E_CHAINING);

@@ -18,6 +18,7 @@ struct CertificateDeleter {
     CertFreeCertificateContext(certificate);
   }
 };
+/// A certificate of the system's library; it is read-only, so threads may share it.
 using CertificatePtr = std::unique_ptr<const CERT_CONTEXT, CertificateDeleter>;
 
 /// Everything that is wrong with a server's certificate; empty when it is accepted: it must lead to

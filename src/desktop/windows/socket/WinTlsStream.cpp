@@ -180,7 +180,7 @@ void WinTlsStream::Checked(const std::vector<CertificateFault>& faults) {
   Decrypt();
 }
 
-// Best effort: a peer that does not read misses it.
+// A peer that does not read any more misses it, which does no harm.
 void WinTlsStream::SayGoodBye() {
   DWORD shutdown = SCHANNEL_SHUTDOWN;
   SecBuffer in[] = {{sizeof shutdown, SECBUFFER_TOKEN, &shutdown}};
@@ -217,8 +217,8 @@ SECURITY_STATUS WinTlsStream::DecryptRecord(std::string& plain) {
     }
   }
   KeepTail(*tail);
-  // Wine does not report the end of TLS, but passes over the alert that says so. Other alerts that
-  // are no errors do not occur here.
+  // Wine does not report a close_notify: the record is just empty. No other alert that is not an
+  // error comes from a server.
   return status == SEC_E_OK && is_alert ? SEC_I_CONTEXT_EXPIRED : status;
 }
 

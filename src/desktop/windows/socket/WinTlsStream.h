@@ -23,6 +23,7 @@ namespace vesko {
 /// from within a call of its listener.
 class WinTlsStream final : public StreamListener {
  public:
+  /// The server to be met.
   struct Peer {
     Text host;  // as the user wrote it, for messages
     ServerIdentity server;
@@ -77,7 +78,7 @@ class WinTlsStream final : public StreamListener {
   bool has_credentials_ = false;
   bool has_context_ = false;
   SecPkgContext_StreamSizes sizes_{};
-  std::string accepted_;  // the checked certificate as it was sent
+  std::string accepted_;  // the accepted certificate, in DER
   std::string received_;  // not decrypted yet
   std::string waiting_;   // to be sent when a later handshake is over
 };
