@@ -31,6 +31,13 @@ if(VESKO_SANITIZE)
                                                  -fno-omit-frame-pointer)
   target_link_options(vesko_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(VESKO_FUZZ)
+  # Coverage everywhere, the fuzzer's main function in the targets of fuzz/ only.
+  target_compile_options(vesko_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                                                 -fno-sanitize-recover=undefined
+                                                 -fno-omit-frame-pointer)
+  target_link_options(vesko_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # vesko_layer(<name> SOURCES <file>... [USES <layer>...]): a folder below src/ as a static library.
 # Sources include the headers of other layers as "layer/Header.h"; USES names the layers that the

@@ -56,16 +56,6 @@ std::string Resolved(const std::string& program) {
   return path;
 }
 
-std::string ProgramOf(GAppInfo* application) {
-  const std::vector<std::string> words = WordsOf(g_app_info_get_commandline(application));
-  if (words.empty()) return {};
-  const std::string name = FileName(words[0]);
-  if (name == "env") return Resolved(Undressed(words));
-  if (name != "flatpak") return Resolved(words[0]);
-  const char* entry = g_desktop_app_info_get_filename(G_DESKTOP_APP_INFO(application));
-  return entry != nullptr ? Resolved(SandboxProgram(entry)) : std::string();
-}
-
 /// The desktop's applications for mailto links, the most wanted first.
 std::vector<Application> MailtoApplications() {
   std::vector<Application> applications;
@@ -81,6 +71,16 @@ std::vector<Application> MailtoApplications() {
 }
 
 }  // namespace
+
+std::string ProgramOf(GAppInfo* application) {
+  const std::vector<std::string> words = WordsOf(g_app_info_get_commandline(application));
+  if (words.empty()) return {};
+  const std::string name = FileName(words[0]);
+  if (name == "env") return Resolved(Undressed(words));
+  if (name != "flatpak") return Resolved(words[0]);
+  const char* entry = g_desktop_app_info_get_filename(G_DESKTOP_APP_INFO(application));
+  return entry != nullptr ? Resolved(SandboxProgram(entry)) : std::string();
+}
 
 std::string MailtoProgram() {
   for (const Application& application : MailtoApplications()) {
