@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "VeskoEx/VeskoEx.h"
+#include "base/Ascii.h"
 #include "base/RunTimeError.h"
 #include "component/Hresult.h"
 #include "component/cVeskoEx.h"
@@ -30,11 +31,9 @@ constexpr std::array<Member, 6> kMembers = {{
     {kViewMail, u"ViewMail", DISPATCH_METHOD, 0},
 }};
 
-char16_t Lower(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c; }
-
 bool SameName(TextView left, TextView right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](char16_t a, char16_t b) { return Lower(a) == Lower(b); });
+                    [](char16_t a, char16_t b) { return AsciiLower(a) == AsciiLower(b); });
 }
 
 /// The system's wide character is as wide as ours, but not always the same type.

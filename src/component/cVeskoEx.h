@@ -28,12 +28,17 @@ class cVeskoEx {
   /// Face name for windows loaded from now on, and the font's handle, which is only kept.
   void SetFont(const Text& sFontName, int32_t hFont);
 
+  /// Shows the settings, their first page in front.
   void Configure();
 
   /// Minutes between automatic checks; -1: do not check automatically.
   int32_t CheckTime() const;
 
+  /// Checks every account while the progress window is shown, and then shows the list where there
+  /// is unread mail. Without an account it offers the settings first.
   void CheckMail();
+
+  /// Shows the fetched messages, or offers a check where there are none.
   void ViewMail();
 
  private:

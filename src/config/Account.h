@@ -9,13 +9,24 @@ namespace vesko {
 /// One POP3 account as the settings hold it. Everything is text: what a person typed or a registry
 /// holds is kept as it is until it is used. Members left out of an initializer are empty.
 struct Account {
-  Text name{};  // shown in lists
+  /// Shown in lists.
+  Text name{};
+
+  /// The host, by name or address, and whom it knows there.
   Text server{};
   Text user{};
-  Text password{};       // scrambled, see mmEncrypt.h
-  Text port{};           // decimal
-  Text save_password{};  // decimal: 0 off, any other number on
-  Text unstored{};       // the seventh field of a record, which the registry does not keep
+
+  /// Scrambled, see mmEncrypt.h.
+  Text password{};
+
+  /// Decimal.
+  Text port{};
+
+  /// Decimal: 0 off, any other number on.
+  Text save_password{};
+
+  /// The seventh field of a record, which the registry does not keep.
+  Text unstored{};
 
   /// Splits a record at CR LF. Missing fields are empty and surplus ones are ignored; never fails.
   static Account FromRecord(TextView record);

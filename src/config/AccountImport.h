@@ -16,7 +16,7 @@ namespace vesko {
 std::optional<ForeignAccount> ImportAccount(int32_t k, HiveValues& user_values, Shell& shell);
 
 /// The existing program that mailto links start, or empty text: by the machine's hive, or by the
-/// desktop where that does not say. Raises nothing.
+/// desktop where that does not say. Throws nothing.
 Text DefaultMailClient(HiveValues& machine_values, const Locale& locale, Shell& shell);
 
 }  // namespace vesko

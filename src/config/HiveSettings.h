@@ -7,13 +7,14 @@
 
 namespace vesko {
 
-/// The settings as one key of a hive and its numbered sub-keys hold them. What fails is skipped;
-/// HiveValues::Failure tells of it.
+/// The settings as one key of a hive and its numbered sub-keys hold them. Nothing here throws: what
+/// fails is skipped, and HiveValues::Failure tells of it.
 class HiveSettings {
  public:
   /// The values must outlive the object.
   HiveSettings(HiveValues& values, TextView key) : values_(values), key_(key) {}
 
+  /// Whether there is such a key, be it empty.
   bool Exist() const { return values_.KeyExists(key_); }
 
   /// Replaces everything but the mail program. A missing value is its default; a number stored as

@@ -9,7 +9,7 @@
 
 namespace vesko {
 
-/// Reads and writes single values of one hive, each by its key and name. Nothing here raises unless
+/// Reads and writes single values of one hive, each by its key and name. Nothing here throws unless
 /// it says so: what cannot be read is its default, what cannot be written or deleted is skipped,
 /// and Failure tells of it afterwards.
 class HiveValues {

@@ -15,6 +15,7 @@ class SaveJournal {
 
   /// The settings that count: those of a journal whose save did not come to its end, or those of
   /// the key.
+  /// HiveValues::Failure tells where that cannot be known. Nothing is written.
   const HiveSettings& Current();
 
   /// Completes a save that did not come to its end, then saves. Nothing has changed where

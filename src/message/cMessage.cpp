@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/Ascii.h"
 #include "base/RunTimeError.h"
 #include "message/DisplayDate.h"
 #include "message/cEncode.h"
@@ -50,14 +51,10 @@ constexpr KnownField kKnownFields[] = {
 constexpr size_t kFieldCount = std::size(kKnownFields);
 constexpr size_t kLongestName = std::size(u"return-path") - 1;
 
-char16_t LowerAscii(char16_t c) {
-  return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-}
-
 // `lower` is 7-bit text in lower case.
 bool EqualsLower(TextView text, TextView lower) {
   return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
-                    [](char16_t c, char16_t wanted) { return LowerAscii(c) == wanted; });
+                    [](char16_t c, char16_t wanted) { return AsciiLower(c) == wanted; });
 }
 
 const KnownField* FindField(TextView name) {

@@ -69,7 +69,7 @@ class Locale {
   /// for a byte that starts no character).
   virtual int TrailBytes(uint8_t lead) const = 0;
 
-  /// One character from its lead and trail bytes. Raises run-time error 5 where the code page has
+  /// One character from its lead and trail bytes. Throws run-time error 5 where the code page has
   /// no such character.
   virtual Text Character(std::string_view bytes) const = 0;
 

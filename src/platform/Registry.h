@@ -7,12 +7,13 @@
 
 namespace vesko {
 
-/// Predefined root keys.
+/// Predefined root keys, each the top of a hive; a desktop need not have the first.
 inline constexpr int32_t kClassesRoot = static_cast<int32_t>(0x80000000);
 inline constexpr int32_t kCurrentUser = static_cast<int32_t>(0x80000001);
 inline constexpr int32_t kLocalMachine = static_cast<int32_t>(0x80000002);
 
-/// Value types.
+/// Value types. Text ends with a NUL, and text of several lines with two; a DWORD is four bytes,
+/// the least significant one first.
 inline constexpr uint32_t kRegSz = 1;
 inline constexpr uint32_t kRegExpandSz = 2;
 inline constexpr uint32_t kRegBinary = 3;
@@ -20,12 +21,12 @@ inline constexpr uint32_t kRegDword = 4;
 inline constexpr uint32_t kRegDwordBigEndian = 5;
 inline constexpr uint32_t kRegMultiSz = 7;
 
-/// Access rights.
+/// Access rights that a key is opened with.
 inline constexpr uint32_t kKeyQueryValue = 0x01;
 inline constexpr uint32_t kKeyEnumerateSubKeys = 0x08;
 inline constexpr uint32_t kKeyAllAccess = 0x3F;
 
-/// Status codes.
+/// Status codes, the system's own numbers. A desktop may return others, all of them failures.
 inline constexpr int32_t kStatusSuccess = 0;
 inline constexpr int32_t kStatusFileNotFound = 2;
 inline constexpr int32_t kStatusAccessDenied = 5;
@@ -63,7 +64,7 @@ class RegistryTransaction {
 
 /// The registry, byte level: names and data are bytes in the registry's code page, paths have
 /// backslashes and no leading one, names compare without case. Every operation returns one of the
-/// status codes and raises nothing but std::bad_alloc; outputs are set on kStatusSuccess only,
+/// status codes and throws nothing but std::bad_alloc; outputs are set on kStatusSuccess only,
 /// unless it says otherwise. Where another process holds a hive, an operation waits for it, but no
 /// longer than five seconds, and all operations together no longer than that while a transaction
 /// of any hive lives; then it returns kStatusBusy.
@@ -77,6 +78,7 @@ class Registry {
   /// Opens a key for all access and creates it, with the keys above it, where it is missing.
   virtual int32_t CreateKey(int32_t root, std::string_view path, KeyHandle& key) = 0;
 
+  /// The handle must not be used afterwards. kNoKey is closed already.
   virtual void CloseKey(KeyHandle key) = 0;
 
   /// Type and data of a value; the empty name is the key's unnamed value. Text data come as they
@@ -84,6 +86,8 @@ class Registry {
   virtual int32_t QueryValue(KeyHandle key, std::string_view name, uint32_t& type,
                              std::string& data) = 0;
 
+  /// Sets type and data of a value, which is created where it is missing. Data are not checked
+  /// against the type.
   virtual int32_t SetValue(KeyHandle key, std::string_view name, uint32_t type,
                            std::string_view data) = 0;
 
@@ -96,6 +100,8 @@ class Registry {
   virtual int32_t DeleteKey(int32_t root, std::string_view path) = 0;
   virtual int32_t DeleteValue(KeyHandle key, std::string_view name) = 0;
 
+  /// Begins a transaction of one hive, which must end before the registry does. Never fails: where
+  /// the hive cannot be had, its operations and Commit say so.
   virtual std::unique_ptr<RegistryTransaction> BeginTransaction(int32_t root,
                                                                 TransactionKind kind) = 0;
 
@@ -107,7 +113,7 @@ class Registry {
   virtual std::string ExpandEnvironment(std::string_view text) = 0;
 };
 
-/// Closes a key at its end. A status other than kStatusSuccess means that no key is open.
+/// Holds one open key at most and closes it at its end. The registry must outlive it.
 class RegistryKey {
  public:
   explicit RegistryKey(Registry& registry) : registry_(registry) {}
@@ -115,6 +121,8 @@ class RegistryKey {
   RegistryKey(const RegistryKey&) = delete;
   RegistryKey& operator=(const RegistryKey&) = delete;
 
+  /// As the registry's operations of these names. Close what was open before; after a failure no
+  /// key is open.
   int32_t Open(int32_t root, std::string_view path, uint32_t access) {
     Close();
     return registry_.OpenKey(root, path, access, handle_);
@@ -124,6 +132,7 @@ class RegistryKey {
     return registry_.CreateKey(root, path, handle_);
   }
 
+  /// kNoKey where no key is open.
   KeyHandle Handle() const { return handle_; }
 
  private:

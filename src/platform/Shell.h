@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/Text.h"
+#include "platform/Socket.h"
 
 namespace vesko {
 
@@ -15,7 +16,7 @@ struct ForeignAccount {
   Text name;
   Text server;
   Text user;
-  int32_t port = 110;
+  int32_t port = kPop3Port;
 };
 
 /// Files, programs and the component's own place.
@@ -27,7 +28,7 @@ class Shell {
   virtual std::optional<uint32_t> FileAttributes(const Text& path) = 0;
 
   /// Starts a program file with a normal window, without a shell in between and without waiting.
-  /// Raises run-time error 53 (file not found) where it cannot be started.
+  /// Throws run-time error 53 (file not found) where it cannot be started.
   virtual void Start(const Text& program) = 0;
 
   /// Folder of the component's own file, without a separator at its end.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "base/Ascii.h"
+
 namespace vesko {
 namespace {
 
@@ -17,10 +19,7 @@ int16_t ParseCount(const Text& reply) {
   return ToInt16(TextView(reply).substr(kCountStart, space - kCountStart));
 }
 
-bool EqualLetters(char16_t a, char16_t b) {
-  const auto lower = [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 32 : c + 0; };
-  return lower(a) == lower(b);
-}
+bool EqualLetters(char16_t a, char16_t b) { return AsciiLower(a) == AsciiLower(b); }
 
 /// The text with asterisks for every occurrence of a secret, in capitals or not: some servers
 /// repeat the command that they refuse.

@@ -169,22 +169,5 @@ TEST_F(mRegistryTest, PasswordsAreStoredOnlyWhereTheSwitchIsOn) {
   EXPECT_EQ(User(2, "Account Name"), "short");
 }
 
-TEST_F(mRegistryTest, EveryFailureIsSkipped) {
-  Configuration two = WithAccounts(std::vector<Text>(2, Record(u"a", u"", u"110", u"0")));
-  for (RegistryCall call :
-       {RegistryCall::kOpenKey, RegistryCall::kCreateKey, RegistryCall::kQueryValue,
-        RegistryCall::kSetValue, RegistryCall::kDeleteKey}) {
-    for (int n = 1; n <= 12; ++n) {
-      store_.Save(two);
-      memory_.Fail(call, n % 2 ? kStatusWriteFault : -1, n);
-      store_.Save(WithAccounts({Record(u"b", u"", u"110", u"0")}));
-      EXPECT_EQ(memory_.Show(kLocalMachine, AccountKey(1), "Account Name"), "b");
-      memory_.Fail(call, kStatusRegistryCorrupt, n);
-      EXPECT_LE(Load().Accounts.Count(), 2);
-      memory_.HealAll();
-    }
-  }
-}
-
 }  // namespace
 }  // namespace vesko

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <optional>
 
+#include "config/HiveSettings.h"
 #include "config/mRegistry.h"
 #include "desktop/RegistryFixture.h"
 #include "support/FakeShell.h"
@@ -16,6 +16,9 @@ namespace {
 constexpr int32_t kStatuses[] = {kStatusAccessDenied,    kStatusBusy,
                                  kStatusDiskFull,        kStatusWriteFault,
                                  kStatusRegistryCorrupt, -1};
+
+constexpr char16_t kSettingsKey[] = u"SOFTWARE\\Quarnel\\Config\\Email Accounts";
+constexpr char16_t kJournalKey[] = u"SOFTWARE\\Quarnel\\Config\\Email Accounts Pending";
 
 struct Port {
   const char* name;
@@ -65,9 +68,7 @@ class SettingsFaultTest : public testing::TestWithParam<Port> {
     return Shown(configuration);
   }
   bool HasJournal() {
-    RegistryKey key(*real_);
-    return key.Open(kCurrentUser, "SOFTWARE\\Quarnel\\Config\\Email Accounts Pending",
-                    kKeyQueryValue) == kStatusSuccess;
+    return HiveValues(*real_, *locale_, shell_, kCurrentUser).KeyExists(kJournalKey);
   }
 
   /// Runs the step once for each of its calls, which fails once and from then on, and after each
@@ -113,16 +114,18 @@ class SettingsFaultTest : public testing::TestWithParam<Port> {
     }
   }
 
-  void Renew() {
-    real_.reset();
-    folder_.emplace();
-    real_ = GetParam().make(*folder_);
+  /// As before the first start.
+  void Forget() {
+    const auto transaction = real_->BeginTransaction(kCurrentUser, TransactionKind::kWrite);
+    HiveValues values(*real_, *locale_, shell_, kCurrentUser);
+    for (const char16_t* key : {kSettingsKey, kJournalKey}) HiveSettings(values, key).Delete();
+    ASSERT_EQ(transaction->Commit(), kStatusSuccess);
   }
 
-  std::optional<TempFolder> folder_{std::in_place};
+  TempFolder folder_;
   FakeShell shell_;
   std::unique_ptr<Locale> locale_ = MakeTestLocale();
-  std::unique_ptr<Registry> real_ = GetParam().make(*folder_);
+  std::unique_ptr<Registry> real_ = GetParam().make(folder_);
   const Configuration old_ = WithAccounts({u"one", u"two", u"three"});
   const Configuration new_ = WithAccounts({u"one", u"three"});
 };
@@ -177,8 +180,8 @@ TEST_P(SettingsFaultTest, AFirstStartThatFailsIsTriedAgain) {
     EXPECT_EQ(configuration.AccountAt(1).name, u"Mail");
     EXPECT_EQ(configuration.SpamSubjects, (std::vector<Text>{u"ILOVEYOU", u"MELISSA"}));
   };
-  ForEachFault([&] { Renew(); }, start, check);
-  ForEachKill([&] { Renew(); }, start, check);
+  ForEachFault([&] { Forget(); }, start, check);
+  ForEachKill([&] { Forget(); }, start, check);
 }
 
 INSTANTIATE_TEST_SUITE_P(Ports, SettingsFaultTest, testing::ValuesIn(kPorts),

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <iterator>
 
+#include "base/Ascii.h"
+
 namespace vesko {
 namespace {
-
-char Fold(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
 std::string_view Leaf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
 
@@ -25,7 +25,7 @@ bool MemoryRegistry::NameLess::operator()(std::string_view a, std::string_view b
   const char* right = b.data();
   for (size_t i = 0; i < length; ++i) {
     if (left[i] == right[i]) continue;
-    const char x = Fold(left[i]), y = Fold(right[i]);
+    const char x = AsciiLower(left[i]), y = AsciiLower(right[i]);
     if (x != y) return x < y;
   }
   return a.size() < b.size();
@@ -203,7 +203,8 @@ std::vector<std::string> MemoryRegistry::SubKeys(const Place& place) const {
   const auto& [root, parent] = place;
   std::vector<std::string> names;
   for (const auto& [path, values] : hives_.at(root).keys) {
-    if (std::ranges::equal(Parent(path), parent, {}, Fold, Fold)) names.emplace_back(Leaf(path));
+    if (std::ranges::equal(Parent(path), parent, {}, AsciiLower<char>, AsciiLower<char>))
+      names.emplace_back(Leaf(path));
   }
   return names;
 }

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/Ascii.h"
+
 namespace vesko {
 namespace {
 
@@ -42,11 +44,9 @@ std::optional<DerValue> TakeValue(std::string_view& der) {
   return value;
 }
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 bool SameName(std::string_view left, std::string_view right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](char l, char r) { return Lower(l) == Lower(r); });
+                    [](char l, char r) { return AsciiLower(l) == AsciiLower(r); });
 }
 
 std::string_view WithoutFinalDot(std::string_view name) {

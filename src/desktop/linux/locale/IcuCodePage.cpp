@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <stdexcept>
 
 #include "base/RunTimeError.h"
 
@@ -52,7 +51,7 @@ void ReplaceUnmappable(const void*, UConverterFromUnicodeArgs* args, const UChar
 ConverterPtr OpenConverter(int number) {
   UErrorCode status = U_ZERO_ERROR;
   ConverterPtr converter(ucnv_open(FindCodePage(number).converter, &status));
-  if (U_FAILURE(status)) throw std::runtime_error("ICU lacks a code page");
+  if (U_FAILURE(status)) throw RunTimeError(kInvalidProcedureCall);
   ucnv_setToUCallBack(converter.get(), ReplaceMalformed, nullptr, nullptr, nullptr, &status);
   ucnv_setFromUCallBack(converter.get(), ReplaceUnmappable, nullptr, nullptr, nullptr, &status);
   return converter;

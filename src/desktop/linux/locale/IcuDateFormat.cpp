@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cfloat>
-#include <stdexcept>
+
+#include "base/Ascii.h"
+#include "base/RunTimeError.h"
 
 namespace vesko {
 namespace {
@@ -32,7 +34,7 @@ IcuDateFormat::IcuDateFormat(const icu::Locale& locale, Kind kind)
     : format_(kind == Kind::kDate
                   ? icu::DateFormat::createDateInstance(icu::DateFormat::kShort, locale)
                   : icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale)) {
-  if (!format_) throw std::runtime_error("ICU lacks its date formats");
+  if (!format_) throw RunTimeError(kInvalidProcedureCall);
   format_->adoptTimeZone(icu::TimeZone::getGMT()->clone());
   auto* simple = dynamic_cast<icu::SimpleDateFormat*>(format_.get());
   if (simple == nullptr) return;
@@ -48,7 +50,7 @@ bool IcuDateFormat::TakeApart(const icu::UnicodeString& pattern) {
   Text text = PlainSpaces(pattern);
   for (size_t i = 0; i < text.size();) {
     char16_t c = text[i];
-    bool is_letter = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+    const bool is_letter = IsAsciiLetter(c);
     if (c == u'\'' || (is_letter && kFields.find(c) == TextView::npos)) return false;
     size_t end = is_letter ? std::min(text.find_first_not_of(c, i), text.size()) : i + 1;
     pieces_.push_back({is_letter ? c : u'\0', static_cast<int>(end - i), text.substr(i, end - i)});

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Ascii.h"
 #include "desktop/common/DateText.h"
 #include "desktop/linux/LinuxDesktop.h"
 #include "desktop/linux/locale/IcuCodePage.h"
@@ -65,15 +66,11 @@ icu::UnicodeString Alias(TextView text) {
 
 Text Copy(const icu::UnicodeString& text) { return Text(text.getBuffer(), text.length()); }
 
-char16_t FoldAscii(char16_t c) {
-  return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-}
-
 Text FoldSimply(TextView text) {
   Text folded(text);
   for (size_t i = 0; i < folded.size();) {
     if (folded[i] < 128) {
-      folded[i] = FoldAscii(folded[i]);
+      folded[i] = AsciiLower(folded[i]);
       ++i;
       continue;
     }
@@ -210,8 +207,7 @@ class IcuLocale : public Locale {
 int CodePageOfCodeSet(std::string_view code_set) {
   std::string name;
   for (char c : code_set) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    if ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')) name += c;
+    if (IsAsciiLetter(c) || (c >= '0' && c <= '9')) name += AsciiUpper(c);
   }
   for (const auto& entry : kCodeSets) {
     if (entry.code_set == name) return entry.code_page;

@@ -205,7 +205,7 @@ int32_t Hive::BeginOnce(const char* begin) {
 }
 
 /// What fails an operation fails the whole transaction, lest half of it be read or stored; that
-/// something does not exist is no failure. Returns the status.
+/// something does not exist is no failure.
 int32_t Hive::Noted(int32_t status) {
   const bool failed = status != kStatusSuccess && status != kStatusFileNotFound &&
                       status != kStatusNoMoreItems && status != kStatusKeyDeleted;
@@ -213,7 +213,6 @@ int32_t Hive::Noted(int32_t status) {
   return status;
 }
 
-/// The same for what a statement returned, with which the hive has answered.
 int32_t Hive::Answered(int32_t status) {
   if (status != kStatusBusy) gave_up_ = false;
   return Noted(status);

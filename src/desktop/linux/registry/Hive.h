@@ -25,17 +25,24 @@ class Hive {
   Hive(const Hive&) = delete;
   Hive& operator=(const Hive&) = delete;
 
+  /// The row of a key; the empty path is the root. MakePath adds what is missing of the path.
   int32_t FindPath(std::string_view path, int64_t& row);
   int32_t MakePath(std::string_view path, int64_t& row);
+
+  /// The root and keys with sub-keys cannot be removed: kStatusAccessDenied.
   int32_t RemoveKey(std::string_view path);
+
+  /// Sub-keys are counted from 0 by name.
   int32_t NthKey(int64_t key, uint32_t n, std::string& name);
 
+  /// Values of a key. To set one, the key must still exist, or kStatusKeyDeleted.
   int32_t Query(int64_t key, std::string_view name, uint32_t& type, std::string& data);
   int32_t Set(int64_t key, std::string_view name, uint32_t type, std::string_view data);
   int32_t RemoveValue(int64_t key, std::string_view name);
   int32_t NthValue(int64_t key, uint32_t n, std::string& name);
 
-  /// A transaction starts on the file with its first operation: until then there may be no file.
+  /// As RegistryTransaction says. A transaction starts on the file with its first operation: until
+  /// then there may be no file. Each Begin needs its End; Commit stores, End alone drops.
   void BeginTransaction(TransactionKind kind);
   int32_t Commit();
   void EndTransaction();
@@ -56,14 +63,21 @@ class Hive {
   };
   static const std::array<const char*, kSqlCount> kSql;
 
+  /// To be called before the statements of an operation: they open the file where it is not open,
+  /// and begin the transaction on it where one is due.
   int32_t ForReading();
   int32_t ForWriting();
   int32_t PrepareRead();
   int32_t PrepareWrite();
   int32_t BeginOnce(const char* begin);
+
+  /// Both keep what the status says of the transaction, and return it. The second is for what a
+  /// statement returned, with which the hive has answered.
   int32_t Noted(int32_t status);
   int32_t Answered(int32_t status);
 
+  /// The file: what was replaced is closed; what is missing is kStatusFileNotFound for a reader
+  /// and created for a writer.
   void DropStale();
   int32_t OpenForReading();
   int32_t OpenForWriting();
@@ -72,6 +86,7 @@ class Hive {
   int32_t Version(int& version);
   void Close();
 
+  /// Waiting for other processes. False where there is no use in more of it.
   bool Wait();
   template <typename Step>
   int32_t WaitWhileBusy(Step&& step);
@@ -88,14 +103,21 @@ class Hive {
   Patience& patience_;
   sqlite3* connection_ = nullptr;
   std::array<sqlite3_stmt*, kSqlCount> statements_{};
-  FileState state_;         // of the file that is open
-  bool immutable_ = false;  // open as it stands, without its log
-  bool gave_up_ = false;    // waited in vain, and it has not answered since
 
-  int depth_ = 0;  // of nested transactions
+  /// Of the file that is open.
+  FileState state_;
+
+  /// Open as it stands, without its log and for reading only.
+  bool immutable_ = false;
+
+  /// Waited for in vain, and it has not answered since.
+  bool gave_up_ = false;
+
+  /// Of the transaction, and how many are nested. It fails as a whole, with the first failure.
+  int depth_ = 0;
   TransactionKind kind_ = TransactionKind::kRead;
   bool begun_ = false;
-  int32_t failure_ = kStatusSuccess;  // of the transaction
+  int32_t failure_ = kStatusSuccess;
 };
 
 }  // namespace vesko

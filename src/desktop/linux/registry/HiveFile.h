@@ -8,13 +8,15 @@
 
 namespace vesko {
 
-/// Which file a path names, and which state of it.
+/// Which file a path names, and which state of it: by this a connection learns that its file was
+/// removed, replaced or changed by others.
 struct FileState {
   dev_t device = 0;
   ino_t inode = 0;
   off_t size = 0;
   int64_t modified = 0;  // nanoseconds
 
+  /// The same file, whatever was written to it since.
   bool SameFile(const FileState& other) const {
     return device == other.device && inode == other.inode;
   }
@@ -30,6 +32,7 @@ class HiveFile {
   /// A folder without a separator at its end.
   explicit HiveFile(std::string folder);
 
+  /// The database file, which need not exist.
   const std::string& Path() const { return path_; }
 
   /// The path as the name of a database that nobody changes while it is open.

@@ -13,14 +13,15 @@ class Patience {
   /// An empty function means to sleep.
   explicit Patience(PassTime pass_time);
 
-  /// Pairs nest; the outermost one counts.
+  /// The beginning and end of what is waited for together. Pairs nest; the outermost one counts.
   void Enter();
   void Leave() { --depth_; }
 
   /// To be called at the beginning of every operation.
   void BeginOperation();
 
-  /// Lets some time pass, a little at first and more later. False, at once, when all is used up.
+  /// Lets some time pass, a few milliseconds at first and up to fifty later. False, at once, when
+  /// all is used up.
   bool Wait();
 
  private:

@@ -8,10 +8,12 @@
 
 namespace vesko {
 
-/// One use of a prepared statement; leaves it ready for the next one.
+/// One use of a prepared statement: its parameters are bound in their order, it is stepped, and its
+/// end leaves it ready for the next use. What goes wrong on the way comes out at Step.
 class Statement {
  public:
-  /// `statement` may be null: it could not be prepared, for the reason `code`.
+  /// The statement is not owned and must outlive the use. It may be null: then it could not be
+  /// prepared, for the reason `code`.
   Statement(sqlite3_stmt* statement, int code) : statement_(statement), code_(code) {}
   ~Statement() {
     if (!statement_) return;
@@ -21,7 +23,8 @@ class Statement {
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
 
-  /// Each gives the next parameter its value. Text and data must outlive the use.
+  /// Each gives the next parameter its value. Names and data are not copied and must outlive the
+  /// use.
   Statement& Bind(int64_t number) {
     if (statement_) Note(sqlite3_bind_int64(statement_, ++bound_, number));
     return *this;
@@ -42,10 +45,11 @@ class Statement {
     return *this;
   }
 
-  /// SQLITE_ROW, SQLITE_DONE or what went wrong.
+  /// SQLITE_ROW where there is a row, SQLITE_DONE where there is none or no more, or the first
+  /// thing that went wrong.
   int Step() { return code_ == SQLITE_OK ? sqlite3_step(statement_) : code_; }
 
-  /// Columns of the row that Step reached.
+  /// Columns of the row that Step reached, counted from 0. Precondition: there is one.
   int64_t Number(int column) const { return sqlite3_column_int64(statement_, column); }
   std::string Bytes(int column) const {
     auto* data = static_cast<const char*>(sqlite3_column_blob(statement_, column));

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "desktop/linux/shell/IniFile.h"
+#include "platform/Socket.h"
 
 namespace vesko {
 namespace {
@@ -14,8 +15,6 @@ namespace {
 constexpr size_t kLargestPreferences = 16 << 20;
 constexpr size_t kLongestValue = 4096;
 constexpr size_t kMostAccounts = 1000;
-constexpr int32_t kPlainPort = 110;
-constexpr int32_t kTlsPort = 995;
 constexpr std::string_view kTlsSocketType = "3";
 
 using Preferences = std::map<std::string, std::string, std::less<>>;
@@ -128,7 +127,7 @@ int32_t PortOf(const std::string& digits, bool tls) {
   int32_t port = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), port);
   if (port >= 1 && port <= 65535) return port;
-  return tls ? kTlsPort : kPlainPort;
+  return tls ? kPop3sPort : kPop3Port;
 }
 
 /// The account on a server of the profile; nothing where it is no POP3 server with a host name.

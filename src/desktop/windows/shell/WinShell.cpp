@@ -11,8 +11,6 @@ namespace vesko {
 
 namespace {
 
-constexpr int32_t kFileNotFound = 53;
-
 const wchar_t* Wide(const Text& text) { return reinterpret_cast<const wchar_t*>(text.c_str()); }
 
 Text OwnFile() {
