@@ -1,6 +1,6 @@
 // A POP3 server that costs next to nothing, for measuring clients. It answers from memory, with one
-// blocking thread for each connection, on a free port of 127.0.0.1, which it prints. The user name is
-// the number of messages. Ends with the process that started it.
+// blocking thread for each connection, on a free port of 127.0.0.1, which it prints. The user name
+// is the number of messages. Ends with the process that started it.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
