@@ -11,16 +11,19 @@
 
 namespace vesko {
 
-/// An insertion-ordered collection with unique text keys, compared exactly. Positions count from 1.
-/// Adding, finding and removing by key, and removing the first item, take constant time on average;
-/// the first access by position after removals from the middle takes one pass.
+/// An insertion-ordered collection with unique text keys, which are compared exactly. Positions
+/// count from 1. The collection owns its values.
+///
+/// Adding, finding and removing by key, and removing the first value, take constant time on
+/// average. The first access by position after removals from the middle takes one pass over the
+/// collection.
 template <typename Value>
 class KeyedCollection {
  public:
   /// Number of values.
   size_t Count() const { return positions_.size(); }
 
-  /// Appends. Raises run-time error 457 and changes nothing when the key is already there.
+  /// Appends a value. Raises run-time error 457 and changes nothing when the key is already there.
   void Add(Value value, const Text& key) {
     if (positions_.contains(key)) throw RunTimeError(kKeyAlreadyPresent);
     slots_.push_back(Slot{key, std::move(value)});
@@ -33,33 +36,34 @@ class KeyedCollection {
     ++next_;
   }
 
-  /// The value under the key, or null. Valid until the next removal or access by position.
+  /// Returns the value under the key, or null. The pointer stays valid until the next removal or
+  /// access by position.
   const Value* Find(const Text& key) const {
     auto found = positions_.find(key);
     return found == positions_.end() ? nullptr : &*slots_[found->second - first_].value;
   }
   Value* Find(const Text& key) { return const_cast<Value*>(std::as_const(*this).Find(key)); }
 
-  /// The value at a position from 1 to Count; run-time error 9 elsewhere.
+  /// Returns the value at a position from 1 to Count. Raises run-time error 9 for any other.
   const Value& Item(size_t position) {
     if (position < 1 || position > Count()) throw RunTimeError(kSubscriptOutOfRange);
     Compact();
     return *slots_[position - 1].value;
   }
 
-  /// Removes the value under the key; false when there is none.
+  /// Removes the value under the key. Returns false when there is none.
   bool Remove(const Text& key) {
     auto found = positions_.find(key);
     if (found == positions_.end()) return false;
     slots_[found->second - first_].value.reset();
     positions_.erase(found);
     DropEmptyFront();
-    // Holes never outnumber values by much, however long the collection lives.
+    // The number of holes stays in proportion to that of values, however long the collection lives.
     if (slots_.size() > 2 * positions_.size() + kSpareHoles) Compact();
     return true;
   }
 
-  /// Removes the first value; does nothing when there is none.
+  /// Removes the first value. Does nothing when there is none.
   void RemoveFirst() {
     if (slots_.empty()) return;
     positions_.erase(slots_.front().key);
@@ -68,7 +72,7 @@ class KeyedCollection {
   }
 
   /// Calls visit(value) for each value in order; a visit that returns false ends the walk. The
-  /// collection must not change meanwhile.
+  /// collection must not be changed during the walk.
   template <typename Visit>
   void ForEach(Visit&& visit) const {
     for (const Slot& slot : slots_) {
@@ -85,6 +89,7 @@ class KeyedCollection {
   }
 
  private:
+  /// A value that was removed leaves a hole: a slot without one.
   struct Slot {
     Text key;
     std::optional<Value> value;

@@ -9,15 +9,17 @@
 
 namespace vesko {
 
+// Numbers of run-time errors, as automation clients know them.
+inline constexpr int32_t kInvalidProcedureCall = 5;
 inline constexpr int32_t kOverflow = 6;
 inline constexpr int32_t kSubscriptOutOfRange = 9;
 inline constexpr int32_t kTypeMismatch = 13;
-inline constexpr int32_t kInvalidProcedureCall = 5;
 inline constexpr int32_t kFileNotFound = 53;
 inline constexpr int32_t kKeyAlreadyPresent = 457;
 
-/// The one exception of this program: a run-time error as automation numbers them. It never leaves
-/// the component. The description never holds a password.
+/// The one exception type of this program: a run-time error as automation numbers them. It never
+/// leaves the component: the entry points turn it into an HRESULT. A negative number is an HRESULT
+/// already. Source and description may be empty; a description never holds a password.
 class RunTimeError : public std::exception {
  public:
   explicit RunTimeError(int32_t number, Text source = {}, Text description = {})
@@ -38,8 +40,9 @@ class RunTimeError : public std::exception {
   std::string what_;
 };
 
-/// Runs one step whose run-time error is ignored: the step has no effect and the caller goes on.
-/// Returns whether the step ran to its end. Other exceptions are faults of ours and pass.
+/// Runs one step and ignores a run-time error that it raises, so that the caller can go on with the
+/// next one. Returns whether the step ran to its end. Any other exception propagates: it is a bug,
+/// or memory has run out.
 template <typename Step>
 bool IgnoreErrors(Step&& step) {
   try {

@@ -2,11 +2,13 @@
 
 namespace vesko {
 
+/// Measures how long things take. It has nothing to do with the time of day.
 class Clock {
  public:
   virtual ~Clock() = default;
 
-  /// Seconds since some fixed moment, with fractions; never runs backwards.
+  /// Returns the seconds since some fixed moment, with fractions. Never runs backwards, and is not
+  /// moved by a change of the time of day.
   virtual double Seconds() const = 0;
 };
 
