@@ -49,20 +49,19 @@ TEST_F(fCheckMailTest, ShowsWhatHappensAndClosesItself) {
 }
 
 TEST_F(fCheckMailTest, AsksForWhatAnAccountLacksWithWhatItHas) {
-  machine.configuration.AddAccount({.server = u"one.example",
-                                    .password = Encrypt(u"secret", *machine.locale),
-                                    .save_password = u"1"});
+  machine.configuration.AddAccount(
+      {.user = u"ann", .password = Encrypt(u"secret", *machine.locale), .save_password = u"1"});
   machine.socket.conversations = {Mailbox({})};
   machine.toolkit.On("fPop3Site", [](Form& site) {
-    EXPECT_EQ(Read(site, "txtPop3Account(0)"), u"one.example");
-    EXPECT_EQ(Read(site, "txtPop3Account(1)"), u"");
+    EXPECT_EQ(Read(site, "txtPop3Account(0)"), u"");
+    EXPECT_EQ(Read(site, "txtPop3Account(1)"), u"ann");
     EXPECT_EQ(Read(site, "txtPop3Account(2)"), u"secret");
     EXPECT_EQ(Find<CheckBox>(site, "chkSavePassword").Value(), 1);
-    Type(site, "txtPop3Account(1)", u"ann");
+    Type(site, "txtPop3Account(0)", u"one.example");
     Press(site, "cmdOK");
   });
   Check();
-  EXPECT_EQ(machine.Account(1).user, u"ann");
+  EXPECT_EQ(machine.Account(1).server, u"one.example");
 }
 
 TEST_F(fCheckMailTest, AsksWhetherToTryAgain) {

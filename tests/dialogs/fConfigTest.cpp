@@ -257,8 +257,16 @@ TEST_F(fConfigTest, PicksFilesAndPlaysTheSound) {
   });
   EXPECT_EQ(played, std::vector<Text>{u"new.wav"});
   EXPECT_EQ(machine.configuration.DefaultEmailClient, u"client.exe");
-  EXPECT_EQ(machine.toolkit.extensions, (std::vector<Text>{u"wav", u"wav", u"exe", u"exe"}));
-  EXPECT_EQ(machine.toolkit.messages.size(), 1u) << "the help";
+  const ScriptedToolkit::Pick wave = {u"Select Wave File",
+                                      u"All Files (*.*)|*.*|Wave Files (*.wav)|*.wav", u"wav"};
+  const ScriptedToolkit::Pick program = {u"Select Default Email Client",
+                                         u"All Files (*.*)|*.*|Wave Files (*.exe)|*.exe", u"exe"};
+  EXPECT_EQ(machine.toolkit.picked,
+            (std::vector<ScriptedToolkit::Pick>{wave, wave, program, program}));
+  ASSERT_EQ(machine.toolkit.messages.size(), 1u);
+  EXPECT_EQ(machine.toolkit.messages[0].text,
+            u"\r\n1. All passwords are stored as encrypted text for the password protection.\r\n"
+            u"2. All POP3 email account details are stored in Registry.");
 }
 
 }  // namespace

@@ -38,6 +38,7 @@ TEST_F(fPop3SiteTest, OkHandsOverWhatWasTyped) {
     EXPECT_EQ(Read(form, "txtPop3Account(2)"), u"secret");
     EXPECT_TRUE(Find<TextBox>(form, "txtPop3Account(2)").Password());
     EXPECT_EQ(toolkit.focus, "txtPop3Account(1)");
+    Press(form, "cmdHelp");
     EditAll(form);
     Press(form, "cmdOK");
   });
@@ -46,6 +47,11 @@ TEST_F(fPop3SiteTest, OkHandsOverWhatWasTyped) {
   EXPECT_EQ(site.User, u" me ");
   EXPECT_EQ(site.Password, u"word");
   EXPECT_TRUE(site.SavePassword);
+  const ScriptedToolkit::Message help = {
+      u"\r\nIf all of them are correct but do not work, "
+      u"TRY IT LATER since POP3 server is so busy.",
+      u"", MessageIcon::kInformation};
+  EXPECT_EQ(toolkit.messages, std::vector<ScriptedToolkit::Message>{help});
 }
 
 TEST_F(fPop3SiteTest, CancelAndClosingKeepWhatWasGiven) {

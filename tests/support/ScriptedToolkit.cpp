@@ -120,8 +120,9 @@ void ScriptedToolkit::ShowMessage(const Text& text, const Text& title, MessageIc
   messages.push_back({text, title, icon});
 }
 
-Text ScriptedToolkit::OpenFile(const Text&, const Text&, const Text& default_extension) {
-  extensions.push_back(default_extension);
+Text ScriptedToolkit::OpenFile(const Text& title, const Text& filter,
+                               const Text& default_extension) {
+  picked.push_back({title, filter, default_extension});
   if (files.empty()) return {};
   Text file = std::move(files.front());
   files.pop_front();

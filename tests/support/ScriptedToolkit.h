@@ -30,6 +30,13 @@ class ScriptedToolkit : public Toolkit {
     friend bool operator==(const Message&, const Message&) = default;
   };
 
+  struct Pick {
+    Text title;
+    Text filter;
+    Text default_extension;
+    friend bool operator==(const Pick&, const Pick&) = default;
+  };
+
   /// With a pump of the test's own; without, nothing is ever pending.
   explicit ScriptedToolkit(Pump* pump = nullptr) : pump_(pump ? *pump : idle_pump_) {}
   ~ScriptedToolkit() override;
@@ -46,8 +53,8 @@ class ScriptedToolkit : public Toolkit {
 
   std::vector<std::string> shown;  // names of windows, in order
   std::vector<Message> messages;
-  std::deque<Text> files;        // what the user picks next; none: nothing
-  std::vector<Text> extensions;  // of the files asked for
+  std::deque<Text> files;    // what the user picks next; none: nothing
+  std::vector<Pick> picked;  // what files were asked for
   std::function<void(PopupMenu&)> on_popup;
   std::string focus;               // name of the control that was given the focus last
   std::vector<std::string> calls;  // of the windows' native sides, "show fConfig"
