@@ -8,12 +8,14 @@
 
 namespace vesko_host {
 
-/// Stands in for the tray icon where the desktop has no tray: the menu's commands as buttons.
+/// A window in place of the tray icon, for desktops that have no tray. It shows the commands of the
+/// menu as buttons.
 class HostWindow : public QWidget {
  public:
   /// The menu must outlive the window. Closing the window calls `close`.
   HostWindow(const QMenu& menu, std::function<void()> close);
 
+  /// Shows the icon, in the title bar too, and the status in words.
   void ShowStatus(const QIcon& icon, const QString& status);
 
  protected:

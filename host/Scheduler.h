@@ -6,17 +6,17 @@
 
 namespace vesko_host {
 
-/// Calls back once when a number of minutes is over. Sleeps in between; waits longer than a timer
-/// can hold are taken in steps.
+/// Calls back once after a number of minutes, from the event loop. It waits in steps of a day at
+/// the most, because a timer cannot hold the longest waits.
 class Scheduler {
  public:
   explicit Scheduler(std::function<void()> due);
 
-  /// Starts the waiting anew; below 1 it ends.
+  /// Begins the wait again. A number below 1 ends it.
   void Start(int minutes);
   void Stop() { timer_.stop(); }
 
-  /// Time to the next call; negative when there will be none.
+  /// Time until the call; negative when none is due.
   std::chrono::milliseconds Remaining() const;
 
  private:

@@ -17,7 +17,8 @@ namespace {
 
 constexpr int kLongestLine = 64;  // bytes, of a command and of an answer
 
-/// The kernel vouches for it: the user who connected, or who began to listen.
+/// Whether the process at the other end, as the kernel recorded it when it connected or began to
+/// listen, runs for the same user.
 bool IsOwnUser(const QLocalSocket& socket) {
   ucred peer = {};
   socklen_t size = sizeof peer;
@@ -63,7 +64,7 @@ std::optional<QString> SingleInstance::HandOver(const QString& command) {
 bool SingleInstance::Listen(std::function<QString(const QString&)> run) {
   run_ = std::move(run);
   if (server_.listen(path_)) return true;
-  // Nobody answered HandOver, so what stands there is left from a process that died.
+  // Nobody answered HandOver, so the socket was left behind by a process that died.
   QLocalServer::removeServer(path_);
   return server_.listen(path_);
 }

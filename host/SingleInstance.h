@@ -35,8 +35,8 @@ class SingleInstance {
 };
 
 /// Makes the folder "vesko-host" in `parent`, or takes the one that is there, and returns its path.
-/// Empty unless it is a true folder of this user's with mode 0700: what others can reach they may
-/// have put a socket of their own into.
+/// Empty unless it is a folder (and no link) that belongs to this user and has mode 0700: others
+/// may have put a socket of their own into one that they can reach.
 QString PrivateFolder(const QString& parent);
 
 /// The socket's path for the user of this process: in the folder for run-time files, or where that

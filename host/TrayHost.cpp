@@ -24,7 +24,7 @@ constexpr Command kCommands[] = {
     {"configure", "&Configure", &MailComponent::Configure},
 };
 
-/// How many mails the component's list window calls new; -1 for any other window.
+/// The number of new mails in the caption of the component's list window; -1 for any other window.
 int NewMails(const QWidget& window) {
   static const QRegularExpression caption(QStringLiteral("\\((\\d+) NEW MAILS,"));
   const auto match = caption.match(window.windowTitle());
@@ -94,7 +94,7 @@ void TrayHost::BuildMenu() {
 void TrayHost::Start(void (MailComponent::*operation)()) {
   operating_ = true;
   for (QAction* action : menu_.actions().first(std::size(kCommands))) action->setEnabled(false);
-  // Queued: whoever asked (a menu, another process) is answered before the modal window opens.
+  // Queued, so that the caller (a menu, another process) is answered before the modal window opens.
   QMetaObject::invokeMethod(
       this, [this, operation] { Operate(operation); }, Qt::QueuedConnection);
 }
@@ -135,7 +135,7 @@ void TrayHost::ShowNewMail(bool new_mail) {
 
 void TrayHost::Quit() {
   if (!operating_) return QApplication::exit(0);
-  // The component's windows end its operation; the program follows when it is back.
+  // Closing the component's windows ends its operation; the program ends after it.
   quitting_ = true;
   QApplication::closeAllWindows();
 }

@@ -14,22 +14,23 @@
 
 namespace vesko_host {
 
-/// The running program: an icon in the desktop's tray, or a small window where there is none, a
-/// menu, and checks at the component's own interval.
+/// The running program: an icon in the desktop's tray, or a small window where there is no tray, a
+/// menu, and checks at the interval that the component names. One operation runs at a time.
 class TrayHost : public QObject {
  public:
   /// The component must outlive the host.
   explicit TrayHost(MailComponent& component);
 
-  /// Shows icon or window and begins to wait for the first check.
+  /// Shows the icon or the window and begins to wait for the first check.
   void Show();
 
-  /// Runs a command ("check", "view", "configure", "quit", or empty: show yourself) once the caller
-  /// is done. Returns a word for the caller: "ok", "busy" or "unknown".
+  /// Starts a command, which runs when control is back in the event loop: "check", "view",
+  /// "configure", "quit", or the empty one, which shows the window. Returns "ok", "busy" where an
+  /// operation is running, or "unknown".
   QString Run(const QString& command);
 
  protected:
-  /// Watches for the component's list window, whose caption tells how much mail is new.
+  /// Looks for the component's list window, whose caption says how much mail is new.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

@@ -1,5 +1,5 @@
-// vesko-host: watches the user's mailboxes from the desktop's tray. It knows the component as any
-// host does: by its ProgID.
+// vesko-host: watches the user's mailboxes from the desktop's tray. It finds the component by its
+// ProgID, as any host does.
 
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -84,7 +84,7 @@ CommandLine Parse(const QStringList& arguments) {
   return {};
 }
 
-/// Becomes the demonstration, which has a throw-away registry of its own.
+/// Replaces this process by the demonstration, which has a throw-away registry of its own.
 int RunDemo() {
   std::error_code ignored;
   const auto own = std::filesystem::read_symlink("/proc/self/exe", ignored);
@@ -94,7 +94,7 @@ int RunDemo() {
   return Print(stderr, QStringLiteral("vesko-demo is not installed.\n"), kFailed);
 }
 
-/// The exit code when another instance took the command, else nothing.
+/// The exit code where an instance is running, which has taken the command or refused it.
 std::optional<int> HandOver(int& argc, char** argv, const QString& command) {
   QCoreApplication application(argc, argv);
   const QString path = InstancePath();
@@ -113,7 +113,8 @@ bool HasDisplay() {
          qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
-/// The signals that end a session, as a descriptor: the settings are saved before the program ends.
+/// A descriptor that delivers the signals which end a session, so that the settings can be saved
+/// before the program ends.
 int TerminationSignals() {
   sigset_t ending;
   sigemptyset(&ending);

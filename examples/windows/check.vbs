@@ -16,5 +16,5 @@ If Not status_only Then
   WScript.Echo "The check is over."
 End If
 
-' The end of the last object saves the settings.
+' Releasing the last object saves the settings.
 Set mail = Nothing

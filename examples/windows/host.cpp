@@ -39,7 +39,7 @@ int Run(_cVeskoEx* mail, bool status_only) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  // The component's windows live on this thread, so it must be one with a message loop of its own.
+  // The component shows its windows on this thread, so it must be a single-threaded apartment.
   const HRESULT entered = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   if (FAILED(entered)) return Fail("CoInitializeEx", entered);
   _cVeskoEx* mail = nullptr;

@@ -36,7 +36,7 @@ bool SameName(TextView left, TextView right) {
                     [](char16_t a, char16_t b) { return AsciiLower(a) == AsciiLower(b); });
 }
 
-/// The system's wide character is as wide as ours, but not always the same type.
+/// OLECHAR has the size of char16_t, but on Windows it is another type.
 TextView ViewOf(const OLECHAR* text) {
   return text == nullptr ? TextView() : TextView(reinterpret_cast<const char16_t*>(text));
 }
@@ -55,7 +55,7 @@ DISPID FindMember(TextView name) {
   return found == kMembers.end() ? DISPID_UNKNOWN : found->id;
 }
 
-/// Whether the call fits a member, by the codes that a client expects.
+/// S_OK where the call fits a member, else the code that tells a client why not.
 HRESULT CheckCall(DISPID id, WORD flags, const DISPPARAMS* arguments) {
   if (id < kIsBusy || id > kViewMail) return DISP_E_MEMBERNOTFOUND;
   const Member& member = kMembers[static_cast<size_t>(id - kIsBusy)];
@@ -119,7 +119,8 @@ VARIANT Dereference(const VARIANT& value) {
   return plain;
 }
 
-/// Converts arguments, which stand in reverse order, and remembers which one did not fit.
+/// Converts the arguments of a call, which are stored in reverse order, and remembers which one was
+/// converted last, so that a client can be told which one does not fit.
 class Arguments {
  public:
   explicit Arguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
@@ -127,7 +128,7 @@ class Arguments {
   Text TextAt(UINT position) { return ToText(At(position)); }
   int32_t NumberAt(UINT position) { return ToInt32(At(position)); }
 
-  /// Index, in the caller's order, of the argument that was converted last.
+  /// Index in the client's array of the argument that was converted last.
   UINT Last() const { return last_; }
 
  private:
@@ -188,7 +189,7 @@ class AutomationObject final : public _cVeskoEx, private Retired {
     if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (count == 0 || names == nullptr || ids == nullptr) return E_INVALIDARG;
-    // Behind the member's name stand names of its arguments, of which none can be used.
+    // The member's name is followed by names of its arguments, of which none can be used.
     std::fill_n(ids, count, DISPID_UNKNOWN);
     ids[0] = FindMember(ViewOf(names[0]));
     return count > 1 || ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
@@ -234,7 +235,8 @@ class AutomationObject final : public _cVeskoEx, private Retired {
   }
 
  private:
-  /// A client may let go of its last reference while a window of the running call is open.
+  /// Holds a reference during a call: a client may release its last one while a window of the call
+  /// is open.
   class KeepAlive {
    public:
     explicit KeepAlive(AutomationObject& object) : object_(object) { object_.AddRef(); }
@@ -268,7 +270,7 @@ class AutomationObject final : public _cVeskoEx, private Retired {
     }
   }
 
-  /// Late bound: a run-time error is told in words.
+  /// A late bound call, which describes a run-time error in words.
   template <typename Step>
   HRESULT Call(Step&& step, EXCEPINFO* exception) {
     return Guard([&] {
@@ -319,7 +321,7 @@ class AutomationObject final : public _cVeskoEx, private Retired {
 }  // namespace
 
 HRESULT CreateAutomationObject(AutomationServer& server, REFIID iid, void** object) {
-  // Creating one changes the user's registry, so not just to find that nobody wants it.
+  // Creating an object may write to the user's registry, so the interface is checked first.
   if (!AutomationObject::Offers(iid)) return E_NOINTERFACE;
   auto* made = new AutomationObject(server);
   const HRESULT outcome = made->QueryInterface(iid, object);

@@ -101,7 +101,7 @@ class AutomationServer {
 /// a threading library that not every compiler for Windows brings.
 const void* CurrentThread() noexcept;
 
-/// A lock on the server as a member of what keeps it alive.
+/// Holds a lock on the server: a member of everything that needs the library loaded.
 class ServerLock {
  public:
   explicit ServerLock(AutomationServer& server) : server_(server) { server_.Lock(); }

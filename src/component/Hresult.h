@@ -8,8 +8,9 @@
 
 namespace vesko {
 
-/// The result code that stands for a run-time error: a negative number is one already, and the
-/// numbers of automation's conversions have codes of their own.
+/// The HRESULT that stands for a run-time error. A negative number is one already; type mismatch
+/// and overflow have codes of their own; every other number n becomes 0x800A0000 + n, the range in
+/// which automation clients look for run-time errors.
 inline HRESULT ToHresult(const RunTimeError& error) {
   const int32_t number = error.Number();
   if (number < 0) return number;
@@ -18,8 +19,9 @@ inline HRESULT ToHresult(const RunTimeError& error) {
   return static_cast<HRESULT>(0x800A0000u | (static_cast<uint32_t>(number) & 0xFFFFu));
 }
 
-/// Runs what a client called, `call` returning an HRESULT. Exceptions end here: the client may be
-/// written in any language.
+/// Runs what a client called and returns the HRESULT that `call` returns. No exception passes: a
+/// RunTimeError becomes its HRESULT, a lack of memory E_OUTOFMEMORY and any other E_UNEXPECTED,
+/// since the client may be written in a language that knows nothing of exceptions.
 template <typename Call>
 HRESULT Guard(Call&& call) noexcept {
   try {

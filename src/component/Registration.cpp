@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kClasses[] = "SOFTWARE\\Classes";
 constexpr char kTypeLibraryName[] = "Vesko ActiveX Dll 1.0";
-// The system's own: carries calls of a described interface from one thread to another.
+// The class of the system's own marshaller for interfaces that a type library describes.
 constexpr char kDescribedInterfaces[] = "{00020424-0000-0000-C000-000000000046}";
 
 std::string Folder(const std::string& library) {
@@ -20,7 +20,7 @@ std::string Folder(const std::string& library) {
   return separator == std::string::npos ? std::string() : library.substr(0, separator);
 }
 
-/// One hive's part of a registration. The first failure ends it as a run-time error.
+/// One hive's part of a registration. Members throw a RunTimeError at the first failure.
 class ClassKeys {
  public:
   ClassKeys(Registry& registry, int32_t root, const std::string& platform)
@@ -56,8 +56,7 @@ class ClassKeys {
     }
   }
 
-  /// Path of the library that serves the class; empty text when none does. Raises an error where
-  /// the hive does not say.
+  /// Path of the library that serves the class; empty text when none does.
   std::string Library() {
     const KeyHandle key = Open(ClassKey() + "\\InprocServer32", kKeyQueryValue);
     if (key == kNoKey) return {};
@@ -74,15 +73,15 @@ class ClassKeys {
   static std::string ClassKey() { return Under("CLSID\\" + GuidText(CLSID_cVeskoEx)); }
   static std::string InterfaceKey() { return Under("Interface\\" + GuidText(IID__cVeskoEx)); }
   static std::string TypeLibraryKey() { return Under("TypeLib\\" + GuidText(LIBID_VeskoEx)); }
-  /// Holds a key for each platform's file. A 64-bit system gives the two kinds of host class and
-  /// interface keys of their own, but one of these.
+  /// Holds a key for each platform's file. A 64-bit system keeps class and interface keys apart for
+  /// 32-bit and 64-bit hosts, but has only one of these for both.
   static std::string DescriptionKey() { return TypeLibraryKey() + "\\1.0\\0"; }
 
   static void Require(int32_t status) {
     if (status != kStatusSuccess) throw RunTimeError(SELFREG_E_CLASS);
   }
 
-  /// kNoKey where there is no such key.
+  /// kNoKey where the key does not exist.
   KeyHandle Open(const std::string& path, uint32_t access) {
     KeyHandle key = kNoKey;
     const int32_t status = registry_.OpenKey(root_, path, access, key);

@@ -54,7 +54,7 @@ class AutomationTest : public testing::Test {
   AutomationServer server_;
 };
 
-// The same character type, and on Windows another name for it.
+// OLECHAR has the size of char16_t, but on Windows it is another type.
 OLECHAR* Ole(char16_t* text) { return reinterpret_cast<OLECHAR*>(text); }
 const OLECHAR* Ole(const char16_t* text) { return reinterpret_cast<const OLECHAR*>(text); }
 Text TextOf(BSTR text) { return reinterpret_cast<const char16_t*>(text); }
@@ -77,7 +77,7 @@ VARIANT ByReference(VARTYPE type, void* pointed) {
   return Make(static_cast<VARTYPE>(VT_BYREF | type), &VARIANT::byref, pointed);
 }
 
-/// A call of a member, as scripts make it.
+/// A late bound call, as scripts make it.
 HRESULT Call(IDispatch* object, DISPID id, DISPPARAMS parameters = {}, VARIANT* result = nullptr,
              WORD flags = kLateBound, UINT* bad = nullptr, EXCEPINFO* exception = nullptr) {
   return object->Invoke(id, IID_NULL, 0, flags, &parameters, result, exception, bad);
@@ -339,8 +339,7 @@ TEST_F(AutomationTest, AnEndThatFailsEndsTheObjectAllTheSame) {
   EXPECT_EQ(object->Release(), 0u);
 }
 
-/// Runs a step on a thread of its own. By the bare library, as some compilers for Windows have no
-/// other.
+/// Runs a step on a thread of its own. Not by std::thread, which the compiler for Windows lacks.
 void OnAnotherThread(std::function<void()> step) {
   pthread_t thread;
   const auto run = [](void* argument) -> void* {

@@ -121,7 +121,7 @@ TEST_F(ClassFileTest, LinksAndOwnersAreFollowedToTheTrueFile) {
   ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
   EXPECT_FALSE(host::ReadClassFile(folder_ / "pipe"));
 
-  if (geteuid() != 0) return;  // nobody else can give a file away
+  if (geteuid() != 0) return;  // only root can change a file's owner
   for (const std::string& path : {file, folders_.user_classes}) {
     ASSERT_EQ(chown(path.c_str(), kOther, 0), 0);
     EXPECT_FALSE(host::ReadClassFile(file)) << path;

@@ -31,9 +31,8 @@ class LinuxShellTest : public testing::Test {
   void Entry(std::string_view name, std::string_view lines) {
     folder_.Write(name, "[Desktop Entry]\nType=Application\n" + std::string(lines) + "\n");
   }
-  /// What a process of the user is told, the mail client's path and the first account's server. A
-  /// process of its own, as the desktop's library reads the environment once; one that takes more
-  /// than seconds of a processor is ended.
+  /// Asks the shell in a process of the user's, because GIO reads the environment only once in a
+  /// process. A process that uses the processor for more than five seconds is killed.
   std::string InUsersProcess(const std::function<Text(Shell&)>& ask) const {
     int ends[2];
     EXPECT_EQ(pipe(ends), 0);
@@ -78,7 +77,7 @@ class LinuxShellTest : public testing::Test {
     return client.substr(client.empty() ? 0 : folder_.Path().size() + 1);
   }
 
-  /// One line an account: name|server|user|port.
+  /// A line per account: name|server|user|port.
   std::string Accounts() {
     auto shell = NewShell();
     Text lines;

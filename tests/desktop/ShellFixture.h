@@ -8,9 +8,9 @@
 
 namespace vesko {
 
-// What the platform's own file beside this one gives to the tests.
+// Defined for each platform in ShellFixture<platform>.cpp.
 
-/// The platform's port, for a user whose folders lie in this one.
+/// The platform's port, for a user whose folders are in this one.
 std::unique_ptr<Shell> MakeTestShell(const TempFolder& folder);
 
 /// The file of the running program.

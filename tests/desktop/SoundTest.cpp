@@ -64,7 +64,7 @@ class SoundServer {
   QProcess recorder_;
 };
 
-/// One server for all, as a process connects only once.
+/// One server for all tests, because a process connects only once.
 class SoundTest : public testing::Test {
  protected:
   static void SetUpTestSuite() { server_ = std::make_unique<SoundServer>(); }
@@ -133,7 +133,7 @@ QByteArray LittleEndian(quint32 number, int size) {
   return bytes;
 }
 
-/// A wave file of one channel. `extended` gives the format's kind in the longer form of its chunk.
+/// A wave file with one channel. `extended` writes the longer form of the format chunk.
 QByteArray Wave(quint32 kind, quint32 bits, const QByteArray& samples, bool extended = false) {
   QByteArray format = LittleEndian(extended ? 0xFFFE : kind, 2) + LittleEndian(1, 2) +
                       LittleEndian(8000, 4) + LittleEndian(8000 * bits / 8, 4) +
@@ -178,7 +178,7 @@ TEST(WaveFileTest, SamplesOfEveryWidthBecome16Bits) {
   }
 }
 
-// In a process of its own: a connection to a server is made once.
+// In a process of its own, because a process connects to a server only once.
 TEST(NoSoundTest, WithoutASoundServerThereIsNothingToPlayOn) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto play_on_nothing = [] {

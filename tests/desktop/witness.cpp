@@ -1,4 +1,4 @@
-// A program to be started: it leaves a file beside itself, unless it was given arguments.
+// A program for the tests to start. It writes a file beside itself, unless it was given arguments.
 #include <fstream>
 #include <string>
 

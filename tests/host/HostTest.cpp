@@ -1,4 +1,4 @@
-// The tray host over a component that only notes what it is asked.
+// The tray host with a component that only records its calls.
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -92,7 +92,7 @@ TEST(TrayHost, RunsOneOperationAtATimeAndHandsOverTheFont) {
     EXPECT_FALSE(Button("&Configure")->isEnabled());
   };
   EXPECT_EQ(host.Run("view"), "ok");
-  EXPECT_EQ(host.Run("configure"), "busy");  // asked for, if not yet begun
+  EXPECT_EQ(host.Run("configure"), "busy");  // requested, though not yet begun
   EXPECT_EQ(component.calls, Calls{});
   QCoreApplication::processEvents();
   EXPECT_EQ(component.calls, Calls{"view"});
@@ -158,7 +158,7 @@ TEST(TrayHost, QuitsBehindTheOperationThatRuns) {
   EXPECT_TRUE(window_closed);
 }
 
-/// A socket by the bare calls.
+/// A Unix socket by system calls, which can be used as another user.
 class BareSocket {
  public:
   explicit BareSocket(const QString& path) {
@@ -180,7 +180,7 @@ class BareSocket {
   bool Listen() const {
     return bind(socket_, Address(), sizeof address_) == 0 && listen(socket_, 8) == 0;
   }
-  /// Answers the first one who connects, again and again until nobody reads.
+  /// Writes to the first client until it hangs up.
   void Say(std::string words) {
     speaker_ = std::thread([this, words] {
       const int peer = accept(socket_, nullptr, nullptr);
@@ -213,10 +213,10 @@ TEST(SingleInstance, HandsTheCommandToTheFirst) {
     return QStringLiteral("ok");
   }));
 
-  QLocalSocket chatter;  // talks without an end: dropped, and nobody else waits for it
+  QLocalSocket chatter;  // never ends its line: dropped without holding up the others
   chatter.connectToServer(path);
   chatter.write(QByteArray(1000, 'x'));
-  QLocalSocket silent;  // dropped when the time is over
+  QLocalSocket silent;  // dropped after the time for an exchange
   silent.connectToServer(path);
   QLocalSocket second;
   second.connectToServer(path);
@@ -267,7 +267,7 @@ TEST(SingleInstance, AnotherUserIsNeitherAskedNorServed) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return stranger.IsClosed(); }));
 }
 
-/// A variable of the environment, given back at the end.
+/// Sets a variable of the environment, and restores it at the end.
 class Variable {
  public:
   Variable(const char* name, const QByteArray& value) : name_(name), before_(qgetenv(name)) {
@@ -370,7 +370,7 @@ TEST(CommandLine, WhatCannotBeDoneIsSaidInWords) {
        "vesko-host: /nowhere/libVeskoEx.so: cannot open shared object file: No such file or "
        "directory (0x800401F8)\n"},
   };
-  // The user's registration goes before the machine's, which may be there or not.
+  // Takes precedence over a registration for the machine, if there is one.
   const QString classes = qEnvironmentVariable("XDG_CONFIG_HOME") + "/VeskoEx/classes";
   ASSERT_TRUE(QDir().mkpath(classes));
   QFile file(classes + "/veskoex.cveskoex");
@@ -413,7 +413,7 @@ TEST(CommandLine, TheRunningInstancesAnswerIsTheExitStatus) {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  const QTemporaryDir home;  // what the program keeps for its user goes with it
+  const QTemporaryDir home;  // so that the program writes nothing to the real home
   for (const char* name :
        {"HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
     qputenv(name, home.path().toUtf8());

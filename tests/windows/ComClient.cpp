@@ -100,8 +100,8 @@ void TryUnloading() {
   Expect(!GetModuleHandleW(L"VeskoEx.dll"), "the library goes when nothing lives");
 }
 
-/// An apartment has a thread of its own, so the component, which has its windows on the first one,
-/// serves no second while an object lives.
+/// The component's windows live on the thread of the first apartment, so no other apartment gets an
+/// object until the last one is gone.
 DWORD WINAPI CreateInSecondApartment(void* first) {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   void* made = nullptr;

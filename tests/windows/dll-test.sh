@@ -21,7 +21,7 @@ for needed in $(sed -n 's/^\tDLL Name: \(.*\)\.dll$/\L\1/Ip' <<<"$headers"); do
   [[ $system == *" $needed "* ]] || fail "it needs $needed.dll"
 done
 
-# What an attacker who overruns a buffer would find.
+# What makes a buffer overrun hard to exploit.
 guards=(DYNAMIC_BASE NX_COMPAT)
 if [[ $headers == *pei-x86-64* ]]; then guards+=(HIGH_ENTROPY_VA); fi
 for guard in "${guards[@]}"; do

@@ -23,8 +23,8 @@ bool Combines(UChar32 c) {
   return category == U_NON_SPACING_MARK || category == U_ENCLOSING_MARK;
 }
 
-// Controls, direction marks and other invisible ones: nothing that a stranger wrote may steer the
-// terminal.
+// Control characters, direction marks and other invisible characters, which could change how the
+// terminal shows the rest.
 bool Invisible(UChar32 c) {
   const int category = u_charType(c);
   return category == U_CONTROL_CHAR || category == U_FORMAT_CHAR || category == U_SURROGATE ||
@@ -37,7 +37,7 @@ int Width(UChar32 c) {
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
-// The text in exactly `width` columns, one of them kept for the mark of a cut.
+// The text in exactly `width` columns. A text that is cut ends with an ellipsis in the last one.
 std::string Cell(TextView text, int width) {
   const icu::UnicodeString source(false, text.data(), static_cast<int32_t>(text.size()));
   icu::UnicodeString cell;
@@ -84,8 +84,8 @@ void PrintHeader(std::ostream& out) {
 void PrintTable(std::ostream& out, const colMails& mails) {
   PrintHeader(out);
   mails.ForEach([&](const cMessage& message) {
-    PrintRow(out, {FromAscii(NameOf(StateOf(message))), message.From, message.Subject, message.SendDate,
-                   message.Server});
+    PrintRow(out, {FromAscii(NameOf(StateOf(message))), message.From, message.Subject,
+                   message.SendDate, message.Server});
     return true;
   });
 }

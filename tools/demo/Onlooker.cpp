@@ -15,8 +15,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kBetweenLooks = 20ms;
-constexpr int kLooksUntilSettled = 10;   // a window that was just shown paints and lays out
-constexpr int kLooksUntilGivingUp = 20;  // a check that asks again does so at once
+constexpr int kLooksUntilSettled = 10;   // a new window is still being laid out and painted
+constexpr int kLooksUntilGivingUp = 20;  // a check that asks once more does so at once
 
 void Press(QWidget& window, const QString& button) {
   if (auto* found = window.findChild<QAbstractButton*>(button)) found->click();
@@ -44,7 +44,7 @@ void Onlooker::Look() {
 }
 
 void Onlooker::LookAtProgress(QWidget& window) {
-  // A server that refuses to be reached is tried again without a question.
+  // A server that refuses the connection is tried again without a question.
   if (saw_trouble_ && ++looks_since_trouble_ > kLooksUntilGivingUp) Press(window, "cmdCancel");
   const auto* bar = window.findChild<QProgressBar*>();
   if (has_progress_picture_ || !bar || bar->maximum() < 2 || bar->value() * 2 < bar->maximum()) {

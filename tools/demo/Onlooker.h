@@ -6,9 +6,9 @@
 
 namespace vesko::demo {
 
-/// Stands in for the user where there is no display: takes pictures of the progress window and of
-/// the list window, closes what would wait for somebody, and tells on the standard error what the
-/// boxes said. Questions are answered with "&No", so that nothing is tried for ever.
+/// Acts for the user where there is no display: takes pictures of the progress window and of the
+/// list window, closes windows that wait for somebody, and writes the text of boxes to the standard
+/// error. Questions are answered with "&No", so that nothing is tried for ever.
 class Onlooker {
  public:
   /// Pictures go into the folder, which is created where it is missing; with an empty name none

@@ -89,7 +89,7 @@ std::string Pop3Dialogue::Answer(std::string_view line) {
 
 std::string Pop3Dialogue::User(std::string_view argument) {
   user_ = argument;
-  return "+OK name the password\r\n";  // whether the name is known stays unsaid
+  return "+OK name the password\r\n";  // does not tell whether the name exists
 }
 
 std::string Pop3Dialogue::Pass(std::string_view argument) {
@@ -170,7 +170,7 @@ std::string Pop3Dialogue::Rset(std::string_view) {
 
 std::string Pop3Dialogue::Quit(std::string_view) {
   if (maildrop_) {
-    // Mail delivered during the session lies behind the marks and stays.
+    // Messages delivered during the session come after those with marks, and stay.
     for (size_t i = deleted_.size(); i-- > 0;) {
       if (deleted_[i]) maildrop_->messages.erase(maildrop_->messages.begin() + i);
     }

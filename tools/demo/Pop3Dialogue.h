@@ -22,8 +22,8 @@ struct Maildrop {
 
 using Maildrops = std::map<std::string, Maildrop>;  // by user name
 
-/// The server's side of one POP3 conversation (RFC 1939), without a network: a line in, an answer
-/// out. Holds its maildrop exclusively from PASS to the end; deletions are kept only by QUIT.
+/// The server's side of one POP3 conversation (RFC 1939), without a network: takes a line, returns
+/// the answer. Locks its maildrop from PASS until it ends; messages are deleted by QUIT only.
 class Pop3Dialogue {
  public:
   /// `maildrops` must outlive the dialogue.

@@ -18,18 +18,18 @@ namespace {
 
 constexpr qint64 kLongestLine = 1000;  // bytes
 
-/// The mailboxes, which sessions and callers on other threads share.
+/// The mailboxes, shared by the sessions and by callers on other threads.
 struct Mailboxes {
   std::mutex mutex;
   Maildrops maildrops;
   uint64_t last_unique_id = 0;
 };
 
-/// One client: command lines in, answers out, as the faults want it. Deletes itself when the client
-/// is gone and what it sent before has been carried out.
+/// The session of one client, with the faults built in. Deletes itself when the client is gone and
+/// the commands that it sent before have been carried out.
 class Connection : public QObject {
  public:
-  /// Takes the socket over.
+  /// Takes ownership of the socket.
   Connection(QTcpSocket* socket, Mailboxes& mailboxes, const Pop3Faults& faults)
       : QObject(socket->parent()),
         socket_(*socket),
@@ -69,7 +69,7 @@ class Connection : public QObject {
     delay.count() > 0 ? pause_.start(delay) : Speak();
   }
 
-  /// Says what is due, and goes on until nothing is or an answer has to wait.
+  /// Greets or answers, and goes on until there is nothing to answer or an answer has to wait.
   void Speak() {
     do {
       greeted_ ? AnswerLine() : Greet();
@@ -105,7 +105,7 @@ class Connection : public QObject {
     if (faults_.close_after && sent_ >= *faults_.close_after) Close();
   }
 
-  /// Once the client has taken what was sent.
+  /// Closes the connection when everything has been sent.
   void Close() {
     ended_ = true;
     socket_.disconnectFromHost();
@@ -119,7 +119,7 @@ class Connection : public QObject {
     deleteLater();
   }
 
-  /// Gives the mailbox free.
+  /// Releases the mailbox.
   void Forget() {
     const std::lock_guard lock(mailboxes_.mutex);
     dialogue_.reset();
@@ -129,7 +129,7 @@ class Connection : public QObject {
   Mailboxes& mailboxes_;
   const Pop3Faults& faults_;
   std::unique_ptr<Pop3Dialogue> dialogue_;
-  QTimer pause_;  // before the next thing to say
+  QTimer pause_;                   // before the next answer
   std::deque<std::string> lines_;  // not answered yet
   size_t sent_ = 0;
   bool client_gone_ = false;
@@ -183,7 +183,7 @@ class Pop3Server::Impl : public QThread {
     QTcpServer server;
     connect(&server, &QTcpServer::newConnection, &server, [&] {
       while (QTcpSocket* socket = server.nextPendingConnection()) {
-        new Connection(socket, mailboxes_, faults_);  // the server's, as the socket was
+        new Connection(socket, mailboxes_, faults_);  // owned by the server
       }
     });
     if (!server.listen(QHostAddress::LocalHost)) {

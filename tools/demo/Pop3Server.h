@@ -16,7 +16,7 @@ struct Pop3Account {
   std::vector<std::string> messages;  // raw, lines ended by CR LF
 };
 
-/// How a server misbehaves, for those who want to see what a client makes of it.
+/// How the server misbehaves, to see how a client copes.
 struct Pop3Faults {
   std::chrono::milliseconds greeting_delay{0};
   std::chrono::milliseconds answer_delay{0};  // before each answer to a command
@@ -36,7 +36,7 @@ class Pop3Server {
 
   uint16_t Port() const;
 
-  /// Puts a message into an account's mailbox; a session that is under way does not see it.
+  /// Puts a message into an account's mailbox; a session that has begun does not see it.
   /// Precondition: the account exists.
   void Deliver(const std::string& user, std::string message);
 

@@ -18,7 +18,7 @@ std::string WithMailLineEnds(const QByteArray& text) {
   return result;
 }
 
-// Made here and not kept as a file: two megabytes say nothing to a reader.
+// Generated, because a file of two megabytes would tell a reader nothing.
 std::string LargeHeaderMessage() {
   std::string text =
       "From: \"The Long Way Round\" <relay@example.net>\r\n"

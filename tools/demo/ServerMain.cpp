@@ -8,9 +8,9 @@
 #include "demo/Pop3Server.h"
 #include "demo/SampleMailbox.h"
 
-// The sample server alone, for components that run in another process or under Wine: tells its port
-// and serves until its input ends. The argument is how many milliseconds each answer takes, for who
-// wants to watch a check.
+// The sample server alone, for components that run in another process or under Wine. It prints its
+// port and serves until its input ends. The argument is the time that each answer takes, in
+// milliseconds, for watching a check.
 int main(int count, char** arguments) try {
   using namespace vesko::demo;
   Pop3Faults pace;

@@ -31,7 +31,7 @@ std::string NewFolder() {
   return path;
 }
 
-// A handler may hardly do anything, so it wakes a thread that may remove files.
+// A signal handler must not remove files, so it wakes a thread that does.
 void RemoveOnSignal(const std::string& path) {
   if (pipe2(ending_pipe, O_CLOEXEC) != 0) {
     throw std::system_error(errno, std::generic_category(), "pipe");
@@ -48,7 +48,7 @@ void RemoveOnSignal(const std::string& path) {
     action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
   }
-  std::signal(SIGPIPE, SIG_IGN);  // a reader of the output that went away is no reason to end
+  std::signal(SIGPIPE, SIG_IGN);  // the program goes on when nobody reads its output
 }
 
 }  // namespace

@@ -4,12 +4,12 @@
 
 namespace vesko::demo {
 
-/// A new folder that only this user can enter, with all that comes into it, for the life of the
-/// object. An end by Ctrl+C, a closed terminal or a polite kill removes it too: the process then
-/// ends at once with 128 and the number of the signal. One in a process.
+/// A new folder that only this user can enter; the object's end removes it with everything in it.
+/// So do SIGINT, SIGHUP and SIGTERM, after which the process ends at once with 128 plus the number
+/// of the signal. There may be one in a process.
 class ThrowAwayFolder {
  public:
-  /// Throws std::system_error when there is no room for it.
+  /// Throws std::system_error where the folder cannot be made.
   ThrowAwayFolder();
   ~ThrowAwayFolder();
   ThrowAwayFolder(const ThrowAwayFolder&) = delete;

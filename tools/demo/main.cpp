@@ -23,7 +23,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// So that a check of the built-in server lasts long enough to be seen.
+// Makes a check of the built-in server last long enough to be seen.
 constexpr auto kAnswerDelay = 40ms;
 
 constexpr const char* kSamplePassword = "sample";
@@ -116,7 +116,7 @@ void SetAccounts(Configuration& configuration, const std::vector<DemoAccount>& a
   }
 }
 
-// What a first start would take over from the user's own mail program does not belong here.
+// Stores the accounts before the first start, which would import those of the user's mail program.
 void SeedRegistry(Desktop& desktop, const std::vector<DemoAccount>& accounts) {
   const Services& services = desktop.GetServices();
   mRegistry store(services.registry, services.locale, services.shell);
@@ -158,7 +158,7 @@ bool HasDisplay() {
 int Main(int argc, char** argv) {
   if (!HasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Qt's remarks on what it cannot do without a display.
+    // Silences Qt's warnings about what it cannot do without a display.
     QLoggingCategory::setFilterRules("default.warning=false");
   }
   QApplication application(argc, argv);

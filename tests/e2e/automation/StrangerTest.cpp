@@ -10,7 +10,8 @@
 #include "support/PrivateMachine.h"
 #include "support/TempFolder.h"
 
-// What a program knows that is not of this project: the headers, the library's file and the ProgID.
+// The component as programs outside this project use it: by the headers, the library's file and the
+// ProgID.
 
 namespace {
 
@@ -24,7 +25,7 @@ struct Outcome {
   std::string output;
 };
 
-/// Runs a command line in the shell, errors among its output.
+/// Runs a command line in the shell; the output includes the errors.
 Outcome RunCommand(const std::string& command) {
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
   std::string output;
@@ -42,7 +43,7 @@ class StrangerTest : public testing::Test {
     setenv("XDG_RUNTIME_DIR", home_.c_str(), 1);
   }
 
-  /// Every test of a process runs on one machine, each for a user of its own.
+  /// All tests of a process share one private machine; each has a user of its own.
   static void SetUpTestSuite() { private_machine_ = vesko::EnterPrivateMachine(); }
 
   static HRESULT Call(const char* name) {
@@ -50,7 +51,7 @@ class StrangerTest : public testing::Test {
     return reinterpret_cast<HRESULT (*)()>(dlsym(library, name))();
   }
 
-  /// The file that defines a symbol of this process.
+  /// The library that defines a symbol in this process.
   static const char* LibraryOf(const char* symbol) {
     Dl_info info = {};
     dladdr(dlsym(RTLD_DEFAULT, symbol), &info);

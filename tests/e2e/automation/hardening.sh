@@ -1,5 +1,5 @@
 #!/bin/sh
-# Looks at built programs and libraries: what an attacker who overruns a buffer would find.
+# Checks that programs and libraries were built with what makes a buffer overrun hard to exploit.
 # usage: hardening.sh optimised|plain <file>...
 set -u
 build=$1

@@ -22,14 +22,14 @@ std::string ClassFolder(RegistrationScope scope, const LinuxFolders& folders) {
   return scope == RegistrationScope::kMachine ? folders.machine_classes : folders.user_classes;
 }
 
-/// Makes the folders that are missing. Hosts believe no file in a folder that others can write to,
-/// whatever the user lets others do with new folders elsewhere.
+/// Makes the folders that are missing, writable for their owner only whatever the umask says: hosts
+/// ignore a class file in a folder that others can write to.
 void MakeFolders(const fs::path& folder) {
   if (folder.has_relative_path()) MakeFolders(folder.parent_path());
   mkdir(folder.c_str(), 0755);
 }
 
-/// Replaces the file in one step: a host may be reading it.
+/// Replaces the file in one step, since a host may be reading it.
 bool WriteClassFile(const std::string& folder, const std::string& library) {
   std::error_code failure;
   MakeFolders(folder);
@@ -50,7 +50,7 @@ bool RemoveClassFile(const std::string& folder, const std::string& library) {
   if (entry && entry->library != library) return true;
   std::error_code failure;
   fs::remove(path, failure);
-  // The folders go with the last file in them.
+  // Folders that are empty now are removed too.
   std::error_code not_empty;
   fs::remove(folder, not_empty);
   fs::remove(fs::path(folder).parent_path(), not_empty);
@@ -61,7 +61,7 @@ bool RemoveClassFile(const std::string& folder, const std::string& library) {
 
 HRESULT RegisterOnLinux(Registry& registry, RegistrationScope scope, const LinuxFolders& folders,
                         const std::string& library) {
-  // Hosts take full paths only, and a line of the class file ends at a line break.
+  // Hosts accept full paths only, and the class file holds one line for a path.
   if (!library.starts_with('/') || library.find('\n') != std::string::npos) return SELFREG_E_CLASS;
   const HRESULT outcome = RegisterServer(registry, RootOf(scope), library);
   if (FAILED(outcome)) return outcome;

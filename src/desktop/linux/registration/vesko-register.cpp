@@ -9,8 +9,8 @@
 #include "desktop/linux/registration/LinuxFolders.h"
 #include "desktop/linux/registration/LinuxRegistration.h"
 
-// Registers the library for hosts: of the user, or with --machine of everybody. The library's own
-// entry point knows only the user, since it has no way to be asked for more.
+// Registers the library for the hosts of this user, or with --machine of all users. The library's
+// own entry point takes no arguments, so it registers for this user only.
 
 namespace {
 
@@ -28,7 +28,7 @@ constexpr char kUsage[] =
     "Registers libVeskoEx.so for the programs of this user, with --machine of all users.\n"
     "Without a library it is the one that was installed with this program.\n";
 
-/// The place is relative, so that an installation may be moved as a whole.
+/// Relative to this program, so that an installation can be moved as a whole.
 std::string InstalledLibrary() {
   std::error_code failure;
   const fs::path program = fs::read_symlink("/proc/self/exe", failure);
@@ -55,7 +55,7 @@ bool Parse(int count, char** arguments, Request& request) {
 bool Run(Request& request) {
   const vesko::LinuxFolders folders = vesko::DefaultFolders();
   const auto registry = vesko::MakeSqliteRegistry(folders.user_hive, folders.machine_hive);
-  // A library may be gone before it is unregistered.
+  // Weakly, as the library may be deleted before it is unregistered.
   request.library = fs::weakly_canonical(request.library).string();
   const auto step = request.remove ? vesko::UnregisterOnLinux : vesko::RegisterOnLinux;
   return SUCCEEDED(step(*registry, request.scope, folders, request.library));

@@ -33,7 +33,8 @@ std::string ReadAll(int file, size_t size) {
 }  // namespace
 
 std::string ReadBounded(const std::string& path, size_t limit) {
-  int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe must not hold us
+  int file =
+      open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // opening a pipe must not block
   if (file < 0) return {};
   struct stat status;
   std::string content;

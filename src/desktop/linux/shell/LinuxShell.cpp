@@ -56,8 +56,8 @@ class LinuxShell : public Shell {
   void Start(const Text& program) override {
     QProcess process;
     process.setProgram(QFileInfo(QString::fromStdU16String(program)).absoluteFilePath());
-    // With an environment of its own the program is executed as it is; without one, a file that
-    // the system cannot execute would be given to a shell.
+    // QProcess passes a file that the system cannot execute to a shell, unless the process gets an
+    // environment of its own.
     process.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
@@ -88,7 +88,7 @@ class LinuxShell : public Shell {
   std::vector<std::string> mail_profiles_;
   Text own_folder_;
   Text own_name_;
-  std::vector<ForeignAccount> accounts_;  // of the last time that the first one was asked for
+  std::vector<ForeignAccount> accounts_;  // as read when the first one was asked for
 };
 
 }  // namespace

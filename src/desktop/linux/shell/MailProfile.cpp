@@ -48,8 +48,8 @@ bool Take(std::string_view& line, std::string_view token) {
   return true;
 }
 
-/// The character of `digits` hexadecimal digits, which are cut off; nothing where they are not
-/// there. Half of a surrogate pair is none.
+/// The character with a code of `digits` hexadecimal digits, which are removed from the line.
+/// Nothing where these are missing. Half of a surrogate pair becomes a replacement character.
 std::optional<std::string> TakeCharacter(std::string_view& line, size_t digits) {
   unsigned code = 0;
   if (line.size() < digits) return std::nullopt;
@@ -59,7 +59,7 @@ std::optional<std::string> TakeCharacter(std::string_view& line, size_t digits) 
   return QString(QChar(static_cast<char16_t>(code))).toStdString();
 }
 
-/// A text in double quotes with the escapes of a script's string.
+/// Removes a string literal in double quotes from the line and returns its text.
 std::optional<std::string> TakeString(std::string_view& line) {
   if (!Take(line, "\"")) return std::nullopt;
   std::string text;
@@ -83,7 +83,7 @@ std::optional<std::string> TakeString(std::string_view& line) {
   return std::nullopt;
 }
 
-/// A string, a number or a word, as text.
+/// Removes a string literal, a number or a word from the line and returns it as text.
 std::optional<std::string> TakeValue(std::string_view& line) {
   SkipSpaces(line);
   if (line.starts_with('"')) return TakeString(line);
@@ -94,7 +94,7 @@ std::optional<std::string> TakeValue(std::string_view& line) {
   return value;
 }
 
-/// The settings about accounts and servers of a preferences file, which has one in each line.
+/// The settings about accounts and servers in a preferences file, which has one setting a line.
 Preferences ReadPreferences(const std::string& path) {
   Preferences preferences;
   for (std::string_view line : SplitList(ReadBounded(path, kLargestPreferences), '\n')) {
@@ -130,12 +130,12 @@ int32_t PortOf(const std::string& digits, bool tls) {
   return tls ? kPop3sPort : kPop3Port;
 }
 
-/// The account on a server of the profile; nothing where it is no POP3 server with a host name.
+/// The account on a server of the profile. Nothing unless it is a POP3 server with a host name.
 std::optional<ForeignAccount> AccountOn(const std::string& server, const Preferences& preferences) {
   auto get = [&](const std::string& key) {
     return Get(preferences, "mail.server." + server + "." + key);
   };
-  auto latest = [&](const std::string& key) {  // what was changed later stands beside the first
+  auto latest = [&](const std::string& key) {  // a later change is stored beside the original
     std::string changed = get("real" + key);
     return Clean(changed.empty() ? get(key) : changed);
   };

@@ -16,7 +16,7 @@ struct Unref {
 };
 using Application = std::unique_ptr<GAppInfo, Unref>;
 
-/// The words of a command line, its quotes undone. Empty where it is none.
+/// The words of a command line without their quotes. Empty where it cannot be parsed.
 std::vector<std::string> WordsOf(const char* command) {
   std::vector<std::string> words;
   char** parsed = nullptr;
@@ -48,7 +48,7 @@ std::string SandboxProgram(const std::string& entry_file) {
   return std::string(path) + "/bin/" + name;
 }
 
-/// Absolute path of a program's file, empty where there is none to be executed.
+/// Absolute path of a program, searched in the PATH. Empty where there is no executable file.
 std::string Resolved(const std::string& program) {
   char* found = program.empty() ? nullptr : g_find_program_in_path(program.c_str());
   std::string path = found != nullptr && g_path_is_absolute(found) ? found : "";

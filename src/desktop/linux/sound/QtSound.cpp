@@ -10,9 +10,8 @@
 namespace vesko {
 namespace {
 
-// Wave files are decoded here and their samples go to the sound server directly. Qt's own sound
-// effect loads them on a thread that a damaged file keeps busy for ever, and its media player loads
-// every codec first.
+// Wave files are decoded here and their samples go to the sound server directly. QSoundEffect
+// never finishes loading a damaged file, and QMediaPlayer loads every codec first.
 class QtSound : public Sound {
  public:
   int OutputDevices() override { return static_cast<int>(QMediaDevices::audioOutputs().size()); }
@@ -33,7 +32,7 @@ class QtSound : public Sound {
   }
 
   std::unique_ptr<WaveFile> wave_;
-  std::unique_ptr<QAudioSink> output_;  // reads from the file, so it goes first
+  std::unique_ptr<QAudioSink> output_;  // reads from wave_, so it is destroyed first
 };
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 constexpr int kMostChannels = 8;
 constexpr int kHighestRate = 192'000;
 
-/// The library reads much else, which would play here and nowhere else.
+/// The library reads many other formats, but the setting is for wave files on every system.
 bool IsWave(const SF_INFO& info) {
   const int type = info.format & SF_FORMAT_TYPEMASK;
   return type == SF_FORMAT_WAV || type == SF_FORMAT_WAVEX;
@@ -23,7 +23,7 @@ bool IsPlayable(const SF_INFO& info) {
   return IsWave(info) && info.channels <= kMostChannels && info.samplerate <= kHighestRate;
 }
 
-/// From a fraction of the full range; what is louder than that is cut off.
+/// Converts a fraction of the full range. Louder samples are clipped.
 short ToInteger(float sample) {
   return static_cast<short>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
 }
@@ -57,8 +57,8 @@ qint64 WaveFile::bytesAvailable() const {
 
 qint64 WaveFile::readData(char* data, qint64 longest) {
   const sf_count_t wanted = std::min<sf_count_t>(longest / FrameSize(), frames_left_);
-  // As fractions, since the library scales files that hold such to their loudest sample when it is
-  // asked for integers.
+  // Read as fractions: asked for integers, the library either truncates the samples of files that
+  // hold fractions or scales them to the loudest one.
   std::vector<float> samples(static_cast<size_t>(wanted * info_.channels));
   const sf_count_t read = sf_readf_float(file_.get(), samples.data(), wanted);
   std::transform(samples.begin(), samples.begin() + read * info_.channels,

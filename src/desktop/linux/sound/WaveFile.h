@@ -9,8 +9,8 @@
 
 namespace vesko {
 
-/// The samples of a wave file as a sound output reads them: 16-bit integers, whatever the file
-/// holds. The file may be anything; what it promises beyond its true length is not there.
+/// The samples of a wave file, converted to 16-bit integers for a sound output. The file is not
+/// trusted: lengths that go beyond its end are cut there.
 class WaveFile : public QIODevice {
  public:
   /// Null where the path names no regular file, the file is no wave file, or its channels or rate

@@ -25,7 +25,7 @@ std::wstring FinalPath(const std::wstring& path) {
   return final.empty() ? path : final;
 }
 
-// Not every loader of a registered class takes the long form.
+// Not every program that loads a registered class accepts the long form.
 std::wstring WithoutLongPrefix(const std::wstring& path) {
   constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
   constexpr std::wstring_view kLong = L"\\\\?\\";
@@ -33,11 +33,11 @@ std::wstring WithoutLongPrefix(const std::wstring& path) {
   return path.starts_with(kLong) ? path.substr(kLong.size()) : path;
 }
 
-/// Empty where the code page lacks one of the characters.
+/// The text in the system's code page; empty where that lacks one of the characters.
 std::string ToCodePage(const std::wstring& text) {
   const int length = static_cast<int>(text.size());
   std::string bytes(text.size() * 4, '\0');
-  // UTF-8 as the system's code page lacks nothing, and the question is an error.
+  // UTF-8 lacks no character, and asking for one that is missing is an error there.
   const bool may_lack = GetACP() != CP_UTF8;
   BOOL lacked = FALSE;
   const int size = WideCharToMultiByte(CP_ACP, may_lack ? WC_NO_BEST_FIT_CHARS : 0, text.c_str(),
@@ -47,7 +47,7 @@ std::string ToCodePage(const std::wstring& text) {
   return bytes;
 }
 
-/// The path as the registry is told it, by short names where the long ones cannot be written.
+/// The path in the system's code page, with short names where the long ones cannot be converted.
 std::string RegisteredPath() {
   const std::wstring path = OwnPath();
   const std::string bytes = ToCodePage(path);

@@ -6,7 +6,7 @@
 
 namespace vesko {
 
-/// What holds this code: the DLL, or the program that it is linked into.
+/// What holds this code: the DLL, or the program that it is linked into. No reference is counted.
 inline HMODULE OwnModule() {
   HMODULE module = nullptr;
   GetModuleHandleExW(
@@ -15,8 +15,8 @@ inline HMODULE OwnModule() {
   return module;
 }
 
-/// Full path of its file, as the loader was asked for it: letters in any case, through links and
-/// short names.
+/// Full path of its file in the form in which the loader was asked for it: letters may be in any
+/// case, folders may be links or short names. Empty where the system does not say.
 inline std::wstring OwnModulePath() {
   constexpr DWORD kLongestPath = 32768;  // characters, NUL included
   std::wstring path(kLongestPath, L'\0');

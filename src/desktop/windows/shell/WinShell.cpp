@@ -18,7 +18,7 @@ Text OwnFile() {
   return Text(path.begin(), path.end());
 }
 
-/// The system reads a path up to its first NUL, and would find another file.
+/// False for a text with a NUL in it: the system would stop there and find another file.
 bool IsPath(const Text& path) { return path.find(u'\0') == Text::npos; }
 
 class WinShell final : public Shell {
@@ -58,7 +58,7 @@ class WinShell final : public Shell {
 
   char16_t PathSeparator() const override { return u'\\'; }
 
-  // Both are the registry's to tell on this system.
+  // On Windows the registry has both, and config/ reads it there.
   Text DesktopMailClient() override { return {}; }
   std::optional<ForeignAccount> DesktopMailAccount(int32_t) override { return std::nullopt; }
 };
