@@ -95,7 +95,7 @@ class XServer {
     process_ = fork();
     if (process_ == 0) {
       const std::string number = std::to_string(ends[1]);
-      execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-nolisten", "tcp", nullptr);
+      execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-noreset", "-nolisten", "tcp", nullptr);
       _exit(1);
     }
     close(ends[1]);

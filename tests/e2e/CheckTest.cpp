@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QTcpSocket>
@@ -236,3 +237,10 @@ TEST_F(DovecotDeletion, TakesNothingFromAMailboxThatHasShrunk) {
 
 }  // namespace
 }  // namespace vesko
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  QApplication application(argc, argv);  // before the demo's server, which needs one
+  QApplication::setQuitOnLastWindowClosed(false);
+  return RUN_ALL_TESTS();
+}

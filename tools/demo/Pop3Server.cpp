@@ -1,5 +1,6 @@
 #include "demo/Pop3Server.h"
 
+#include <QCoreApplication>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
@@ -145,6 +146,9 @@ class Pop3Server::Impl : public QThread {
     for (Pop3Account& account : accounts) {
       mailboxes_.maildrops[account.user].password = account.password;
       for (std::string& message : account.messages) Deliver(account.user, std::move(message));
+    }
+    if (QCoreApplication::instance() == nullptr) {
+      throw std::runtime_error("POP3 server: there is no QCoreApplication");
     }
     std::future<uint16_t> port = listening_.get_future();
     start();

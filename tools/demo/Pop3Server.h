@@ -30,7 +30,8 @@ struct Pop3Faults {
 /// destruction, which closes all connections. Members may be called from any thread.
 class Pop3Server {
  public:
-  /// Throws std::runtime_error when no port can be had.
+  /// Throws std::runtime_error where no port can be had, or where the process has no
+  /// QCoreApplication yet, since Qt runs no event loop without one.
   explicit Pop3Server(std::vector<Pop3Account> accounts, Pop3Faults faults = {});
   ~Pop3Server();
 

@@ -1,3 +1,4 @@
+#include <QCoreApplication>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +14,7 @@
 // milliseconds, for watching a check.
 int main(int count, char** arguments) try {
   using namespace vesko::demo;
+  const QCoreApplication application(count, arguments);
   Pop3Faults pace;
   if (count > 1) pace.answer_delay = std::chrono::milliseconds(std::atoi(arguments[1]));
   std::vector<Pop3Account> accounts;
