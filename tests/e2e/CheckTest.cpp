@@ -94,7 +94,9 @@ std::string Message(int number) {
 }
 
 TEST(Check, OfTwoAccountsOfDovecotDeletesExactlyTheSpam) {
-  Dovecot dovecot({{"kim", "first secret"}, {"lee", "second secret"}});
+  const std::vector<Dovecot::Account> accounts = {{"kim", "first secret"},
+                                                  {"lee", "second secret"}};
+  Dovecot dovecot(accounts);
   std::map<std::string, std::set<std::string>> kept;
   for (int i = 1; i <= 200; ++i) {
     const char* owner = i <= 100 ? "kim" : "lee";
