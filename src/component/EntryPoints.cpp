@@ -1,6 +1,5 @@
-#include "component/LibraryHooks.h"
-
 #include "component/Hresult.h"
+#include "component/LibraryHooks.h"
 
 extern "C" {
 

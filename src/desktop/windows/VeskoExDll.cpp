@@ -1,7 +1,7 @@
 #include <windows.h>
 
-#include "component/LibraryHooks.h"
 #include "component/Hresult.h"
+#include "component/LibraryHooks.h"
 #include "desktop/windows/WindowsDesktop.h"
 #include "desktop/windows/registration/WinRegistration.h"
 
