@@ -75,6 +75,9 @@ void* operator new(size_t size) {
   throw std::bad_alloc();
 }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
+void* operator new[](size_t size) { return operator new(size); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory, size_t) noexcept { std::free(memory); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
@@ -214,12 +217,19 @@ TEST_F(SocketFaultTest, RunningOutOfMemoryEndsTheConnection) {
   LoopbackPeer peer;
   ASSERT_TRUE(Meet(peer));
   for (int i = 0; i < 3; ++i) peer.Send(std::string(65536, 'x'));
-  Faults faults{.largest_allocation = 200000};  // one arrival fits, not all of them
+  Faults faults{.largest_allocation = 100000};
   EXPECT_TRUE(RunFaulty(faults, [&] { return socket_->State() == SocketState::kError; }));
   EXPECT_EQ(errors_, std::vector<int32_t>{kSocketNoMemory});
   EXPECT_EQ(socket_->GetData(), u"");
+  EXPECT_EQ(arrivals_, 0);
   socket_->Close();
   EXPECT_TRUE(Meet(peer));
+  peer.Close();
+
+  NewSocket(kCodePageUtf8, {}, {peer.Port()});
+  socket_->Connect(u"127.0.0.1", peer.Port());
+  EXPECT_TRUE(RunFaulty(faults, [&] { return socket_->State() == SocketState::kError; })) << "TLS";
+  EXPECT_EQ(errors_, std::vector<int32_t>(2, kSocketNoMemory));
 }
 
 TEST_F(SocketFaultTest, LookUpThatNeverEndsHoldsNothingUp) {

@@ -2,7 +2,12 @@
 
 namespace vesko {
 
-enum class Signer { kTestAuthority, kStranger, kItself };
+enum class Signer {
+  kTestAuthority,
+  kServer,  // whose own certificate is good, but not one of an authority
+  kStranger,
+  kItself,
+};
 
 constexpr int kTls13 = 0x0304;
 constexpr int kTls12 = 0x0303;
@@ -49,6 +54,10 @@ inline constexpr TlsCase kTlsCases[] = {
      .signer = Signer::kStranger,
      .highest_version = kTls12,
      .refusal = u"authority that is not known"},
+    {.name = "signed by a server",
+     .signer = Signer::kServer,
+     .highest_version = kTls12,
+     .refusal = u"cannot be verified"},
     {.name = "another name", .alternative_names = "DNS:pop.example", .refusal = kOtherName},
     {.name = "among several", .common_name = "x", .alternative_names = "DNS:x,DNS:LOCALHOST"},
     {.name = "common name alone", .alternative_names = "", .refusal = kOtherName},

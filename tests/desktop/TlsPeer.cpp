@@ -47,6 +47,7 @@ std::shared_ptr<SSL> NewServer(const Certificate& certificate, int highest_versi
   SSL_CTX_set_max_proto_version(context.get(), highest_version);
   SSL_CTX_use_certificate(context.get(), certificate.x509.get());
   SSL_CTX_use_PrivateKey(context.get(), certificate.key.get());
+  if (certificate.issuer) SSL_CTX_add1_chain_cert(context.get(), certificate.issuer.get());
   return {SSL_new(context.get()), SSL_free};
 }
 

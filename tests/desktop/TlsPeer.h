@@ -15,6 +15,7 @@ namespace vesko {
 struct Certificate {
   std::shared_ptr<X509> x509;
   std::shared_ptr<EVP_PKEY> key;
+  std::shared_ptr<X509> issuer{};  // to be shown with it, where it is no authority
 };
 
 /// A certificate of an authority, signed by itself.

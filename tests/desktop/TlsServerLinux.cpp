@@ -13,11 +13,9 @@ class OwnServer final : public TlsServer {
   std::string Authorities() const override { return folder_ / "authorities"; }
 
   void Serve(const TlsCase& row) override {
-    const Certificate stranger = MakeAuthority("Some Authority");
-    const Certificate* issuer = row.signer == Signer::kTestAuthority ? &authority_
-                                : row.signer == Signer::kStranger    ? &stranger
-                                                                     : nullptr;
-    outcome_ = ServeTls(peer_, MakeCertificate(row, issuer), row);
+    Certificate shown = MakeCertificate(row, Issuer(row.signer));
+    if (row.signer == Signer::kServer) shown.issuer = other_server_.x509;
+    outcome_ = ServeTls(peer_, shown, row);
   }
 
   std::string Seen() override {
@@ -27,8 +25,25 @@ class OwnServer final : public TlsServer {
   }
 
  private:
+  const Certificate* Issuer(Signer signer) const {
+    switch (signer) {
+      case Signer::kTestAuthority:
+        return &authority_;
+      case Signer::kServer:
+        return &other_server_;
+      case Signer::kStranger:
+        return &stranger_;
+      case Signer::kItself:
+        break;
+    }
+    return nullptr;
+  }
+
   TempFolder folder_;
   const Certificate authority_ = MakeAuthority("Test Authority");
+  const Certificate stranger_ = MakeAuthority("Some Authority");
+  const Certificate other_server_ =
+      MakeCertificate({.name = "other", .common_name = "other"}, &authority_);
   LoopbackPeer peer_;
   std::future<TlsOutcome> outcome_;
 };

@@ -14,6 +14,18 @@ bool IsPort(int32_t port) { return port >= 0 && port <= 0xFFFF; }
 
 }  // namespace
 
+// No exception may reach the event loop, which makes the calls.
+template <typename Step>
+void StreamSocket::Contain(Step step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+    streams_->Close();
+    text_ = Text();
+    FailWith(kSocketNoMemory);
+  }
+}
+
 StreamSocket::StreamSocket(const Locale& locale, std::vector<int32_t> tls_ports,
                            LookUpFunction look_up, std::unique_ptr<Background> background,
                            std::unique_ptr<Streams> streams)
@@ -60,8 +72,10 @@ void StreamSocket::Close() {
 void StreamSocket::LookedUp(HostLookup lookup) {
   if (lookup.error != 0) return FailWith(lookup.error);
   state_ = SocketState::kConnecting;
-  streams_->Open({host_, std::move(lookup), static_cast<uint16_t>(local_port_), IsTlsPort()},
-                 *this);
+  Contain([&] {
+    streams_->Open({host_, std::move(lookup), static_cast<uint16_t>(local_port_), IsTlsPort()},
+                   *this);
+  });
 }
 
 bool StreamSocket::IsTlsPort() const {
@@ -78,12 +92,8 @@ void StreamSocket::Opened() { state_ = SocketState::kConnected; }
 
 void StreamSocket::BytesArrived(std::string_view bytes) {
   bytes_received_ += bytes.size();
-  try {
-    Keep(decoder_->Decode(bytes));
-  } catch (const std::bad_alloc&) {
-    return RanOutOfMemory();
-  }
-  if (on_data_arrival) on_data_arrival();
+  Contain([&] { Keep(decoder_->Decode(bytes)); });
+  if (state_ == SocketState::kConnected && on_data_arrival) on_data_arrival();
 }
 
 void StreamSocket::Keep(Text text) {
@@ -92,13 +102,6 @@ void StreamSocket::Keep(Text text) {
   } else {
     text_ += text;
   }
-}
-
-// No exception may reach the event loop, which called the stream.
-void StreamSocket::RanOutOfMemory() {
-  streams_->Close();
-  text_ = Text();
-  FailWith(kSocketNoMemory);
 }
 
 void StreamSocket::PeerClosed() {

@@ -29,6 +29,7 @@ class Streams {
   /// Connects to the first address that accepts. With TLS the stream opens when the handshake is
   /// over and the server's certificate has been accepted. The listener must live until Close. To be
   /// called by the event loop, with the stream closed: a failure may be reported at once.
+  /// Raises nothing but std::bad_alloc.
   virtual void Open(Destination destination, StreamListener& listener) = 0;
 
   /// Sends all bytes in order and never blocks: bytes that the peer does not take yet are kept.
@@ -70,7 +71,8 @@ class StreamSocket final : public Socket, private StreamListener {
   void FailLater(int32_t number);
   void FailWith(int32_t number);
   void Keep(Text text);
-  void RanOutOfMemory();
+  template <typename Step>
+  void Contain(Step step);
 
   void Opened() override;
   void BytesArrived(std::string_view bytes) override;

@@ -180,7 +180,6 @@ void TcpStream::Flush() {
 void TcpStream::StopWatching() {
   read_.setEnabled(false);
   write_.setEnabled(false);
-  connecting_ = false;
 }
 
 void TcpStream::Fail(int system_error) {

@@ -66,12 +66,20 @@ int CheckCertificate(X509_STORE_CTX* store, void*) {
   return check.faults.empty() ? 1 : 0;
 }
 
+BIO* NewMemory() {
+  BIO* memory = BIO_new(BIO_s_mem());
+  if (!memory) throw std::bad_alloc();
+  BIO_set_mem_eof_return(memory, -1);  // empty means that more may come
+  return memory;
+}
+
 }  // namespace
 
 void SslDeleter::operator()(SSL* ssl) const { SSL_free(ssl); }
 
 TlsContext::TlsContext(const std::string& certificate_file)
     : context_(SSL_CTX_new(TLS_client_method())) {
+  if (!context_) throw std::bad_alloc();
   SSL_CTX_set_min_proto_version(context_, TLS1_2_VERSION);
   SSL_CTX_set_options(context_, SSL_OP_NO_RENEGOTIATION);
   SSL_CTX_set_verify(context_, SSL_VERIFY_PEER, nullptr);
@@ -86,6 +94,8 @@ TlsContext::~TlsContext() { SSL_CTX_free(context_); }
 SslPtr TlsContext::NewConnection(CertificateCheck& check) {
   SslPtr ssl(SSL_new(context_));
   if (!ssl) throw std::bad_alloc();
+  SSL_set0_rbio(ssl.get(), NewMemory());
+  SSL_set0_wbio(ssl.get(), NewMemory());
   SSL_set_app_data(ssl.get(), &check);
   const std::string name = AnnouncedName(check.server);
   if (!name.empty()) SSL_set_tlsext_host_name(ssl.get(), name.c_str());

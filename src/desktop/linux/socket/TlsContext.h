@@ -29,14 +29,14 @@ struct CertificateCheck {
 class TlsContext {
  public:
   /// The authorities are the system's and those in a PEM file. A file that cannot be read adds
-  /// none, and neither does an empty name.
+  /// none, and neither does an empty name. Throws std::bad_alloc.
   explicit TlsContext(const std::string& certificate_file);
   ~TlsContext();
   TlsContext(const TlsContext&) = delete;
   TlsContext& operator=(const TlsContext&) = delete;
 
-  /// The client's end of a connection whose handshake has not begun; it asks for the server by
-  /// name. Its handshake fails, and tells the server why, when the check finds a fault. The check
+  /// The client's end of a connection whose handshake has not begun, with BIOs in memory; it asks
+  /// for the server by name. Its handshake fails, and tells the server why, when the check finds a fault. The check
   /// must outlive it. Throws std::bad_alloc.
   SslPtr NewConnection(CertificateCheck& check);
 

@@ -22,12 +22,9 @@ TlsStream::TlsStream(TlsContext& context, TcpStream& tcp, Text host, ServerIdent
       check_{std::move(server), {}},
       listener_(listener),
       ssl_(context.NewConnection(check_)),
-      in_(BIO_new(BIO_s_mem())),
-      out_(BIO_new(BIO_s_mem())),
-      plain_(std::make_unique_for_overwrite<char[]>(kPlainSize)) {
-  BIO_set_mem_eof_return(in_, -1);  // nothing there: more may come
-  SSL_set_bio(ssl_.get(), in_, out_);
-}
+      in_(SSL_get_rbio(ssl_.get())),
+      out_(SSL_get_wbio(ssl_.get())),
+      plain_(std::make_unique_for_overwrite<char[]>(kPlainSize)) {}
 
 TlsStream::~TlsStream() {
   ERR_clear_error();
