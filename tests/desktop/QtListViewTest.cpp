@@ -133,11 +133,12 @@ TEST_F(QtListViewTest, KeysThatAreUsedUpDoNothingElse) {
     QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
     QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(Selected(), "1 ");
+    QTest::keyClick(View(), Qt::Key_B);
     use_up = false;
     QTest::keyClick(View(), Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(Selected(), "0 1 2 3 4 ");
   });
-  EXPECT_EQ(keys, "65/3 65/2 65/2 ");
+  EXPECT_EQ(keys, "65/3 65/2 66/0 65/2 ");
 }
 
 TEST_F(QtListViewTest, AHeaderClickSortsInTheControlOnly) {

@@ -441,6 +441,7 @@ TEST_F(QtToolkitTest, TextThatWrapsLeavesRoomForTheButtons) {
       const QWidget* const window = WindowOf(button);
       const QRect place(Native(button)->mapTo(window, QPoint()), Native(button)->size());
       EXPECT_TRUE(window->rect().contains(place));
+      EXPECT_FALSE(window->findChild<QScrollArea*>()->verticalScrollBar()->isVisible());
       EXPECT_GE(Native(label)->height(), Native(label)->heightForWidth(Native(label)->width()));
     });
   }

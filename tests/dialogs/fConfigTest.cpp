@@ -212,7 +212,9 @@ TEST_F(fConfigTest, CancelAndClosingDiscardEveryEdit) {
 }
 
 TEST_F(fConfigTest, KeywordsAreAddedRenamedAndDeleted) {
-  machine.toolkit.Input(u"@three.example");
+  const Text prompt =
+      u"Type new spam mail address keyword\r\nsuch as offers@spam.example or @spam.example:";
+  machine.toolkit.Input(u"@three.example", prompt);
   machine.toolkit.On("InputBox", [](Form& box) { Press(box, "cmdCancel"); });
   machine.toolkit.On("InputBox", [](Form& box) {
     EXPECT_EQ(box.Caption(), u"Rename Spam Mail");
@@ -220,7 +222,7 @@ TEST_F(fConfigTest, KeywordsAreAddedRenamedAndDeleted) {
     Type(box, "txtAnswer", u"@2.example");
     Press(box, "cmdOK");
   });
-  machine.toolkit.Input(u"");
+  machine.toolkit.Input(u"", prompt);
   Show([](Form& form) {
     ListBox& list = Find<ListBox>(form, "lstSpamSender");
     Press(form, "cmdSpamSender(0)");
@@ -238,8 +240,11 @@ TEST_F(fConfigTest, KeywordsAreAddedRenamedAndDeleted) {
     EXPECT_EQ(list.ListIndex(), 0) << "the same place";
   });
   EXPECT_EQ(Stored().SpamSenders, std::vector<Text>{u"@2.example"});
+  machine.toolkit.Input(
+      u"word", u"Type new spam mail subject keyword\r\nsuch as \"ILOVEYOU\" or \"MELISSA\":");
   Show([](Form& form) {
-    for (int i = 0; i < 3; ++i) Press(form, "cmdSpamSubject(2)");
+    Press(form, "cmdSpamSubject(0)");
+    for (int i = 0; i < 4; ++i) Press(form, "cmdSpamSubject(2)");
     Press(form, "cmdSpamSubject(1)");
   });
   EXPECT_TRUE(Stored().SpamSubjects.empty());

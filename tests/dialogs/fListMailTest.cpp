@@ -144,7 +144,9 @@ TEST_F(fListMailTest, ConfigSpamFiltersAgainUnlessCancelled) {
     Press(form, "cmdSpamSender(0)");
     Press(form, "cmdOK");
   };
-  machine.toolkit.Input(u"@new.EXAMPLE");
+  machine.toolkit.Input(u"@new.EXAMPLE",
+                        u"Type new spam mail address keyword\r\n"
+                        u"such as offers@spam.example or @spam.example:");
   machine.toolkit.On("fConfig", add_keyword);
   machine.toolkit.On("fConfig", [](Form& form) { Press(form, "cmdCancel"); });
   Show([](Form& form, ListView& list) {

@@ -90,8 +90,9 @@ void ScriptedToolkit::Answer(const Text& caption, const Text& expected) {
   });
 }
 
-void ScriptedToolkit::Input(const Text& text) {
-  On("InputBox", [text](Form& form) {
+void ScriptedToolkit::Input(const Text& text, const Text& expected) {
+  On("InputBox", [text, expected](Form& form) {
+    EXPECT_EQ(Find<Label>(form, "lblPrompt").Caption(), expected);
     Type(form, "txtAnswer", text);
     Press(form, "cmdOK");
   });

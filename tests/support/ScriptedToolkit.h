@@ -48,8 +48,8 @@ class ScriptedToolkit : public Toolkit {
   /// the caption is empty. The box must ask just what is expected.
   void Answer(const Text& caption, const Text& expected);
 
-  /// The user types into the next input box and presses OK.
-  void Input(const Text& text);
+  /// The user types into the next input box and presses OK. The box must ask just what is expected.
+  void Input(const Text& text, const Text& expected);
 
   std::vector<std::string> shown;  // names of windows, in order
   std::vector<Message> messages;

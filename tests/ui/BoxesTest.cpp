@@ -33,7 +33,7 @@ TEST(QuestionBoxTest, ShowsPlainTextAndBeginsAtTheFirstButton) {
 
 TEST(InputBoxTest, ReturnsTheTextOnlyOnOk) {
   ScriptedToolkit toolkit;
-  toolkit.Input(u" typed ");
+  toolkit.Input(u" typed ", u"Prompt");
   EXPECT_EQ(InputBox(toolkit, u"Prompt", u"Title"), u" typed ");
   toolkit.On("InputBox", [&](Form& box) {
     EXPECT_EQ(Find<Label>(box, "lblPrompt").Caption(), u"Prompt");

@@ -48,8 +48,6 @@ class ProgressPeer : public QtPeerOf<ProgressBar, QProgressBar> {
     Native()->setTextVisible(false);
   }
 
-  bool WantsLabel() const override { return true; }
-
  protected:
   void ShowOwnState() override {
     Native()->setRange(0, control_.Maximum());
