@@ -168,7 +168,7 @@ class Soak {
   void CountMissed() {
     std::set<Text> known;
     state_.data.mails.ForEach([&](const cMessage& message) {
-      known.insert(Text(Trim(message.MessageID)));
+      known.insert(Text(Trim(Text(message.MessageID))));
       return true;
     });
     for (const std::string& user : kUsers) {

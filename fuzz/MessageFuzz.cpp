@@ -8,7 +8,7 @@
 namespace vesko::fuzz {
 namespace {
 
-constexpr Text cMessage::*kFields[] = {
+constexpr CompactText cMessage::*kFields[] = {
     &cMessage::Headers,  &cMessage::MessageBody, &cMessage::Encrypted, &cMessage::Comments,
     &cMessage::Keywords, &cMessage::References,  &cMessage::InReplyTo, &cMessage::BCC,
     &cMessage::CC,       &cMessage::Sender,      &cMessage::ReplyTo,   &cMessage::Subject,
@@ -18,7 +18,7 @@ constexpr Text cMessage::*kFields[] = {
 
 size_t Kept(const cMessage& message) {
   size_t kept = 0;
-  for (Text cMessage::*field : kFields) kept += (message.*field).size();
+  for (CompactText cMessage::*field : kFields) kept += (message.*field).size();
   return kept;
 }
 
@@ -32,14 +32,21 @@ void Run(Input input) {
          "a message raises errors of its date only");
   Expect(Kept(message) <= 4 * text.size() + 64, "a message is not much larger than its text");
   Expect(message.Size() == static_cast<int32_t>(2 * text.size()), "Size is that of the text");
-  Expect(text.starts_with(message.Headers), "the headers are the beginning");
+  Expect(text.starts_with(Text(message.Headers)), "the headers are the beginning");
   Expect(message.DecodeMessage(text).size() <= 2 * text.size(), "decoding adds line ends at most");
 
-  for (Text cMessage::*field : kFields) {
-    Expect(IsShowable(OneLine(message.*field), false), "a line shows no control character");
-    const Text lines = Lines(message.*field, Text::npos, u"\r\n");
+  for (CompactText cMessage::*field : kFields) {
+    const Text text_of_field = message.*field;
+    Expect(IsShowable(OneLine(text_of_field), false), "a line shows no control character");
+    const Text lines = Lines(text_of_field, Text::npos, u"\r\n");
     Expect(IsShowable(lines, true), "lines show no control character");
-    Expect(lines.size() <= 2 * (message.*field).size(), "line ends double at most");
+    Expect(lines.size() <= 2 * text_of_field.size(), "line ends double at most");
+  }
+
+  cMessage compact(locale);
+  ErrorOf([&] { compact.CreateFromCompactText(text); });
+  for (CompactText cMessage::*field : kFields) {
+    Expect(compact.*field == message.*field, "a compact text gives the same message");
   }
 
   // What stands behind the end of the body changes nothing before it.

@@ -144,8 +144,9 @@ class Check {
   std::vector<Text> Mails() const {
     std::vector<Text> mails;
     data_.mails.ForEach([&](const cMessage& message) {
-      mails.push_back(message.MessageID + u"|" + Decimal(message.Index()) + u"|" + message.Subject +
-                      u"|" + message.MessageBody);
+      mails.push_back(
+          Join({message.MessageID, Decimal(message.Index()), message.Subject, message.MessageBody},
+               u"|"));
       return true;
     });
     return mails;

@@ -46,7 +46,7 @@ constexpr Mark kMarks[] = {{kSetSpam, &cMessage::Spam, true},
 
 struct MessageColumn {
   TextView header;
-  Text cMessage::*text;
+  CompactText cMessage::*text;
   int width = ListView::kDefaultColumnWidth;
 };
 constexpr MessageColumn kColumns[] = {{u"From", &cMessage::From, 150},

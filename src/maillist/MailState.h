@@ -5,12 +5,14 @@
 
 namespace vesko {
 
-/// How a message is shown: spam or not, read or not. Each state has an image.
+/// How the list shows a message: as spam or not, as read or not. Each state has an image, and the
+/// number of the state is the index of its image.
 enum class MailState { kMail, kMailRead, kSpam, kSpamRead };
 
-/// Names of the states, by their numbers, which are those of their images as well.
+/// The names of the states, which are the names of their images as well.
 inline constexpr std::string_view kMailStateNames[] = {"Mail", "MailRead", "Spam", "SpamRead"};
 
+/// The name of one state.
 constexpr std::string_view NameOf(MailState state) {
   return kMailStateNames[static_cast<size_t>(state)];
 }

@@ -6,12 +6,13 @@
 
 namespace vesko {
 
-/// What all parts of the component work on: the check fills it, the windows show and change it.
-/// Nothing in it is locked, since there is one thread.
+/// The data that all parts of the component share. A check fills it, and the windows show and
+/// change it. Nothing in it is locked, because everything runs on one thread.
 struct SharedData {
   Configuration configuration;
   colMails mails;
-  Text font_name;  // the face that every window applies when it loads; empty for the desktop's own
+  /// The font face that every window applies when it loads; empty for the desktop's own.
+  Text font_name;
 };
 
 }  // namespace vesko

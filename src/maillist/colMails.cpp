@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Ascii.h"
+
 namespace vesko {
 namespace {
 
-/// Keywords folded once, for the many texts that they are looked for in.
+/// Keywords, folded once and then searched for in many texts.
 class FoldedKeywords {
  public:
   FoldedKeywords(const std::vector<Text>& keywords, const Locale& locale) : locale_(locale) {
@@ -15,26 +17,37 @@ class FoldedKeywords {
     }
   }
 
-  bool AnyIn(const Text& text) const {
+  bool AnyIn(const CompactText& text) {
     if (folded_.empty() || text.empty()) return false;
-    const Text folded_text = locale_.Fold(text);
+    text.AssignTo(text_);
+    Fold();
     return std::any_of(folded_.begin(), folded_.end(),
-                       [&](const Text& keyword) { return Contains(folded_text, keyword); });
+                       [&](const Text& keyword) { return Contains(text_, keyword); });
   }
 
  private:
+  /// Most texts are 7-bit and need neither the locale nor memory.
+  void Fold() {
+    if (std::ranges::all_of(text_, [](char16_t c) { return c < 0x80; })) {
+      std::ranges::transform(text_, text_.begin(), AsciiLower<char16_t>);
+    } else {
+      text_ = locale_.Fold(text_);
+    }
+  }
+
   const Locale& locale_;
   std::vector<Text> folded_;
+  Text text_;  // the one searched in; kept for its memory
 };
 
-/// The spam test with all its keywords, ready for many messages.
+/// The spam test for many messages with the same keywords.
 class SpamTest {
  public:
   SpamTest(const std::vector<Text>& senders, const std::vector<Text>& subjects,
            const Locale& locale)
       : senders_(senders, locale), subjects_(subjects, locale) {}
 
-  bool Matches(const cMessage& message) const {
+  bool Matches(const cMessage& message) {
     return senders_.AnyIn(message.From) || subjects_.AnyIn(message.Subject);
   }
 
@@ -61,7 +74,7 @@ bool IsSpamMessage(const cMessage& message, const std::vector<Text>& senders,
   return SpamTest(senders, subjects, locale).Matches(message);
 }
 
-Text colMails::Key(TextView server, TextView message_id) {
+Text colMails::Key(const Text& server, const Text& message_id) {
   Text key;
   key.reserve(server.size() + message_id.size());
   return key.append(server).append(message_id);
@@ -168,7 +181,7 @@ bool colMails::AnySpam() const {
 
 void colMails::ApplySpamFilter(const std::vector<Text>& senders, const std::vector<Text>& subjects,
                                const Locale& locale) {
-  const SpamTest test(senders, subjects, locale);
+  SpamTest test(senders, subjects, locale);
   ForEach([&](cMessage& message) {
     message.Spam = test.Matches(message);
     return true;

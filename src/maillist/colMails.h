@@ -34,13 +34,15 @@ struct Maildrop {
   bool operator==(const Maildrop&) const = default;
 };
 
-/// The messages of all checks, in the order in which they were first seen. Key: Server followed by
-/// MessageID, nothing between. Lives as long as the component; nothing of it is stored.
+/// The messages of all checks, in the order in which they were first seen. Their key is Server
+/// immediately followed by MessageID. The collection lives as long as the component and is stored
+/// nowhere.
 ///
-/// An entry belongs to the maildrop that it was first fetched from. Its message number may be used
-/// for a deletion only while nothing speaks against it: the maildrop's last complete session saw
-/// the message under that number, and the numbers have not moved since. POP3 numbers messages
-/// afresh in every session, so a stale number would delete another message.
+/// An entry belongs to the maildrop that it was first fetched from. POP3 numbers messages afresh in
+/// every session, so a stale number would delete another message. Therefore the number of an entry
+/// (its Index) is used for a deletion only when the maildrop's last complete session saw the
+/// message under it, and nothing that happened since suggests that the numbers have moved: an
+/// unfinished session that found something else there, a deletion, or a mailbox that has shrunk.
 class colMails {
  public:
   using Message = std::shared_ptr<cMessage>;
@@ -51,37 +53,40 @@ class colMails {
     std::vector<Message> gone;      // the last complete session did not see them any more
   };
 
-  static Text Key(TextView server, TextView message_id);
+  /// The key of a message: both parts, nothing between them.
+  static Text Key(const Text& server, const Text& message_id);
 
   size_t Count() const { return entries_.Count(); }
 
-  /// A session that lists `maildrop` begins; what Add adds is fetched from there.
+  /// A session that fetches from `maildrop` begins. Add and CompleteSession refer to it.
   void BeginSession(const Maildrop& maildrop);
 
-  /// Adds a message that the session has seen under its Index. A key that is already there keeps
-  /// its entry and marks; returns false then. The entry takes over the new Index when it belongs to
-  /// the same maildrop; of several messages with one key in a session (those without a MessageID)
-  /// the first counts. Precondition: BeginSession.
+  /// Adds a message that the session has seen under its Index. When the key is already present, the
+  /// entry and its marks stay and the result is false. The entry then takes over the new Index if
+  /// it belongs to the same maildrop. If several messages of a session have one key (those without
+  /// a MessageID do), the first one counts. Preconditions: BeginSession, and an Index is set.
   bool Add(Message message);
 
-  /// The session that began last has seen the whole maildrop, which holds `count` messages: the
-  /// numbers of what it saw are good, and what it did not see is gone from the server.
+  /// The session that began last has seen all `count` messages of its maildrop: the numbers of
+  /// those are good, and all other entries of the maildrop are gone from the server.
   void CompleteSession(int32_t count);
 
   /// How many messages the last complete session saw in the maildrop; 0 when there was none.
   int32_t CountIn(const Maildrop& maildrop) const;
 
-  /// Messages were deleted from the maildrop, or it has changed: no entry of it has a number until
-  /// its next complete session.
+  /// The numbers of the maildrop have moved or may have: none of its entries has a number until its
+  /// next complete session. Does not allocate.
   void ForgetNumbers(const Maildrop& maildrop);
 
-  /// The message under a key, or null.
+  /// The message under a key (see Key), or null.
   Message Find(const Text& key) const;
 
+  /// Both do nothing when there is no such message; Remove returns false then.
   bool Remove(const Text& key) { return entries_.Remove(key); }
   void RemoveFirst() { entries_.RemoveFirst(); }
 
-  /// Calls visit(message) in order; false ends the walk.
+  /// Calls visit(message) in order until it returns false. The collection must not change
+  /// meanwhile.
   template <typename Visit>
   void ForEach(Visit&& visit) const {
     entries_.ForEach([&](const Entry& entry) { return visit(*entry.message); });
@@ -94,14 +99,15 @@ class colMails {
   /// Those whose number is not known at present are in neither list.
   Marked MarkedForDeletion(const Maildrop& maildrop) const;
 
+  /// Whether at least one message is not marked Read, or is marked Spam.
   bool AnyUnread() const;
   bool AnySpam() const;
 
-  /// Spam = IsSpamMessage for every message.
+  /// Sets the Spam mark of every message to the result of IsSpamMessage, manual marks included.
   void ApplySpamFilter(const std::vector<Text>& senders, const std::vector<Text>& subjects,
                        const Locale& locale);
 
-  /// Delete = true for every message whose Spam is true.
+  /// Marks every message for deletion that is marked as spam; or none any more.
   void MarkSpamForDeletion();
   void ClearDeletionMarks();
 
@@ -137,8 +143,8 @@ class colMails {
   uint32_t session_ = 0;
 };
 
-/// Whether a keyword of `senders` occurs in From, or one of `subjects` in Subject, without regard
-/// to case. Empty keywords never match.
+/// Whether a keyword of `senders` occurs anywhere in From, or one of `subjects` in Subject, without
+/// regard to case. Empty keywords never match.
 bool IsSpamMessage(const cMessage& message, const std::vector<Text>& senders,
                    const std::vector<Text>& subjects, const Locale& locale);
 

@@ -26,7 +26,7 @@ Text WithCentury(TextView year) {
   return Text(ToDouble(year) < kCutOverYear ? u"20" : u"19").append(year);
 }
 
-// Noon becomes hour 24, which no date has: such a text is shown as it is.
+// Noon becomes hour 24. That is not a valid time, so such a date is shown as text.
 Text AfternoonTime(TextView time) {
   TextView hour = time.substr(0, time.find(u':'));
   std::array<char, 32> digits;
@@ -35,7 +35,7 @@ Text AfternoonTime(TextView time) {
   return FromAscii({digits.data(), end}).append(time.substr(hour.size()));
 }
 
-// Cuts at the space behind the time of day: the zone goes, and whatever follows it.
+// Cuts the text at the space after the time of day, which removes the zone and any comment.
 TextView WithoutZone(TextView date) {
   size_t colon = date.find(u':');
   return colon == TextView::npos ? date : date.substr(0, date.find(u' ', colon));

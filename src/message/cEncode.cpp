@@ -58,7 +58,7 @@ std::string_view AsBytes(const ByteArray& bytes) {
 
 uint8_t Byte(std::string_view bytes, size_t at) { return static_cast<uint8_t>(bytes[at]); }
 
-// Two bytes to a character, as a string holds bytes in automation.
+// Packs two bytes into each character, which is how an automation string holds bytes.
 Text PackBytes(std::string_view bytes) {
   Text packed((bytes.size() + 1) / 2, u'\0');
   for (size_t i = 0; i < bytes.size(); ++i) {
@@ -67,7 +67,7 @@ Text PackBytes(std::string_view bytes) {
   return packed;
 }
 
-// Fills up to full groups of three and writes four 6-bit values for each.
+// Pads the bytes to groups of three and writes each group as four 6-bit values.
 template <typename Digit>
 std::string EncodeGroups(std::string bytes, Digit digit) {
   size_t groups = (bytes.size() + 2) / 3;
@@ -88,7 +88,7 @@ std::string EncodeGroups(std::string bytes, Digit digit) {
 char Base64Digit(int value) { return kBase64[value]; }
 char UuDigit(int value) { return static_cast<char>(value + 32); }
 
-// A last group that is not full counts in characters, not in bytes; EncodeGroups pads the rest.
+// Pads the text to a multiple of three characters; EncodeGroups then pads the bytes.
 Text PadToGroups(TextView text) {
   Text padded(text);
   padded.resize((text.size() + 2) / 3 * 3, u'\0');
@@ -97,7 +97,7 @@ Text PadToGroups(TextView text) {
 
 Text WithoutLineEnds(TextView text) { return ReplaceAll(Trim(text), kCrLf, {}); }
 
-// Makes the length a multiple of four: a pad that is too much goes, one that lacks is added.
+// Makes the length a multiple of four: surplus padding is removed, missing padding is added.
 void NormalisePad(Text& text) {
   constexpr TextView kPads[] = {u"", u"=", u"==", u"==="};
   size_t rest = text.size() % 4;
@@ -109,8 +109,8 @@ void NormalisePad(Text& text) {
   }
 }
 
-// The four values of a group. A byte above the table leaves the value that the same place of an
-// earlier group had.
+// The four values of a group. For a byte beyond the table, the value from the same position of the
+// previous group stays.
 class Base64Group {
  public:
   void Read(std::string_view bytes, size_t at) {
@@ -131,7 +131,7 @@ class Base64Group {
   std::array<uint8_t, 4> values_{};
 };
 
-// Bytes of the last group, which is full unless it ends with a pad.
+// The number of bytes in the last group if it is padded, otherwise 0.
 size_t TailBytes(std::string_view bytes) {
   if (bytes.size() < 4 || bytes.back() != '=') return 0;
   return bytes[bytes.size() - 2] == '=' ? 1 : 2;
@@ -144,7 +144,7 @@ int HexDigit(char16_t c) {
   return -1;
 }
 
-// Value of the hexadecimal digits that lead the two characters at a position.
+// The value of up to two hexadecimal digits at a position; 0 if there is none.
 uint8_t HexByte(TextView text, size_t at) {
   int value = 0;
   for (size_t i = at; i < at + 2 && i < text.size() && HexDigit(text[i]) >= 0; ++i) {
@@ -155,8 +155,9 @@ uint8_t HexByte(TextView text, size_t at) {
 
 constexpr uint8_t kFirstLeadByte = 0x81;
 
-// Appends the character whose first byte stands at `at`, behind an "=". Returns how many
-// characters of the text it took. The "=" of a trail byte is taken for granted.
+// Appends the character whose first byte is at `at`, after an "=". Returns how many characters of
+// the text it consumed. Each trail byte is assumed to have an "=" of its own, which is skipped
+// without a look.
 size_t AppendEscaped(const Locale& locale, TextView text, size_t at, Text& decoded) {
   std::string bytes(1, static_cast<char>(HexByte(text, at)));
   uint8_t lead = Byte(bytes, 0);

@@ -8,8 +8,8 @@
 
 namespace vesko {
 
-/// Conversion codes of cEncode::Conv. Below 256 they are the platform's own, see TextMapping for
-/// those up to 32.
+/// Conversion codes of cEncode::Conv. Those below 256 are the platform's own; TextMapping explains
+/// the ones up to 32.
 inline constexpr int32_t ConvUpperCase = 1;
 inline constexpr int32_t ConvLowerCase = 2;
 inline constexpr int32_t ConvProperCase = 3;
@@ -33,36 +33,36 @@ inline constexpr int32_t ConvUnicodeWords = 266;
 inline constexpr int32_t ConvAsciiToEbcdic = 267;
 inline constexpr int32_t ConvEbcdicToAscii = 268;
 
-/// Converts text by way of its bytes in the system's code page. Stateless; every call takes time
-/// in proportion to its input.
+/// Converts text by way of its bytes in the system's code page. It is stateless, and every call
+/// takes linear time.
 class cEncode {
  public:
   /// The locale must outlive this object.
   explicit cEncode(const Locale& locale) : locale_(locale) {}
 
-  /// The data converted: text, but for ConvAnsiBytes a ByteArray and for ConvUnicodeWords a
-  /// WordArray. Data of length 0 give empty text whatever the code; an unknown code gives Empty.
-  /// Data that are no text are converted to text first, except that ConvUnicode takes a ByteArray
-  /// as the bytes that it is.
+  /// The converted data: a ByteArray for ConvAnsiBytes, a WordArray for ConvUnicodeWords, otherwise
+  /// text. Data of length 0 give empty text whatever the code; an unknown code gives Empty. Data of
+  /// another type are converted to text first, except that ConvUnicode takes the bytes of a
+  /// ByteArray as they are.
   ///
-  /// Bytes that stand in a string (given to ConvUnicode, returned by ConvFromUnicode) stand two to
-  /// a character, the low half first; the high half of the last character is 0 where their number
-  /// is odd.
+  /// A string that holds bytes (the input of ConvUnicode, the result of ConvFromUnicode) holds two
+  /// in each character, the first one in the low half. If their number is odd, the high half of the
+  /// last character is 0.
   ///
-  /// The encoders of base64 and uuencode pad with NUL, not with "=", and write no line breaks; they
-  /// raise run-time error 6 above 24573 bytes, the EBCDIC conversions above 32768. Malformed input
-  /// raises nothing, with one exception: ConvQPDecode raises error 5 for a multi-byte character
-  /// that the code page lacks.
+  /// The base64 and uuencode encoders pad with NUL instead of "=" and write no line breaks. They
+  /// raise run-time error 6 for more than 24573 bytes, the EBCDIC conversions for more than 32768.
+  /// Malformed input raises nothing, with one exception: ConvQPDecode raises error 5 for a
+  /// multi-byte character that the code page lacks.
   Variant Conv(const Variant& data, int32_t code, int32_t locale_id) const;
 
-  /// True when the text needs a byte of 128 or more.
+  /// Whether the text needs bytes of 128 or more.
   bool IsBinary(const Variant& data) const;
 
-  /// Without surrounding spaces, then without the double quotes at either end; spaces behind the
-  /// quotes stay.
+  /// The text without surrounding spaces and then without double quotes at either end. Spaces
+  /// inside the quotes stay.
   static Text TrimQuotes(TextView text);
 
-  /// ConvBase64Decode and ConvQPDecode without the detour over a Variant.
+  /// ConvBase64Decode and ConvQPDecode without a Variant.
   Text DecodeBase64(TextView text) const;
   Text DecodeQuotedPrintable(TextView text) const;
 

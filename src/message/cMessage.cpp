@@ -14,19 +14,20 @@ namespace vesko {
 namespace {
 
 constexpr TextView kBlankLine = u"\r\n\r\n";
+constexpr TextView kContentType = u"Content-Type:";
 
 // --- Header lines
 
 enum class Handling {
-  kRaw,       // the value as it stands; the last line counts
-  kTrimmed,   // decoded and trimmed; the last line counts
-  kAppended,  // decoded; every line adds to the field
+  kRaw,       // stored undecoded; a later line replaces an earlier one
+  kTrimmed,   // decoded and trimmed; a later line replaces an earlier one
+  kAppended,  // decoded; each line is appended
   kDate,
 };
 
 struct KnownField {
   TextView name;
-  Text cMessage::*member;
+  CompactText cMessage::*member;
   Handling handling;
 };
 
@@ -51,7 +52,7 @@ constexpr KnownField kKnownFields[] = {
 constexpr size_t kFieldCount = std::size(kKnownFields);
 constexpr size_t kLongestName = std::size(u"return-path") - 1;
 
-// `lower` is 7-bit text in lower case.
+// Compares without regard to ASCII case. `lower` must be 7-bit text in lower case.
 bool EqualsLower(TextView text, TextView lower) {
   return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
                     [](char16_t c, char16_t wanted) { return AsciiLower(c) == wanted; });
@@ -72,7 +73,7 @@ TextView TrimBlanks(TextView text) {
   return text;
 }
 
-// The text with spaces for tabs; the copy is made only where there are any.
+// The text with its tabs replaced by spaces. It is copied to `copy` only if it has tabs.
 TextView WithoutTabs(TextView text, Text& copy) {
   if (Find(text, u'\t') == Text::npos) return text;
   copy = text;
@@ -80,7 +81,7 @@ TextView WithoutTabs(TextView text, Text& copy) {
   return copy;
 }
 
-// Position of the next CR LF, or the end of the text.
+// The position of the next CR LF, or the end of the text.
 size_t FindLineEnd(TextView text, size_t from) {
   for (size_t at; (at = Find(text, u'\r', from)) != Text::npos; from = at + 1) {
     if (at + 1 < text.size() && text[at + 1] == u'\n') return at;
@@ -88,8 +89,9 @@ size_t FindLineEnd(TextView text, size_t from) {
   return text.size();
 }
 
-// Reads header lines into a message. The values that a later line may replace stay views until all
-// is read, so that repeated and folded ones cost nothing.
+// Reads header lines into a message. Values that a later line may replace remain views until the
+// end of the header, so repeated and folded lines cost nothing. Values that are appended are stored
+// once they are complete.
 class HeaderReader {
  public:
   explicit HeaderReader(cMessage& message) : message_(message) {}
@@ -102,12 +104,12 @@ class HeaderReader {
     }
   }
 
-  // Stores what Read left as views, also after an error in it.
+  // Stores the values that Read has collected. To be called after an error in Read, too.
   void Store() {
     for (size_t i = 0; i < kFieldCount; ++i) {
       const KnownField& field = kKnownFields[i];
       if (replaced_[i]) message_.*field.member = Value(field, *replaced_[i]);
-      if (field.handling == Handling::kAppended) (message_.*field.member).shrink_to_fit();
+      if (!appended_[i].empty()) Add(appended_[i], message_.*field.member);
     }
   }
 
@@ -119,7 +121,7 @@ class HeaderReader {
     if (field_ != nullptr) Take(TrimBlanks(line.substr(colon + 1)));
   }
 
-  // With a colon in it the line counts as a field of its own, which no one knows.
+  // A continuation line with a colon counts as an unknown field of its own.
   void ReadContinuation(TextView line) {
     if (field_ == nullptr) return;
     if (Find(line, u':') != Text::npos) {
@@ -140,12 +142,16 @@ class HeaderReader {
   }
 
   void Append(Text decoded) {
-    Text& member = message_.*field_->member;
-    if (member.empty()) {
-      member = std::move(decoded);
+    Text& text = appended_[field_ - kKnownFields];
+    if (text.empty()) {
+      text = std::move(decoded);
     } else {
-      member += decoded;
+      text += decoded;
     }
+  }
+
+  static void Add(const Text& text, CompactText& member) {
+    member = member.empty() ? CompactText(text) : CompactText(Text(member) + text);
   }
 
   Text Decode(const KnownField& field, TextView value) const {
@@ -161,20 +167,21 @@ class HeaderReader {
   }
 
   cMessage& message_;
-  const KnownField* field_ = nullptr;  // of the line before, null where that is unknown
+  const KnownField* field_ = nullptr;  // of the previous line; null if it is unknown
   std::array<std::optional<TextView>, kFieldCount> replaced_;
+  std::array<Text, kFieldCount> appended_;
 };
 
 // --- Encoded words
 
-// An encoded word, decoded, and what follows it.
+// A decoded encoded word and the text that follows it.
 struct DecodedWord {
   Text decoded;
   TextView rest;
 };
 
-// The word behind a marker of three characters at `at`. Nothing is left of a value whose word is
-// empty, open or beyond the code page.
+// Decodes the word after the three-character marker at `at`. The result is empty if the word is
+// empty or unterminated, or if the code page lacks one of its characters.
 template <typename Decode>
 DecodedWord DecodeWord(TextView value, size_t at, Decode decode) {
   DecodedWord word;
@@ -210,7 +217,7 @@ Text Concatenate(TextView decoded, TextView rest) {
   return text.append(decoded).append(u" ").append(rest);
 }
 
-// Into memory of the final size: a mailbox holds many of these.
+// Allocates only once, because this runs for most messages.
 Text WithoutQuotes(const Text& text) {
   auto quotes = std::count(text.begin(), text.end(), u'"');
   Text unquoted(text.size() - quotes, u'\0');
@@ -225,15 +232,14 @@ struct MimePart {
   TextView body;
 };
 
-// Walks over the parts of a message: a header block begins at a "Content-" line, its body ends at
-// the last blank line before the next such line. Each character is looked at a few times at most,
-// however the parts lie: every search begins where an earlier one of its kind ended, or stops at
-// the blank line found just before.
+// Walks over the parts of a message: a header block begins at a "Content-" line, and its body ends
+// at the last blank line before the next such line. The walk is linear: each search starts where
+// the previous one of its kind ended, or stops at the blank line that was found just before.
 class MimeWalk {
  public:
   explicit MimeWalk(TextView text) : text_(text) {}
 
-  // False when no part is left.
+  // Returns false when there are no more parts.
   bool Next(MimePart& part) {
     size_t content = FindContent(start_);
     if (content == Text::npos) return false;
@@ -241,7 +247,7 @@ class MimeWalk {
     if (blank == Text::npos) return false;
     size_t body = blank + kBlankLine.size();
     size_t end = FindLast(text_, kBlankLine, FindContent(blank));
-    // The block takes the first character of the body along.
+    // The header block includes the first character of the body.
     part.header = text_.substr(content + kCrLf.size(), body + 1 - content - kCrLf.size());
     bool has_body = end > body + 1;
     part.body = has_body ? text_.substr(body, end - body) : TextView();
@@ -274,7 +280,7 @@ void AppendLine(TextView line, Text& to) {
   to.append(line).append(kCrLf);
 }
 
-// What the body says; itself where it cannot be decoded.
+// Appends the decoded body, or the body itself if it cannot be decoded.
 void AppendBody(const cEncode& encode, const MimePart& part, Text& to) {
   TextView encoding = TransferEncodingOf(part.header);
   bool is_decoded = false;
@@ -292,12 +298,34 @@ void cMessage::CreateFromText(TextView text) {
   size_ = static_cast<int32_t>(text.size() * sizeof(char16_t));
   size_t blank = Find(text, kBlankLine);
   if (blank == Text::npos) return;
-  Headers = Text(text.substr(0, blank));
-  MessageBody = Contains(text, u"Content-Type:") ? DecodeMessage(text)
-                                                 : Text(text.substr(blank + kBlankLine.size()));
+  if (Contains(text, kContentType)) {
+    MessageBody = DecodeMessage(text);
+  } else {
+    MessageBody = text.substr(blank + kBlankLine.size());
+  }
+  ReadHeader(text.substr(0, blank));
+}
+
+void cMessage::CreateFromCompactText(CompactText text) {
+  size_ = static_cast<int32_t>(text.size() * sizeof(char16_t));
+  size_t blank = text.Find(kBlankLine);
+  if (blank == Text::npos) return;
+  const Text header = text.Slice(0, blank);
+  if (text.Find(kContentType) != Text::npos) {
+    const Text whole = std::exchange(text, {});
+    MessageBody = DecodeMessage(whole);
+  } else {
+    text.RemovePrefix(blank + kBlankLine.size());
+    MessageBody = std::move(text);
+  }
+  ReadHeader(header);
+}
+
+void cMessage::ReadHeader(TextView header) {
+  Headers = header;
   HeaderReader reader(*this);
   try {
-    reader.Read(text.substr(0, blank));
+    reader.Read(header);
   } catch (const RunTimeError&) {
     reader.Store();
     throw;
@@ -313,7 +341,6 @@ Text cMessage::DecodeMessage(TextView text) const {
   while (walk.Next(part)) {
     if (IsText(part.header)) AppendBody(encode, part, decoded);
   }
-  decoded.shrink_to_fit();
   return decoded;
 }
 

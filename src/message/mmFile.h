@@ -5,11 +5,11 @@
 
 namespace vesko {
 
-/// What stands behind the last backslash of a path, or, where it has none, behind the last slash;
-/// empty behind a separator at the end.
+/// The part of a path after its last backslash or, if it has none, after its last slash; empty if
+/// that separator ends the path.
 Text FileNameOf(TextView path);
 
-/// True for what exists and is no directory; false where the attributes cannot be read, for
+/// Whether the path exists and is not a directory. False if its attributes cannot be read, for
 /// whatever reason.
 bool FileExists(Shell& shell, const Text& path);
 

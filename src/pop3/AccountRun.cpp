@@ -11,7 +11,7 @@ namespace {
 constexpr int kAnswerNo = 1;  // "&No" among the buttons of the retry question
 constexpr double kSecondsBetweenTries = 1;
 
-/// Time after which `seconds` from now are over for certain.
+/// A wait after which `seconds` have certainly passed.
 std::chrono::milliseconds JustAfter(double seconds) {
   return std::chrono::milliseconds(static_cast<int64_t>(std::max(seconds, 0.0) * 1000) + 1);
 }
@@ -20,7 +20,7 @@ int32_t Rounded(double seconds) { return static_cast<int32_t>(std::nearbyint(sec
 
 bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 
-/// What cannot stand in a command: a line end in a password would begin another command.
+/// Control characters must not reach the server: a line end would start another command.
 bool HoldsControl(const Credentials& credentials) {
   const auto holds = [](const Text& text) { return std::ranges::any_of(text, IsControl); };
   return holds(credentials.server) || holds(credentials.user) || holds(credentials.password);
@@ -197,11 +197,11 @@ void AccountRun::Skip() {
 }
 
 void AccountRun::LogOut() {
-  // Already logging out; to stop the session now would leave the answer unread.
+  // Stopping a session that is logging out would leave the reply to QUIT unread.
   if (session_.State() == SessionState::kQuitSent) return;
   session_.Stop();
   RunPending();
-  // Another press of a button may have come in between and done the rest.
+  // Another button may have been pressed meanwhile and have logged out.
   if (over_ || session_.State() != SessionState::kStopped) return;
   session_.Quit();
 }

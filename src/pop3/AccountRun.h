@@ -14,38 +14,48 @@ namespace vesko {
 /// A value between apostrophes, as the window's texts show it.
 Text Quoted(const Text& value);
 
-/// What the check and the deletion pass do alike with one account: get its data ready, hold one
-/// session with its server and wait for the end of it, and give way to the user at any moment.
+/// The part that the check and the deletion pass share: for one account at a time, it gets the
+/// credentials ready, runs a session with the server, and waits for its end. The user can leave the
+/// account or close the window at any moment, also while a box is shown, because pending events run
+/// during every wait. Nothing is thrown but std::bad_alloc.
 class AccountRun {
  public:
-  /// All must outlive this object.
+  /// All arguments must outlive this object. The socket's events must lead to `session`.
   AccountRun(const Services& services, SharedData& data, ProgressView& view, Pop3Session& session)
       : services_(services), data_(data), view_(view), session_(session) {}
 
-  /// The window was opened, or unloaded: afterwards nothing is asked, shown or connected to.
+  /// The window has been opened.
   void Open() { over_ = false; }
+
+  /// The window has been unloaded. The session stops, and from now on nothing is asked, shown or
+  /// connected to until Open.
   void End();
   bool Over() const { return over_; }
 
-  /// Turns to the account at a position, counted from 1.
+  /// Turns to the account at a position, counted from 1, and enables or disables Next.
   void Start(int32_t position);
 
-  /// Gets the account's data ready for a session; false when there is to be none: the user said
-  /// no, or left the account or the window, or the socket cannot be had. `retry` is whether a
-  /// session of this account has failed before.
+  /// Gets the login of the current account ready for a session. An account without a server, user
+  /// or password, or with a control character in one of them, is completed by the user first, and
+  /// the settings keep what was typed. With `retry` (a session of this account has failed) the user
+  /// is asked whether to try again. Returns false when there is to be no session: the user said no,
+  /// left the account or closed the window, or the socket is still in use.
   bool Prepare(bool retry);
 
-  /// Connects and waits until the session is over. True when it ended normally and the window
-  /// is still there; the socket is closed in every case.
+  /// Connects to the server and waits until the session is over, the server has been silent for too
+  /// long, or the user has had enough. Returns whether the session ended normally and the window is
+  /// still there. The socket is closed in either case.
   bool RunSession();
 
-  /// Lets events run after a failed session; for a second where no question will come before the
-  /// next one, so that the user can leave a server that refuses.
+  /// Lets events run after a failed session. When no question will precede the next attempt, this
+  /// takes a second, so that nothing spins and the user can leave a server that refuses at once.
   void Settle();
 
-  /// The user's Next: leaves the account, logging out where there is a connection.
+  /// The user's Next: leaves the account, and logs out first when there is a connection. A logout
+  /// that is under way already is not disturbed.
   void Skip();
 
+  /// Shows the seconds of silence and the state of the connection.
   void RefreshStatus();
 
  private:

@@ -1,10 +1,8 @@
 #include "pop3/CheckRun.h"
 
-#include <memory>
 #include <new>
 #include <utility>
 
-#include "message/cMessage.h"
 #include "pop3/DeletionPass.h"
 
 namespace vesko {
@@ -16,16 +14,17 @@ CheckRun::CheckRun(const Services& services, SharedData& data, ProgressView& vie
       session_(services, data.configuration, view),
       account_(services, data, view, session_) {
   session_.on_arrival = [this] { account_.RefreshStatus(); };
-  session_.on_header = [this](TextView text, int32_t number) { StoreHeader(text, number); };
+  session_.on_message = [this](colMails::Message message) { data_.mails.Add(std::move(message)); };
 }
 
-// Every way into the run leads through here. Event loops let no exception pass.
+// Everything that calls into a run goes through here, because an exception must not pass through an
+// event loop.
 void CheckRun::Contain(const std::function<void()>& step) {
   try {
     step();
   } catch (const std::bad_alloc&) {
     services_.socket.Close();
-    session_.End();  // which mostly leaves memory enough to close the window
+    session_.End();  // frees most of the memory, so that there is enough to close the window
     try {
       Unload();
     } catch (const std::bad_alloc&) {
@@ -105,15 +104,6 @@ bool CheckRun::RunSession() {
     data_.mails.ForgetNumbers(maildrop);
   }
   return ended;
-}
-
-void CheckRun::StoreHeader(TextView text, int32_t number) {
-  auto message = std::make_shared<cMessage>(services_.locale);
-  // A malformed date ends the parsing, but the message is there and is to be seen.
-  IgnoreErrors([&] { message->CreateFromText(text); });
-  message->Server = session_.GetLogin().host;
-  message->SetIndex(number);
-  data_.mails.Add(std::move(message));
 }
 
 }  // namespace vesko

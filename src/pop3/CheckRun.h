@@ -11,37 +11,41 @@
 
 namespace vesko {
 
-/// One run of the progress window: the deletion pass, then the check of all accounts, each through
-/// a POP3 session (RFC 1939). Nothing is thrown to the caller: what goes wrong is shown by the view
-/// or ignored, and running out of memory ends the run as the user's Cancel does, without a logout.
+/// One run of the progress window: first the deletion pass, then the check of all accounts, each
+/// through a POP3 session (RFC 1939). Nothing is thrown to the caller. What goes wrong is shown by
+/// the view or ignored; running out of memory closes the connection and ends the run, and the
+/// numbers of messages that it leaves behind are still safe to delete by.
 class CheckRun {
  public:
-  /// All must outlive the run. The socket's events are the run's own while Activate is at work.
+  /// All arguments must outlive the run, which uses the socket only while Activate is at work.
   CheckRun(const Services& services, SharedData& data, ProgressView& view);
   CheckRun(const CheckRun&) = delete;
   CheckRun& operator=(const CheckRun&) = delete;
 
-  /// The next Activate runs a check.
+  /// The window is about to be shown: the next Activate runs a check.
   void Prepare() { started_ = false; }
 
-  /// The window was activated: the first time after Prepare runs everything and returns when it is
-  /// done or the window is unloaded. The socket is closed then.
+  /// The window was activated. The first time after Prepare this runs everything, and returns when
+  /// it is done (the view has then been told to unload the window) or the window was unloaded on
+  /// the way. The socket is closed then. Later activations do nothing.
   void Activate();
 
-  /// The user's buttons. Next ends the current account, Cancel the whole run.
+  /// The user's buttons; they may be pressed at any moment. Next ends the current account, Cancel
+  /// the whole run. Both log out first when there is a connection.
   void Next();
   void Cancel();
 
-  /// The window was unloaded, by whatever means.
+  /// The window was unloaded, by whatever means. This alone does not log out.
   void WindowUnloaded() { account_.End(); }
 
-  /// The session was stopped by the user or by the window closing.
+  /// Whether the last session was stopped by the user or by the window closing.
   bool Cancelled() const { return session_.State() == SessionState::kStopped; }
 
-  /// At least one fetched message is unread.
+  /// Whether at least one fetched message is unread.
   bool NewMail() const { return data_.mails.AnyUnread(); }
 
  private:
+  // Runs a step; when memory runs out in it, the run ends.
   void Contain(const std::function<void()>& step);
   void Unload();
   void TakeSocket();
@@ -49,7 +53,6 @@ class CheckRun {
   void CheckAllAccounts();
   void CheckAccount(int32_t position);
   bool RunSession();
-  void StoreHeader(TextView text, int32_t number);
 
   const Services& services_;
   SharedData& data_;

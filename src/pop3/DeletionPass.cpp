@@ -7,8 +7,8 @@ constexpr TextView kMailboxChanged =
     u"The mailbox has changed since it was checked. Nothing was deleted; please look at the list "
     u"again.";
 
-/// Forgets the numbers of a maildrop when a session is over that may have moved them, even when
-/// memory runs out on the way: the next deletion must not use them.
+/// Forgets the numbers of a maildrop after a session that may have moved them. It does so even if
+/// memory runs out during the session, because the next deletion must not use them.
 class NumbersAfterDeletion {
  public:
   NumbersAfterDeletion(colMails& mails, const Pop3Session& session)

@@ -6,16 +6,25 @@
 
 namespace vesko {
 
-/// Deletes the messages that are marked for it from their servers, one session per account that
-/// fetched such messages, and then from colMails.
+/// Deletes the messages that are marked for deletion, first from their servers, in one session for
+/// each account that fetched such messages, and then from colMails.
+///
+/// A message is deleted by its number, so only numbers that still hold are used (see colMails):
+///  * What the last complete session of its account did not see is gone from the server already. It
+///    leaves colMails without a DELE, and without a connection when nothing else is marked.
+///  * When the mailbox holds fewer messages than that session saw, nothing is deleted, and the user
+///    is told to look at the list again.
+///  * Once a DELE and a QUIT have been sent, by the session itself or by the user's Next or Cancel,
+///    no number of that mailbox is used again until a check has seen all of it.
+/// Entries leave colMails only when the server has accepted their DELE and QUIT has been sent.
 class DeletionPass {
  public:
-  /// All must outlive the pass.
+  /// All arguments must outlive the pass.
   DeletionPass(SharedData& data, ProgressView& view, Pop3Session& session, AccountRun& account)
       : data_(data), view_(view), session_(session), account_(account) {}
 
-  /// Does nothing unless a message is marked as spam. The session's deletion list is empty
-  /// afterwards, however the pass ends.
+  /// Does nothing unless at least one message is marked as spam, whichever ones are marked for
+  /// deletion. Afterwards the session's deletion list is empty, however the pass has ended.
   void Run();
 
  private:

@@ -9,10 +9,10 @@ namespace vesko {
 namespace {
 
 constexpr TextView kPass = u"PASS";
-constexpr size_t kCountStart = 4;  // behind "+OK "
+constexpr size_t kCountStart = 4;  // after "+OK "
 
-/// The number of messages in the reply to STAT. Raises what ToInt16 does; text that has no space
-/// behind the number is not a number.
+/// The number of messages in the reply to STAT. Raises what ToInt16 does, and type mismatch if no
+/// space follows the number.
 int16_t ParseCount(const Text& reply) {
   const size_t space = Find(reply, u' ', kCountStart);
   if (space == Text::npos) throw RunTimeError(kTypeMismatch);
@@ -21,8 +21,8 @@ int16_t ParseCount(const Text& reply) {
 
 bool EqualLetters(char16_t a, char16_t b) { return AsciiLower(a) == AsciiLower(b); }
 
-/// The text with asterisks for every occurrence of a secret, in capitals or not: some servers
-/// repeat the command that they refuse.
+/// The text with every occurrence of a secret replaced by asterisks, in capitals or not: some
+/// servers repeat the command that they refuse.
 Text Masked(Text text, const Text& secret) {
   if (secret.empty()) return text;
   for (auto at = text.begin(); at != text.end();) {
@@ -45,7 +45,7 @@ void Pop3Session::Begin() {
   interrupted_ = false;
   awaits_deletion_ = false;
   outcome_ = {};
-  buffer_ = {};
+  buffer_.Clear();
   reply_start_ = 0;
 }
 
@@ -96,7 +96,7 @@ Text Pop3Session::TakeReply() {
   return buffer_.Take();
 }
 
-// Of what still arrives only the answer to a DELE matters: the logout makes it final.
+// Only the reply to a DELE still matters, because the logout makes the deletion final.
 void Pop3Session::HandleInterrupted() {
   if (awaits_deletion_ && !buffer_.EndsWithCrLf()) return;
   if (std::exchange(awaits_deletion_, false) && buffer_.StartsWith(u'+')) ++outcome_.deleted;
@@ -181,16 +181,27 @@ void Pop3Session::FetchCurrent() {
 
 void Pop3Session::HandleHeader() {
   view_.SetProgressValue(current_);
-  {
-    const Text reply = TakeReply();
-    on_header(TopContent(reply), current_);
-  }
+  auto message = std::make_shared<cMessage>(services_.locale);
+  // A malformed date ends the parsing, but the message is kept with the fields read so far.
+  IgnoreErrors([&] { ReadHeader(*message); });
+  message->Server = login_.host;
+  message->SetIndex(current_);
+  on_message(std::move(message));
   if (current_ == total_) {
     outcome_.saw_all = true;
     return SendQuit();
   }
   ++current_;
   FetchCurrent();
+}
+
+void Pop3Session::ReadHeader(cMessage& message) {
+  reply_start_ = services_.socket.BytesReceived();
+  if (buffer_.IsLong()) {
+    return message.CreateFromCompactText(CompactTopContent(buffer_.TakeCompact()));
+  }
+  const Text reply = buffer_.Take();
+  message.CreateFromText(TopContent(reply));
 }
 
 void Pop3Session::StartDeleting() {

@@ -27,19 +27,21 @@ enum class SessionState : int32_t {
   kStopped = 7,   // by the user or by the window closing
 };
 
-/// Bytes of one reply at the most, as they come from the wire. A longer one ends the session.
+/// The longest reply, in bytes on the wire; a longer one ends the session. It bounds what a hostile
+/// server can make the host allocate.
 inline constexpr uint64_t kLongestReply = uint64_t{128} << 20;
 
 /// A command as it may be shown: of a password only its length is seen.
 Text MaskedCommand(const Text& command);
 
-/// One POP3 conversation (RFC 1939) at a time, driven by the socket's events: log in, ask for the
-/// size of the mailbox, then fetch the first lines of every message or delete those of a list, and
-/// log out. The next command leaves only after the whole reply to the one before. Whatever a server
-/// sends ends in a box or in silence, never in an error to the caller.
+/// One POP3 conversation (RFC 1939) at a time, driven by the socket's events: it logs in, asks for
+/// the size of the mailbox, then either fetches the first lines of every message or deletes the
+/// messages of a list, and logs out. A command is sent only when the reply to the one before is
+/// complete. Replies are not to be trusted: bad ones are shown in a box or ignored, and nothing is
+/// thrown but std::bad_alloc.
 class Pop3Session {
  public:
-  /// Where a session goes and as whom.
+  /// The server to connect to, and the user to log in as.
   struct Login {
     Text host;
     Text user;
@@ -50,66 +52,68 @@ class Pop3Session {
   /// Keyed like colMails.
   using DeletionList = KeyedCollection<colMails::Message>;
 
-  /// All must outlive the session.
+  /// What has come of a session.
+  struct Outcome {
+    std::optional<int32_t> count;  // of messages in the mailbox; nothing until STAT has told it
+    bool saw_all = false;          // every message was fetched before the session logged out
+    bool shrunk = false;           // fewer messages than expected, so nothing was deleted
+    bool delete_sent = false;      // at least one DELE was sent
+    bool quit_sent = false;        // the server carries out the DELEs that it has accepted
+    size_t deleted = 0;            // DELEs that were accepted, from the beginning of the list
+    bool host_not_found = false;   // the connection failed because there is no such host
+  };
+
+  /// All arguments must outlive the session.
   Pop3Session(const Services& services, const Configuration& configuration, ProgressView& view)
       : services_(services), configuration_(configuration), view_(view) {}
 
-  /// Something has arrived: what the window shows of the connection may have changed. Must be set.
+  /// Called when something has arrived, before it is dealt with. Must be set.
   std::function<void()> on_arrival;
 
-  /// The first lines of message `number`. The text is gone when this returns. Must be set.
-  std::function<void(TextView text, int32_t number)> on_header;
+  /// Called for every message fetched, with its Server and Index set. Must be set.
+  std::function<void(colMails::Message message)> on_message;
 
   void SetLogin(Login login) { login_ = std::move(login); }
   const Login& GetLogin() const { return login_; }
   Maildrop GetMaildrop() const { return {login_.host, login_.port, login_.user}; }
 
-  /// A connection is about to be requested.
+  /// The messages to delete, by the numbers they had when the mailbox held `known_count` messages.
+  /// If STAT tells of fewer, those numbers have moved, and the session logs out without deleting.
+  /// With an empty list the session fetches.
+  void SetDeletions(DeletionList list, int32_t known_count);
+  const DeletionList& Deletions() const { return deletions_; }
+
+  /// A connection is about to be requested: the state and the outcome start afresh.
   void Begin();
 
   /// The connection is closed: gives back the memory of an unfinished reply.
-  void End() { buffer_ = {}; }
+  void End() { buffer_.Clear(); }
 
-  /// The user or the closing window stops the session: it takes no further step.
+  /// The user or the closing window stops the session. It sends nothing more by itself.
   void Stop() { state_ = SessionState::kStopped; }
 
-  /// Logs out in the middle of whatever goes on, as if everything were done. What still arrives of
-  /// an interrupted reply closes the connection and is no error.
+  /// Logs out whatever is going on, and ends as if everything had been done. What still arrives of
+  /// an interrupted reply is not an error: it closes the connection.
   void Quit();
 
   SessionState State() const { return state_; }
 
-  /// The last line sent, without its end, through all accounts of the window's life; may hold a
-  /// password.
-  const Text& LastCommand() const { return last_command_; }
-
-  /// What has come of the session since Begin.
-  struct Outcome {
-    std::optional<int32_t> count;  // of messages in the mailbox, when STAT told it
-    bool saw_all = false;          // every message was fetched, and not ended by Quit before
-    bool shrunk = false;           // nothing was deleted: the mailbox has lost messages
-    bool delete_sent = false;      // at least one DELE has left
-    bool quit_sent = false;        // the server deletes what it was told to
-    size_t deleted = 0;            // so many DELE were accepted, from the beginning of the list
-    bool host_not_found = false;   // the connection failed because there is no such host
-  };
+  /// The outcome so far; complete when the connection is closed.
   const Outcome& Result() const { return outcome_; }
 
-  /// Seconds since data arrived last, or since waiting began.
+  /// The last line sent, without its line end. It outlives sessions and accounts, and may hold a
+  /// password: see MaskedCommand.
+  const Text& LastCommand() const { return last_command_; }
+
+  /// Seconds since data last arrived, or since waiting began.
   double Silence() const { return services_.clock.Seconds() - last_activity_; }
   void StartWaiting() { last_activity_ = services_.clock.Seconds(); }
 
-  /// Messages to delete, by the numbers that a session saw when the mailbox held `known_count`
-  /// messages; when there are fewer now, the numbers have moved and the session logs out without
-  /// deleting. With an empty list the session fetches.
-  void SetDeletions(DeletionList list, int32_t known_count);
-  const DeletionList& Deletions() const { return deletions_; }
-
-  /// The socket's events. HandleArrival tells whether there was anything to take.
+  /// The socket's events. HandleArrival returns whether any text had arrived.
   bool HandleArrival();
   void HandleError(int32_t number, const Text& description);
 
-  /// The peer has closed: handles what it sent before. A refusal without a line end counts.
+  /// The peer has closed: handles what it sent before. A refusal counts even without a line end.
   void HandlePeerClosed();
 
  private:
@@ -118,6 +122,7 @@ class Pop3Session {
   void HandleInterrupted();
   void HandleCount(const Text& reply);
   void HandleHeader();
+  void ReadHeader(cMessage& message);
   void HandleDeletion();
   void Reject(const Text& reply);
   void RejectTooLong();
@@ -147,7 +152,7 @@ class Pop3Session {
   int32_t total_ = 0;
   int32_t current_ = 0;
   ReplyBuffer buffer_;
-  uint64_t reply_start_ = 0;  // what the socket had received when the last reply was complete
+  uint64_t reply_start_ = 0;  // bytes that the socket had received before the current reply
   DeletionList deletions_;
   int32_t known_count_ = 0;
 };

@@ -8,22 +8,31 @@ namespace {
 
 constexpr TextView kDotLine = u"\n.\r\n";
 constexpr size_t kClosingDot = 3;       // ".", CR, LF
-constexpr size_t kBlockSize = 1 << 16;  // small pieces are gathered into blocks of this size
+constexpr size_t kBlockSize = 1 << 16;  // characters
 
 }  // namespace
 
 void ReplyBuffer::Append(Text piece) {
   if (piece.empty()) return;
+  if (size_ == 0) first_ = piece.front();
   SearchEnd(piece);
   KeepTail(piece);
   size_ += piece.size();
-  if (!blocks_.empty() && blocks_.back().size() + piece.size() <= kBlockSize) {
-    blocks_.back() += piece;
-    return;
+  if (open_block_.size() + piece.size() > kBlockSize) CloseBlock();
+  if (piece.size() > kBlockSize) {
+    blocks_.emplace_back(piece);
+  } else if (open_block_.empty() && blocks_.empty()) {
+    open_block_ = std::move(piece);  // most replies arrive in one piece
+  } else {
+    open_block_ += piece;
   }
-  // Only a second block tells that the reply is large; most replies are one piece and stay it.
-  if (!blocks_.empty() && piece.size() < kBlockSize) piece.reserve(kBlockSize);
-  blocks_.push_back(std::move(piece));
+}
+
+void ReplyBuffer::CloseBlock() {
+  if (open_block_.empty()) return;
+  blocks_.emplace_back(open_block_);
+  open_block_.clear();
+  open_block_.reserve(kBlockSize);
 }
 
 void ReplyBuffer::SearchEnd(TextView piece) {
@@ -40,31 +49,30 @@ void ReplyBuffer::KeepTail(TextView piece) {
 bool ReplyBuffer::EndsWithCrLf() const { return TextView(tail_).ends_with(kCrLf); }
 
 Text ReplyBuffer::Take() {
-  Text whole;
-  if (blocks_.size() == 1) {
-    whole = std::move(blocks_.front());
-  } else {
-    whole.reserve(size_);
-    for (Text& block : blocks_) {
-      whole += block;
-      block = Text();  // so that the two copies do not stand side by side
-    }
-  }
+  if (IsLong()) return TakeCompact();
+  Text whole = std::move(open_block_);
   Clear();
   return whole;
 }
 
-void ReplyBuffer::Clear() {
-  blocks_.clear();
-  size_ = 0;
-  tail_.clear();
-  has_dot_line_ = false;
+CompactText ReplyBuffer::TakeCompact() {
+  CloseBlock();
+  std::vector<CompactText> blocks = std::move(blocks_);
+  Clear();
+  return CompactText::Join(std::move(blocks));
 }
 
 TextView TopContent(TextView reply) {
   const size_t line_end = Find(reply, kCrLf);
   if (line_end != Text::npos) reply.remove_prefix(line_end + kCrLf.size());
   if (reply.size() >= kClosingDot) reply.remove_suffix(kClosingDot);
+  return reply;
+}
+
+CompactText CompactTopContent(CompactText reply) {
+  const size_t line_end = reply.Find(kCrLf);
+  if (line_end != Text::npos) reply.RemovePrefix(line_end + kCrLf.size());
+  if (reply.size() >= kClosingDot) reply.RemoveSuffix(kClosingDot);
   return reply;
 }
 

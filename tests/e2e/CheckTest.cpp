@@ -27,7 +27,7 @@ User::Deed PressDeed(const QString& button) {
   return [button](QWidget& window) { Press(window, button); };
 }
 
-// Windows show changes some milliseconds after they happen, and people wait for them.
+// Windows show changes some milliseconds late, so a person waits for them.
 User::Condition CanPress(const QString& button) {
   return
       [button](QWidget& window) { return window.findChild<QAbstractButton*>(button)->isEnabled(); };
@@ -79,12 +79,12 @@ TEST(Check, AsksForAMissingPasswordAndStoresItScrambled) {
   EXPECT_FALSE(machine.HivesHold("right"));
   EXPECT_FALSE(machine.HivesHold(std::string("r\0i\0g\0h\0t\0", 10)));
   auto session = machine.NewSession();
-  User user;  // who is not asked again
+  User user;  // is not asked again
   user.In("fListMail", PressDeed("cmdMail(3)"));
   session.component.CheckMail();
 }
 
-// Every tenth message is one that the spam keywords catch, by sender and by subject in turn.
+// Every tenth message matches a spam keyword, alternately by sender and by subject.
 std::string Message(int number) {
   const std::string n = std::to_string(number);
   const std::string sender = number % 20 == 0 ? "lucky@SPAM.example" : "a@b.example";
@@ -120,7 +120,7 @@ TEST(Check, OfTwoAccountsOfDovecotDeletesExactlyTheSpam) {
   EXPECT_EQ(dovecot.Files("lee"), kept["lee"]);
 }
 
-// --- Numbers that are no longer what they were ------------------------------------------------
+// --- Numbers that no longer hold ---------------------------------------------------------------
 
 const User::Deed kDeleteSpam = PressDeed("cmdMail(1)");
 const User::Deed kClose = PressDeed("cmdMail(3)");
@@ -133,7 +133,7 @@ std::string Wanted(const std::string& id) {
   return "From: a@b.example\r\nSubject: wanted\r\nMessage-ID: <" + id + ">\r\n\r\nHello\r\n";
 }
 
-/// Kim's other mail program: deletes the first messages of the mailbox.
+/// Acts as kim's other mail program, which deletes the first messages of the mailbox.
 void DeleteElsewhere(uint16_t port, int messages) {
   QTcpSocket socket;
   socket.connectToHost(QHostAddress::LocalHost, port);
@@ -189,7 +189,7 @@ TEST(Deletion, KeepsMailboxesOfOneNameOnTwoPortsApart) {
   EXPECT_EQ(second.Messages("kim"), std::vector{Wanted("4")});
 }
 
-/// One account on Dovecot.
+/// Stories of one account on Dovecot.
 class DovecotDeletion : public testing::Test {
  protected:
   DovecotDeletion() { machine_.SetUp({{u"kim", u"secret", dovecot_.Port()}}); }

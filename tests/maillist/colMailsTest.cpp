@@ -31,8 +31,8 @@ TEST_F(ColMails, NamesAndCountsStates) {
   EXPECT_EQ(StatusText(mails_.Counts()), u"0 MAILS (0 NEW MAILS, 0 SPAM MAILS)");
   for (const char* name : {"Mail", "MailRead", "Spam", "SpamRead"}) {
     auto message = Message(u"s", FromAscii(name), 1);
-    message->Spam = message->MessageID.starts_with(u"Spam");
-    message->Read = message->MessageID.ends_with(u"Read");
+    message->Spam = name[0] == 'S';
+    message->Read = std::string(name).ends_with("Read");
     EXPECT_EQ(NameOf(StateOf(*message)), name);
     mails_.Add(message);
   }
@@ -46,7 +46,7 @@ TEST_F(ColMails, TakesOverTheNumberLastSeenInTheSameMaildrop) {
   mails_.BeginSession(kAnn);
   EXPECT_TRUE(mails_.Add(first));
   EXPECT_FALSE(mails_.Add(Message(u"s", u"id", 6)));
-  EXPECT_EQ(first->Index(), 5);  // another message of the same name in one session
+  EXPECT_EQ(first->Index(), 5);  // another message with the same key in one session
   for (const Maildrop& other : {Maildrop{u"s", 110, u"bob"}, Maildrop{u"s", 995, u"ann"}}) {
     mails_.BeginSession(other);
     EXPECT_FALSE(mails_.Add(Message(u"s", u"id", 9)));
@@ -65,7 +65,7 @@ TEST_F(ColMails, FindsWhatAMaildropIsToDelete) {
     Text ids;
     const colMails::Marked found = mails_.MarkedForDeletion(maildrop);
     for (const auto& message : found.numbered) ids += message->MessageID;
-    for (const auto& message : found.gone) ids += u"-" + message->MessageID;
+    for (const auto& message : found.gone) ids += u"-" + Text(message->MessageID);
     return ids;
   };
   const auto see = [&](const Maildrop& maildrop, const Text& ids) {
@@ -91,7 +91,7 @@ TEST_F(ColMails, FindsWhatAMaildropIsToDelete) {
   see(kAnn, u"ebf");
   EXPECT_EQ(marked(kAnn), u"bef-a");  // in the order in which they were first seen
   mails_.BeginSession(kAnn);
-  mails_.Add(Message(u"s", u"a", 4));  // back again, behind all that was there
+  mails_.Add(Message(u"s", u"a", 4));  // it is back, under a number that was not taken
   EXPECT_EQ(marked(kAnn), u"bef");
   see(kAnn, u"");
   EXPECT_EQ(marked(kAnn), u"-a-b-e-f");
@@ -111,7 +111,7 @@ TEST_F(ColMails, TellsSpamByKeywords) {
            {u"a@SPAM.example", u"", {u"no", u"@spam.example"}, {}, true},
            {u"", u"BUY \u00C4\uFF21", {}, {u"buy \u00E4\uFF41"}, true},
            {u"abc", u"abc", {u""}, {u"", u""}, false},  // empty keywords never match
-           {u"abc", u"", {}, {u"abc"}, false},          // each list has its own field
+           {u"abc", u"", {}, {u"abc"}, false},          // each list applies to its own field
            {u"", u"abc", {u"abc"}, {}, false},
            {u"ab", u"", {u"abc"}, {}, false},
            {u"", u"", {u"a"}, {u"a"}, false},
@@ -120,7 +120,7 @@ TEST_F(ColMails, TellsSpamByKeywords) {
     message->From = row.from;
     message->Subject = row.subject;
     EXPECT_EQ(IsSpamMessage(*message, row.senders, row.subjects, *locale_), row.spam);
-    message->Spam = !row.spam;  // marks by hand do not last
+    message->Spam = !row.spam;  // manual marks do not last
     mails_.Add(message);
     mails_.ApplySpamFilter(row.senders, row.subjects, *locale_);
     EXPECT_EQ(message->Spam, row.spam);

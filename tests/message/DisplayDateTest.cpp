@@ -18,6 +18,7 @@ TEST_F(DisplayDateTest, ShowsDatesInTheUsersFormats) {
   const std::pair<Text, Text> rows[] = {
       {u"Mon, 1 Jan 2001 10:22:01 +0900", u"01/01/2001 10:22"},
       {u"Mon, 1 Jan 2001 10:22:01", u"01/01/2001 10:22"},
+      {u"Mon,1 Jan 2001", u"01/01/2001 00:00"},
       {u"Tue, 02 Jan 01 09:05:00 +0900", u"02/01/2001 09:05"},
       {u"2 Jan 99 9:05:00 PM", u"02/01/1999 21:05"},
       {u"2 Jan 99 9:05 pm", u"02/01/1999 21:05"},
@@ -35,7 +36,7 @@ TEST_F(DisplayDateTest, ShowsWhatIsNoDateTwiceInItsNewShape) {
   const std::pair<Text, Text> rows[] = {
       {u"1 Jan 2001 12:00:00 PM", u"1 Jan 2001 24:00:00"},
       {u"x, a b 02 c", u"a b 2002 c"},
-      // An empty word counts: the third one is the month.
+      // An empty word counts as a word, so the third one is the month.
       {u"1  05 2001 1:00 Z", u"1  2005 2001 1:00"},
       {u"30 Feb 2001 10:00 +0900", u"30 Feb 2001 10:00"},
       {u"1 Jan 2001 9.5:00 PM", u"1 Jan 2001 21.5:00"},

@@ -34,7 +34,7 @@ class EncodeTest : public ::testing::Test {
     return std::get<Text>(ConvIn(code_page, data, code));
   }
 
-  // Rows between "‖", each a text, an arrow, and what it becomes.
+  // Rows separated by "‖": a text, an arrow, and the expected result.
   static void ExpectAll(int code_page, int32_t code, const Text& rows) {
     for (const Text& row : Split(rows, u"‖")) {
       size_t arrow = row.find(u'→');
@@ -64,12 +64,12 @@ TEST_F(EncodeTest, UnknownCodesGiveEmpty) {
   }
 }
 
-// Groups count bytes: four bytes of three Korean characters begin a second one.
+// Groups count bytes, not characters: three Korean characters need two groups.
 TEST_F(EncodeTest, Base64PadsWithNul) {
   ExpectAll(949, ConvBase64Encode, u"Hello→SGVsbG8A‖a→YQAA‖abc→YWJj‖\uAC00ab→sKFhYgAA"s);
 }
 
-// A byte above the table leaves what its place had in the group before.
+// For a byte beyond the table, the value from the previous group stays.
 TEST_F(EncodeTest, Base64IsDecodedWhateverItsPadIs) {
   ExpectAll(949, ConvBase64Decode,
             u"SGVsbG8=→Hello‖SGVsbG8→Hello‖  SGVs\r\nbG8= →Hello‖QQ→A‖QQ=→A‖QQ==→A‖QUJD=→ABC‖"
@@ -138,7 +138,7 @@ TEST_F(EncodeTest, QuotedPrintableFailsOnlyForCharactersThatTheCodePageLacks) {
   for (const Text bad : {u"=FF=FF", u"=B0", u"=B0=", u"=B0=0D"}) {
     EXPECT_EQ(ErrorIn(949, bad, ConvQPDecode), kInvalidProcedureCall);
   }
-  // One trail byte is taken in single-byte code pages too, where no such character is.
+  // A trail byte is consumed even in single-byte code pages, which have no such characters.
   EXPECT_EQ(ErrorIn(1252, u"=E9=E9", ConvQPDecode), kInvalidProcedureCall);
   for (const Text bad : {u"=81", u"=C3", u"=C3=C3", u"=E2=82", u"=F5=80=80=80", u"=ED=A0=80"}) {
     EXPECT_EQ(ErrorIn(kCodePageUtf8, bad, ConvQPDecode), kInvalidProcedureCall);
@@ -155,7 +155,7 @@ TEST_F(EncodeTest, EncodersAreUndoneByTheirDecoders) {
       Text plain = code == ConvQPEncode ? ReplaceAll(text, u"_", u"-") : text;
       ASSERT_EQ(TextIn(949, TextIn(949, plain, code), back), plain) << code;
     }
-    // A space at either end of uuencoded text would be trimmed as a blank.
+    // Spaces at either end of uuencoded text would be trimmed.
     Text uu = TextIn(949, text, ConvUUEncode);
     if (Trim(uu) == uu) {
       ASSERT_EQ(TextIn(949, uu, ConvUUDecode), text);

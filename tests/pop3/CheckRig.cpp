@@ -54,7 +54,7 @@ void CheckRig::AddMarked(const std::vector<Seen>& messages, int32_t count,
 void CheckRig::When(const std::string& line, std::function<void()> deed) {
   pump.on_turn = [this, line, deed](int) {
     if (socket.sent.empty() || socket.sent.back() != line) return;
-    const auto now = deed;  // the next line ends what holds it
+    const auto now = deed;  // the next line destroys this lambda
     pump.on_turn = nullptr;
     now();
   };
@@ -79,7 +79,7 @@ std::vector<std::string> CheckRig::Dialogs() const {
 cMessage& CheckRig::Find(const Text& name) const {
   cMessage* found = nullptr;
   mails.ForEach([&](cMessage& message) {
-    if (Trim(message.Subject) == name) found = &message;
+    if (Trim(Text(message.Subject)) == name) found = &message;
     return !found;
   });
   if (!found) throw std::logic_error("no such message");
@@ -89,7 +89,7 @@ cMessage& CheckRig::Find(const Text& name) const {
 std::vector<std::string> CheckRig::Mails() const {
   std::vector<std::string> names;
   mails.ForEach([&](const cMessage& message) {
-    names.push_back(Narrow(Trim(message.Subject)) + "#" + std::to_string(message.Index()));
+    names.push_back(Narrow(Trim(Text(message.Subject))) + "#" + std::to_string(message.Index()));
     return true;
   });
   return names;

@@ -18,13 +18,13 @@
 
 namespace vesko {
 
-/// What TOP gives of a message: its subject is `name`, its identifier too.
+/// The text that TOP returns for a message whose subject and identifier are `name`.
 Text Mail(const Text& name);
 
-/// The retry question as the view notes it.
+/// The retry question as the view records it.
 std::string Asked(const std::string& last_command);
 
-/// A check with everything around it.
+/// A check run with fakes of everything that it uses.
 struct CheckRig {
   CheckRig();
 
@@ -36,24 +36,24 @@ struct CheckRig {
     int number;
   };
 
-  /// What an earlier check has seen in ann's maildrop, or another, all of it marked as spam and for
-  /// deletion.
+  /// Adds messages that an earlier check has seen in a maildrop of `count` messages. All are marked
+  /// as spam and for deletion.
   void AddMarked(const std::vector<Seen>& messages, int32_t count,
                  const Maildrop& maildrop = {u"pop.example.org", 995, u"ann"});
 
-  /// Does something at the first turn at which the last line that was sent is this one.
+  /// Calls `deed` at the first turn of the pump after this line was sent.
   void When(const std::string& sent, std::function<void()> deed);
 
-  /// One showing of the window, from preparation to its end.
+  /// Shows the window once, from its preparation to its end.
   void Run();
 
-  /// Boxes and questions, in their order, and whatever is shown after the window is gone.
+  /// All boxes and questions in order, and anything shown after the window was unloaded.
   std::vector<std::string> Dialogs() const;
 
-  /// The message with that subject.
+  /// The message with this subject.
   cMessage& Find(const Text& name) const;
 
-  /// "subject#number" of every fetched message.
+  /// Every fetched message as "subject#number".
   std::vector<std::string> Mails() const;
 
   const Locale& locale;

@@ -18,7 +18,7 @@ TEST(CheckRun, ShowsEachStep) {
   CheckRig rig;
   rig.AddAccount();
   Script script = After(1.7) + Mailbox({Mail(u"a"), Mail(u"b")});
-  script.steps.back() = PeerCloses().steps[0];  // in place of an answer to QUIT
+  script.steps.back() = PeerCloses().steps[0];  // instead of a reply to QUIT
   rig.socket.conversations = {script};
   rig.Run();
   const Lines expected = {
@@ -64,7 +64,7 @@ TEST(CheckRun, RunsOncePerPreparation) {
   rig.run.Activate();
   rig.Find(u"b").Read = true;
   rig.Run();
-  EXPECT_EQ(rig.Mails(), (Lines{"a#1", "b#1"}));  // the number of the last sight
+  EXPECT_EQ(rig.Mails(), (Lines{"a#1", "b#1"}));  // the number under which it was last seen
   EXPECT_TRUE(rig.Find(u"b").Read);
   EXPECT_EQ(rig.socket.Unused(), 0u);
 }
@@ -127,7 +127,7 @@ TEST(CheckRun, AsksForWhatAnAccountLacks) {
   rig.Run();
   EXPECT_EQ(rig.Dialogs(), (Lines{"credentials: /bob//saved", Asked("USER ann"),
                                   "credentials: left.out/bob//saved"}));
-  EXPECT_EQ(rig.socket.connected.back(), "pop.example.org:110");  // its port is no number
+  EXPECT_EQ(rig.socket.connected.back(), "pop.example.org:110");  // its port is not a number
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
   const Account account = rig.configuration.AccountAt(1);
   EXPECT_EQ(Decrypt(account.password, rig.locale), u"s p");
@@ -138,7 +138,7 @@ TEST(CheckRun, AsksInsteadOfSendingAControlCharacter) {
   for (const Text end : {u"\r\nDELE 1", u"\n", u"\t", u"\x7F", u"\x85"}) {
     for (Text Credentials::*field :
          {&Credentials::server, &Credentials::user, &Credentials::password}) {
-      if (field == &Credentials::password && end == u"\x85") continue;  // not in the code page
+      if (field == &Credentials::password && end == u"\x85") continue;  // the code page lacks it
       CheckRig rig;
       Credentials stored{u"pop.example.org", u"ann", u"secret"};
       stored.*field += field == &Credentials::password ? end : end.substr(0, 1);
@@ -171,8 +171,8 @@ std::vector<Press> Presses() {
           {"close", [](CheckRig& rig) { rig.view.UnloadWindow(); }, true}};
 }
 
-/// Runs with one button pressed at a turn of the pump and another some turns later, which may well
-/// be while the first is still being handled. Returns the turns that the run took.
+/// Runs a check, pressing one button at a turn of the pump and another some turns later, possibly
+/// while the first press is still being handled. Returns how many turns the run took.
 int RunPressed(CheckRig& rig, int turn, const Press& first, int later, const Press* second) {
   size_t connected = 0;
   bool ended = false;
@@ -232,7 +232,7 @@ bool Sent(const CheckRig& rig, const std::string& line) {
 TEST(Buttons, WorkAtEveryTurnOfACheck) {
   PressEverywhere(
       [](CheckRig& rig) {
-        // The name takes its time, and an unfinished reply keeps flowing after the press.
+        // Resolving the name takes a while, and an unfinished reply continues after the press.
         rig.socket.failing_connects = 2;
         rig.socket.piece_size = 40;
         rig.socket.conversations = {After(2) + Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({})};
@@ -284,7 +284,8 @@ TEST(Buttons, SecondNextLeavesTheAnswerToTheLogoutAlone) {
     rig.pump.on_turn = [&](int) {
       ++turns_of_second;
       if (turns_of_second == 1) rig.run.Next();
-      if (turns_of_second == 3) rig.clock.now += 5;  // the answer comes while Next is at work
+      if (turns_of_second == 3)
+        rig.clock.now += 5;  // the reply arrives while Next is being handled
     };
   });
   rig.Run();

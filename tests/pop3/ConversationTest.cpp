@@ -12,7 +12,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// A check of one account, written down.
+/// A check of one account as a script.
 struct Conversation {
   const char* name;
   std::vector<Script> connections;
@@ -46,7 +46,7 @@ std::vector<Conversation> Conversations() {
       {"empty and strange contents",
        {Mailbox({u"", u"\r\n", Text(u"\0\xFF\xD800:\n..\r\n", 9), Mail(u"d")})},
        {},
-       {"#1", "d#4"}},  // without an identifier the first counts
+       {"#1", "d#4"}},  // of those without an identifier the first is kept
       {"count without a space behind it", {Fetched(u"3") + Quit()}},
       {"count behind two spaces", {Fetched(u" 3 9") + Quit()}},
       {"count that is no number", {Fetched(u"many 9") + Quit()}},
@@ -136,7 +136,7 @@ TEST(Conversation, GoesAsWrittenHoweverItIsCut) {
   }
 }
 
-/// The conversation up to so much of the server's text and the command that answers it.
+/// The conversation up to `text` characters of the server's and the command that follows them.
 Script ClosedAfter(const Script& script, size_t text) {
   Script cut;
   for (Step step : script.steps) {
@@ -178,7 +178,8 @@ TEST(Conversation, GoesOnWhereACommandCannotBeSent) {
     rig.socket.failing_send = send;
     rig.Run();
     EXPECT_EQ(rig.mails.Count(), send < 4 ? 0 : send - 3);
-    EXPECT_EQ(rig.Dialogs().size(), send < 5 ? 1 : 0);  // QUIT ends a session even so
+    EXPECT_EQ(rig.Dialogs().size(),
+              send < 5 ? 1 : 0);  // a QUIT that cannot be sent ends the session, too
     EXPECT_LT(rig.clock.now, 1000 + 21);
   }
 }

@@ -13,7 +13,8 @@ using Lines = std::vector<std::string>;
 
 void Unmark(cMessage& message) { message.Spam = message.Delete = false; }
 
-/// Two marked messages of ann's mailbox among others, and one of bob's on the same server.
+/// Two marked messages in ann's mailbox, one unmarked, and a marked one in bob's on the same
+/// server.
 struct DeletionRig : CheckRig {
   DeletionRig() {
     AddAccount();
@@ -29,7 +30,7 @@ struct DeletionRig : CheckRig {
 };
 
 TEST(Deletion, DeletesByNumberWhatTheAccountFetched) {
-  for (const Text count : {u"9", u"10", u"many"}) {  // only fewer messages stop it
+  for (const Text count : {u"9", u"10", u"many"}) {  // only a smaller count stops it
     DeletionRig rig;
     rig.socket.conversations = {Login() + Stat(count + u" 9") + Dele(3) + Dele(5) + Quit(),
                                 Mailbox({})};
@@ -64,7 +65,7 @@ TEST(Deletion, KeepsMessagesWhereTheSessionFailed) {
   rig.view.answers = {0, 1};
   rig.Run();
   EXPECT_EQ(rig.view.Noted("ask").size(), 2u);
-  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "kept#1", "c#7"}));  // the check fetches all the same
+  EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "kept#1", "c#7"}));  // the check still runs
   EXPECT_TRUE(rig.Find(u"a").Delete);
 }
 
@@ -75,18 +76,19 @@ TEST(Deletion, StoppedAfterALogoutTrustsNoNumberUntilTheNextCompleteCheck) {
       {"Cancel", [](CheckRig& rig) { rig.run.Cancel(); }},
       {"Next", [](CheckRig& rig) { rig.run.Next(); }},
   };
-  for (const auto& [name, press] : presses) {
+  for (const auto& row : presses) {
+    const std::string name = row.first;
     SCOPED_TRACE(name);
     DeletionRig rig;
-    // The second answer is slow; the server gets both commands and the logout all the same.
+    // The second reply is slow, but the server receives both commands and the logout.
     rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") +
                                 Client(u"QUIT")};
     const Script check = Mailbox({Mail(u"kept"), Mail(u"new")});
-    if (name == std::string("Next")) {  // the check follows, and fails
+    if (name == "Next") {  // the check that follows fails
       rig.socket.conversations[0] = rig.socket.conversations[0] + After(1) + PeerCloses();
       rig.socket.conversations.push_back(Login() + Client(u"STAT") + PeerCloses());
     }
-    rig.When("DELE 5", [&] { press(rig); });
+    rig.When("DELE 5", [&] { row.second(rig); });
     rig.Run();
     EXPECT_EQ(rig.Mails(), (Lines{"b#5", "kept#1", "c#7"}));
 
@@ -147,7 +149,7 @@ TEST(Deletion, KnowsMailboxesOfOneUserByTheirPorts) {
 TEST(Deletion, SendsNothingForWhatIsGoneFromTheServer) {
   for (bool all_gone : {true, false}) {
     DeletionRig rig;
-    // Another program has emptied the mailbox, and new mail came.
+    // Another program has emptied the mailbox, and new mail has arrived.
     rig.mails.ClearDeletionMarks();
     rig.socket.conversations = {Mailbox({all_gone ? Mail(u"x") : Mail(u"b"), Mail(u"y")})};
     rig.Run();
@@ -175,7 +177,8 @@ TEST(Deletion, LogsOutWhereTheMailboxHasShrunk) {
   EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#5", "kept#1", "c#7"}));
   EXPECT_TRUE(rig.Find(u"a").Delete && rig.Find(u"a").Spam);
 
-  rig.socket.conversations = {Mailbox({Mail(u"b"), Mail(u"new")})};  // the check failed before
+  rig.socket.conversations = {
+      Mailbox({Mail(u"b"), Mail(u"new")})};  // the check after the box has failed
   rig.Run();
   rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"new")})};
   rig.Run();
@@ -185,8 +188,8 @@ TEST(Deletion, LogsOutWhereTheMailboxHasShrunk) {
 TEST(Deletion, TrustsAnUnfinishedCheckOnlyToTellThatNumbersMoved) {
   struct Row {
     const char* name;
-    Script seen;        // of a check that then breaks off
-    bool numbers_hold;  // of the complete check before: a is 3, b is 5, of 9
+    Script seen;        // by a check that is then interrupted
+    bool numbers_hold;  // those of the complete check before it
   };
   const auto stat = [](const Text& count) {
     return Login() + Stat(count + u" 9") + Client(u"TOP 1 5");

@@ -20,7 +20,7 @@ TEST(Limits, EndsASessionWhoseReplyIsTooLong) {
     const size_t most = status.size() + mail.size() + 3;
     rig.socket.bytes_per_character = kLongestReply / most;
     const Text text = mail + Text(static_cast<size_t>(surplus), u'x');
-    Script script = Login() + Stat(u"2 9") + Top(1, mail);  // the limit is each reply's own
+    Script script = Login() + Stat(u"2 9") + Top(1, mail);  // the limit applies to each reply
     if (surplus == 0) {
       script = script + Top(2, text) + Quit();
     } else {
@@ -51,7 +51,7 @@ TEST(Limits, EndsARefusalThatIsTooLong) {
 
 // --- No memory --------------------------------------------------------------------------------
 
-/// A deletion, and a check of two messages of which one is new.
+/// A deletion followed by a check of two messages, one of them new.
 void Arrange(CheckRig& rig) {
   rig.AddAccount();
   rig.AddMarked({{u"a", 1}, {u"b", 2}, {u"c", 3}}, 3);
@@ -60,14 +60,14 @@ void Arrange(CheckRig& rig) {
                               Mailbox({Mail(u"b"), Mail(u"d")})};
 }
 
-/// After whatever happened, nothing of the collection may hit a message that is not meant.
+/// Whatever has happened, the next deletion must not name a wrong message.
 void ExpectOnlySpamToGo(CheckRig& rig) {
   const bool committed = rig.socket.sent.size() > 5 && rig.socket.sent[5] == "QUIT";
   rig.view.log.clear();
   rig.socket.sent.clear();
   rig.mails.ClearDeletionMarks();
   rig.mails.ForEach([](cMessage& message) {
-    message.Delete = message.Spam && Trim(message.Subject) != u"b";
+    message.Delete = message.Spam && Trim(Text(message.Subject)) != u"b";
     return true;
   });
   const Script check = committed ? Mailbox({Mail(u"b"), Mail(u"d")}) : Mailbox({});
@@ -98,7 +98,7 @@ TEST(Limits, OutOfMemoryEndsTheRunAndNothingElse) {
       rig.socket.faults.clear();
       ExpectOnlySpamToGo(rig);
     }
-    EXPECT_GT(n, 200u);  // places
+    EXPECT_GT(n, 200u);  // allocations
   }
 }
 
