@@ -283,10 +283,13 @@ class Variable {
 TEST(SingleInstance, TheSocketStandsWhereNobodyElseCanPutOne) {
   QTemporaryDir root;
   const auto in = [&](const char* name) { return root.filePath(QString::fromLatin1(name)); };
-  for (const char* name : {"good", "open/vesko-host", "link", "file", "alien/vesko-host"}) {
+  for (const char* name :
+       {"good", "open/vesko-host", "group/vesko-host", "link", "file", "alien/vesko-host"}) {
     ASSERT_TRUE(QDir(root.path()).mkpath(name));
   }
-  ASSERT_EQ(chmod(qPrintable(in("open/vesko-host")), 0711), 0);
+  ASSERT_EQ(chmod(qPrintable(in("open/vesko-host")), 0701), 0);
+  ASSERT_EQ(chmod(qPrintable(in("group/vesko-host")), 0710), 0);
+  ASSERT_EQ(chmod(qPrintable(in("good")), 0700), 0);
   ASSERT_TRUE(QFile::link(in("good"), in("link/vesko-host")));
   ASSERT_TRUE(QFile(in("file/vesko-host")).open(QIODevice::WriteOnly));
   ASSERT_EQ(chmod(qPrintable(in("alien/vesko-host")), 0700), 0);
@@ -302,7 +305,7 @@ TEST(SingleInstance, TheSocketStandsWhereNobodyElseCanPutOne) {
   }
   EXPECT_EQ(QFileInfo(in("good/vesko-host")).permissions() & QFile::Permissions(0x77), 0);
   std::vector<QByteArray> unsafe = {{}, "", "relative", in("missing").toUtf8()};
-  for (const char* name : {"open", "link", "file"}) unsafe.push_back(in(name).toUtf8());
+  for (const char* name : {"open", "group", "link", "file"}) unsafe.push_back(in(name).toUtf8());
   if (is_alien) unsafe.push_back(in("alien").toUtf8());
   for (const QByteArray& runtime : unsafe) {
     EXPECT_EQ(path_for(runtime), in("cache/vesko-host/instance")) << runtime.constData();
