@@ -36,8 +36,8 @@ class TlsContext {
   TlsContext& operator=(const TlsContext&) = delete;
 
   /// The client's end of a connection whose handshake has not begun, with BIOs in memory; it asks
-  /// for the server by name. Its handshake fails, and tells the server why, when the check finds a fault. The check
-  /// must outlive it. Throws std::bad_alloc.
+  /// for the server by name. Its handshake fails, and tells the server why, when the check finds a
+  /// fault. The check must outlive it. Throws std::bad_alloc.
   SslPtr NewConnection(CertificateCheck& check);
 
  private:
