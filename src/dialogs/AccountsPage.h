@@ -46,7 +46,9 @@ class AccountsPage {
   void TrimBoxes();
 
   void Clicked();
+  /// Adds an account named after its position, and selects it.
   void New();
+  /// Deletes the selected account and selects its neighbour.
   void Delete();
 
   const Locale& locale_;

@@ -30,6 +30,7 @@ class KeywordEditor {
   void Clear() { list_.Clear(); }
 
  private:
+  // The buttons. Adding selects nothing.
   void Add();
   void Rename();
   void Delete();

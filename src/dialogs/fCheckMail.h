@@ -46,7 +46,9 @@ class fCheckMail : public Form, private ProgressView {
   void SetProgressValue(int32_t value) override;
   void EnableNext(bool enabled) override { cmdNext.SetEnabled(enabled); }
   void ShowError(const Text& text, const Text& title) override;
+  /// Closing the box without an answer counts as neither button.
   int AskRetry(const Text& question, const Text& title) override;
+  /// False when the user cancels; the credentials are unchanged then.
   bool AskCredentials(Credentials& credentials) override;
   void UnloadWindow() override { Unload(); }
 

@@ -51,6 +51,7 @@ class fConfig : public Form {
   void SetUp();
   /// OK: stays open where a number has to be corrected.
   void Confirm();
+  /// Discards what was edited by loading the stored settings again.
   void Cancel();
   void Help();
 
@@ -60,6 +61,7 @@ class fConfig : public Form {
   bool canceled_ = false;
 
   TabControl SSTab1{*this, "SSTab1"};
+  // The pages, in their order.
   AccountsPage accounts_;
   SpamPage spam_;
   OptionsPage options_;

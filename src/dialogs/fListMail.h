@@ -49,16 +49,20 @@ class fListMail : public Form {
 
   /// The row's message as the collection holds it, or null.
   colMails::Message MessageOf(int row) const;
+  /// Shows the message's text and marks it as read.
   void ItemClicked(int row);
   bool KeyDown(int key_code, int modifiers);
   void MouseDown(int buttons, int row);
 
   /// `index` is a position in the menu.
   void RunMenuCommand(int index);
+  /// Sets a flag of the messages in the selected rows.
   void MarkSelected(bool cMessage::*flag, bool value);
 
+  /// Both show another window over this one and list the messages anew after it.
   void ConfigSpam();
   void DeleteSpam();
+  /// Starts the user's mail program; what fails is ignored.
   void OpenEmailClient();
   bool EmailClientExists() const;
 

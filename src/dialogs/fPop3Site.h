@@ -38,8 +38,11 @@ class fPop3Site : public Form {
 
   void SetUp();
   void Arrange();
+  /// Follows every change of a text.
   void EnableOk();
+  /// True when the key was used up.
   bool OnBoxKey(int key_code);
+  /// OK: the properties take over what the boxes hold.
   void Confirm();
   void Cancel();
   void Help();

@@ -104,6 +104,7 @@ TEST_F(fConfigTest, ANumberThatIsNoneKeepsTheWindowAndEverything) {
 TEST_F(fConfigTest, EditedAccountsAreStoredWhenAnotherIsShown) {
   Accounts({u"a", u"b"});
   Show([&](Form& form) {
+    EXPECT_EQ(Read(form, "txtPop3Account(2)"), u"ann");
     EXPECT_EQ(Read(form, "txtPop3Account(3)"), u"secret");
     EXPECT_TRUE(Find<TextBox>(form, "txtPop3Account(3)").Password());
     Type(form, "txtPop3Account(0)", u"  alpha ");

@@ -38,6 +38,8 @@ TEST(InputBoxTest, ReturnsTheTextOnlyOnOk) {
   toolkit.On("InputBox", [&](Form& box) {
     EXPECT_EQ(Find<Label>(box, "lblPrompt").Caption(), u"Prompt");
     EXPECT_EQ(Read(box, "txtAnswer"), u"before");
+    EXPECT_EQ(Find<CommandButton>(box, "cmdOK").Caption(), u"OK");
+    EXPECT_EQ(Find<CommandButton>(box, "cmdCancel").Caption(), u"Cancel");
     EXPECT_EQ(toolkit.focus, "txtAnswer");
     box.Close();
   });

@@ -186,7 +186,6 @@ class ListViewPeer : public QtPeerOf<ListView, RowView> {
     generation_ = control_.Generation();
     const bool new_columns = model_->columnCount() != static_cast<int>(control_.Columns().size());
     model_->Reset();
-    clicked_ = control_.CurrentRow();
     if (new_columns) ShowColumns();
     const int icon = IconSizeFor(Native()->fontMetrics().height());
     Native()->setIconSize({icon, icon});
