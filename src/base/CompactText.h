@@ -61,17 +61,20 @@ class CompactText {
 
  private:
   struct Copy {};
-  struct Header;
+  struct Header;  // how many characters follow, and how wide they are
 
   CompactText(TextView text, Copy);
 
   /// Uninitialised characters.
   static CompactText Allocate(size_t size, bool is_wide);
 
+  // Precondition of the two that return what is in the block: there is one.
   Header& GetHeader() const;
   bool IsWide() const;
   char* Characters() const;
   size_t Bytes() const;
+
+  // Copies the characters, widened if need be.
   void CopyTo(char* characters, bool is_wide) const;
   void Get(size_t from, size_t count, Text& text) const;
   bool Equals(TextView other) const;

@@ -48,6 +48,8 @@ class CheckRun {
   // Runs a step; when memory runs out in it, the run ends.
   void Contain(const std::function<void()>& step);
   void Unload();
+
+  // The socket's events lead to the session between these two.
   void TakeSocket();
   void LeaveSocket();
   void CheckAllAccounts();

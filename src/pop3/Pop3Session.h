@@ -73,6 +73,7 @@ class Pop3Session {
   /// Called for every message fetched, with its Server and Index set. Must be set.
   std::function<void(colMails::Message message)> on_message;
 
+  /// To be set before Begin. The maildrop is what the login opens.
   void SetLogin(Login login) { login_ = std::move(login); }
   const Login& GetLogin() const { return login_; }
   Maildrop GetMaildrop() const { return {login_.host, login_.port, login_.user}; }
@@ -117,17 +118,22 @@ class Pop3Session {
   void HandlePeerClosed();
 
  private:
+  // From an arrival to the step that it makes possible.
   void HandleText();
   void HandleReply(const Text& reply);
   void HandleInterrupted();
   void HandleCount(const Text& reply);
   void HandleHeader();
-  void ReadHeader(cMessage& message);
   void HandleDeletion();
+  // A refusal and a reply beyond the limit close the connection and leave the state as it is, so
+  // that the session does not count as ended normally.
   void Reject(const Text& reply);
   void RejectTooLong();
   bool IsTooLong() const;
+
+  // Every reply that is complete is taken by one of these; the limit of the next one starts there.
   Text TakeReply();
+  void ReadHeader(cMessage& message);
 
   void Greeted();
   void StartFetching();
@@ -135,6 +141,7 @@ class Pop3Session {
   void FetchCurrent();
   void DeleteCurrent();
 
+  // Sends a command and enters a state, even if the command cannot be sent. Returns whether it was.
   bool Send(SessionState next, Text command);
   void SendQuit();
   void ShowPosition();
@@ -144,17 +151,18 @@ class Pop3Session {
   ProgressView& view_;
   Login login_;
   SessionState state_ = SessionState::kConnecting;
-  bool interrupted_ = false;  // by Quit
-  bool awaits_deletion_ = false;
+  bool interrupted_ = false;      // by Quit
+  bool awaits_deletion_ = false;  // the reply to the last DELE
   Outcome outcome_;
   Text last_command_;
   double last_activity_ = 0;
+  // Messages to fetch or delete, and the one that the last command was about, from 1.
   int32_t total_ = 0;
   int32_t current_ = 0;
   ReplyBuffer buffer_;
   uint64_t reply_start_ = 0;  // bytes that the socket had received before the current reply
   DeletionList deletions_;
-  int32_t known_count_ = 0;
+  int32_t known_count_ = 0;  // of messages in the mailbox when they were numbered
 };
 
 }  // namespace vesko
