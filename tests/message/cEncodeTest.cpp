@@ -2,7 +2,6 @@
 
 #include <map>
 #include <memory>
-#include <random>
 
 #include "message/cEncode.h"
 #include "support/ErrorOf.h"
@@ -12,9 +11,6 @@ namespace vesko {
 namespace {
 
 using std::literals::operator""s;
-
-constexpr int32_t kFirstCode = ConvStrip8Bit;
-constexpr int32_t kLastCode = ConvEbcdicToAscii;
 
 // Opening a locale takes longer than any conversion here.
 const Locale& LocaleOf(int code_page) {
@@ -48,17 +44,13 @@ class EncodeTest : public ::testing::Test {
   }
 };
 
-TEST_F(EncodeTest, EveryCodeGivesEmptyTextForDataWithoutLength) {
+TEST_F(EncodeTest, KnownCodesGiveEmptyTextForDataWithoutLengthAndOthersEmpty) {
   for (int32_t code : {1, 2, 3, 4, 8, 16, 32, 64, 128, 99}) {
     EXPECT_EQ(ConvIn(949, Text(), code), Variant(Text())) << code;
   }
-  for (int32_t code = kFirstCode; code <= kLastCode; ++code) {
-    EXPECT_EQ(ConvIn(949, Text(), code), Variant(Text())) << code;
+  for (int32_t code = ConvStrip8Bit; code <= ConvEbcdicToAscii; ++code) {
     EXPECT_EQ(ConvIn(949, Variant(), code), Variant(Text())) << code;
   }
-}
-
-TEST_F(EncodeTest, UnknownCodesGiveEmpty) {
   for (int32_t code : {0, 5, 63, 192, 255, 269, -1}) {
     EXPECT_TRUE(IsEmpty(ConvIn(949, Text(u"a"), code))) << code;
   }
@@ -145,27 +137,8 @@ TEST_F(EncodeTest, QuotedPrintableFailsOnlyForCharactersThatTheCodePageLacks) {
   }
 }
 
-TEST_F(EncodeTest, EncodersAreUndoneByTheirDecoders) {
-  std::mt19937 random(3);
-  for (int round = 0; round < 200; ++round) {
-    Text text;
-    for (size_t i = 3 * (1 + random() % 20); i > 0; --i) text += char16_t(33 + random() % 94);
-    for (int32_t code : {ConvBase64Encode, ConvQPEncode, ConvFromUnicode}) {
-      int32_t back = code == ConvFromUnicode ? ConvUnicode : code + 1;
-      Text plain = code == ConvQPEncode ? ReplaceAll(text, u"_", u"-") : text;
-      ASSERT_EQ(TextIn(949, TextIn(949, plain, code), back), plain) << code;
-    }
-    // Spaces at either end of uuencoded text would be trimmed.
-    Text uu = TextIn(949, text, ConvUUEncode);
-    if (Trim(uu) == uu) {
-      ASSERT_EQ(TextIn(949, uu, ConvUUDecode), text);
-    }
-  }
-}
-
 TEST_F(EncodeTest, IsBinaryAsksForEightBits) {
   cEncode encode(LocaleOf(1252));
-  EXPECT_FALSE(encode.IsBinary(Text(u"")));
   EXPECT_FALSE(encode.IsBinary(Text(u"a\u007F")));
   EXPECT_TRUE(encode.IsBinary(Text(u"a\u00E9")));
   EXPECT_FALSE(encode.IsBinary(Text(u"\uAC00"))) << "the code page makes it a question mark";
@@ -173,10 +146,8 @@ TEST_F(EncodeTest, IsBinaryAsksForEightBits) {
 
 TEST_F(EncodeTest, TrimQuotesTakesSpacesOnceAndQuotesAll) {
   EXPECT_EQ(cEncode::TrimQuotes(u"  \"\"name\" "), u"name");
-  EXPECT_EQ(cEncode::TrimQuotes(u"\" name \""), u" name ");
-  EXPECT_EQ(cEncode::TrimQuotes(u"\" \"name"), u" \"name");
+  EXPECT_EQ(cEncode::TrimQuotes(u"\" \"na\"me \""), u" \"na\"me ");
   EXPECT_EQ(cEncode::TrimQuotes(u"\"\"\""), u"");
-  EXPECT_EQ(cEncode::TrimQuotes(u"na\"me"), u"na\"me");
 }
 
 }  // namespace

@@ -1,19 +1,13 @@
 #include "pop3/CheckRig.h"
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 
 #include "config/mmEncrypt.h"
 #include "support/TestLocale.h"
 
 namespace vesko {
-namespace {
-
-const Locale& SharedLocale() {
-  static const std::unique_ptr<Locale> locale = MakeTestLocale(949);
-  return *locale;
-}
-
-}  // namespace
 
 Text Mail(const Text& name) {
   return u"From: a@example.org\r\nSubject: " + name + u"\r\nMessage-ID: <" + name +
@@ -25,7 +19,11 @@ std::string Asked(const std::string& last_command) {
          "'.\r\nTry again ? \r\n [Quarnel]";
 }
 
-CheckRig::CheckRig() : locale(SharedLocale()) {
+CheckRig::CheckRig()
+    : locale([]() -> const Locale& {
+        static const std::unique_ptr<Locale> shared = MakeTestLocale(949);
+        return *shared;
+      }()) {
   configuration.DownLines = 5;
   configuration.WaitTime = 20;
   view.on_unload = [this] { run.WindowUnloaded(); };
@@ -37,14 +35,14 @@ void CheckRig::AddAccount(const Text& server, const Text& user, const Text& pass
   configuration.AddAccount({u"Home", server, user, scrambled, port, u"1"});
 }
 
-void CheckRig::AddMarked(const std::vector<Seen>& messages, int32_t count,
+void CheckRig::AddMarked(const std::vector<std::pair<Text, int>>& messages, int32_t count,
                          const Maildrop& maildrop) {
   mails.BeginSession(maildrop);
-  for (const Seen& seen : messages) {
+  for (const auto& [name, number] : messages) {
     auto message = std::make_shared<cMessage>(locale);
-    message->CreateFromText(Mail(seen.name));
+    message->CreateFromText(Mail(name));
     message->Server = maildrop.server;
-    message->SetIndex(seen.number);
+    message->SetIndex(number);
     message->Spam = message->Delete = true;
     mails.Add(message);
   }
@@ -66,8 +64,8 @@ void CheckRig::Run() {
   run.Activate();
 }
 
-std::vector<std::string> CheckRig::Dialogs() const {
-  std::vector<std::string> dialogs;
+Lines CheckRig::Dialogs() const {
+  Lines dialogs;
   for (const std::string& line : view.log) {
     for (const char* kind : {"error", "ask", "credentials", "after"}) {
       if (line.starts_with(kind)) dialogs.push_back(line);
@@ -86,13 +84,18 @@ cMessage& CheckRig::Find(const Text& name) const {
   return *found;
 }
 
-std::vector<std::string> CheckRig::Mails() const {
-  std::vector<std::string> names;
+Lines CheckRig::Mails() const {
+  Lines names;
   mails.ForEach([&](const cMessage& message) {
     names.push_back(Narrow(Trim(Text(message.Subject))) + "#" + std::to_string(message.Index()));
     return true;
   });
   return names;
+}
+
+void CheckRig::ExpectScriptFollowed() const {
+  EXPECT_EQ(socket.faults, Lines{});
+  EXPECT_EQ(socket.Unused(), 0u);
 }
 
 }  // namespace vesko

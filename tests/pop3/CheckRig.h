@@ -18,6 +18,8 @@
 
 namespace vesko {
 
+using Lines = std::vector<std::string>;
+
 /// The text that TOP returns for a message whose subject and identifier are `name`.
 Text Mail(const Text& name);
 
@@ -31,14 +33,9 @@ struct CheckRig {
   void AddAccount(const Text& server = u"pop.example.org", const Text& user = u"ann",
                   const Text& password = u"secret", const Text& port = u"995");
 
-  struct Seen {
-    Text name;
-    int number;
-  };
-
   /// Adds messages that an earlier check has seen in a maildrop of `count` messages. All are marked
   /// as spam and for deletion.
-  void AddMarked(const std::vector<Seen>& messages, int32_t count,
+  void AddMarked(const std::vector<std::pair<Text, int>>& messages, int32_t count,
                  const Maildrop& maildrop = {u"pop.example.org", 995, u"ann"});
 
   /// Calls `deed` at the first turn of the pump after this line was sent.
@@ -48,13 +45,16 @@ struct CheckRig {
   void Run();
 
   /// All boxes and questions in order, and anything shown after the window was unloaded.
-  std::vector<std::string> Dialogs() const;
+  Lines Dialogs() const;
 
   /// The message with this subject.
   cMessage& Find(const Text& name) const;
 
   /// Every fetched message as "subject#number".
-  std::vector<std::string> Mails() const;
+  Lines Mails() const;
+
+  /// Fails the test where a server's script was not followed to its end.
+  void ExpectScriptFollowed() const;
 
   const Locale& locale;
   MemoryRegistry registry;
