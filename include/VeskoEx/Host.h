@@ -100,6 +100,7 @@ class Value {
   }
   Value(const std::u16string& value) : Value(std::u16string_view(value)) {}
   Value(const char16_t* value) : Value(std::u16string_view(value)) {}
+  /// Moving leaves an empty value behind, or swaps the two.
   Value(Value&& other) noexcept : variant_(other.variant_) { VariantInit(&other.variant_); }
   Value& operator=(Value&& other) noexcept {
     std::swap(variant_, other.variant_);
@@ -179,6 +180,7 @@ class Object {
   }
 
  private:
+  /// Finds the member and calls it. Arguments stand in reverse order, as automation has them.
   Value Invoke(std::u16string_view name, WORD flags, VARIANT* reversed_arguments, UINT count) {
     std::u16string member(name);
     LPOLESTR names[] = {member.data()};
@@ -193,6 +195,8 @@ class Object {
     return result;
   }
 
+  /// Throws Error where the outcome is a failure, with the component's own description if it gave
+  /// one, and frees what the exception holds.
   static void Check(HRESULT outcome, std::u16string_view name, EXCEPINFO* exception) {
     if (SUCCEEDED(outcome)) return;
     std::string words = "the call of " + Narrow(name) + " failed";
@@ -208,13 +212,14 @@ class Object {
     throw Error(outcome, words);
   }
 
+  /// 7-bit text; every other code unit becomes "?".
   static std::string Narrow(std::u16string_view text) {
     std::string narrow;
     for (char16_t c : text) narrow += c < 128 ? static_cast<char>(c) : '?';
     return narrow;
   }
 
-  IDispatch* dispatch_;
+  IDispatch* dispatch_;  // one reference is ours; null when moved from
 };
 
 /// Where a class is served: its identity and the full path of the library.

@@ -42,6 +42,7 @@ class KeyedCollection {
     auto found = positions_.find(key);
     return found == positions_.end() ? nullptr : &*slots_[found->second - first_].value;
   }
+  /// The same; the value may be changed.
   Value* Find(const Text& key) { return const_cast<Value*>(std::as_const(*this).Find(key)); }
 
   /// Returns the value at a position from 1 to Count. Raises run-time error 9 for any other.
@@ -97,6 +98,7 @@ class KeyedCollection {
 
   static constexpr size_t kSpareHoles = 64;
 
+  /// Drops the holes before the first value.
   void DropEmptyFront() {
     while (!slots_.empty() && !slots_.front().value) {
       slots_.pop_front();
@@ -104,6 +106,7 @@ class KeyedCollection {
     }
   }
 
+  /// Drops all holes, so that a position is an index.
   void Compact() {
     if (slots_.size() == positions_.size()) return;
     std::erase_if(slots_, [](const Slot& slot) { return !slot.value; });

@@ -28,9 +28,12 @@ class RunTimeError : public std::exception {
         description_(std::move(description)),
         what_("run-time error " + std::to_string(number)) {}
 
+  /// The number of the error, what raised it, and words for a person. The number alone decides how
+  /// the error is handled.
   int32_t Number() const { return number_; }
   const Text& Source() const { return source_; }
   const Text& Description() const { return description_; }
+  /// The number in words, for a debugger.
   const char* what() const noexcept override { return what_.c_str(); }
 
  private:

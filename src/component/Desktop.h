@@ -11,7 +11,10 @@ class Desktop {
  public:
   virtual ~Desktop() = default;
 
+  /// Everything that needs no window.
   virtual const Services& GetServices() const = 0;
+
+  /// What shows windows and boxes.
   virtual Toolkit& GetToolkit() = 0;
 };
 

@@ -5,7 +5,8 @@
 
 namespace vesko {
 
-/// Plays a wave file in the background where the machine can play at all; silence otherwise.
+/// Starts to play a wave file in the background and returns at once. A missing or damaged file, an
+/// empty path and a machine that cannot play give silence; nothing is thrown or shown.
 void PlayNewMailSound(Sound& sound, const Text& path);
 
 }  // namespace vesko

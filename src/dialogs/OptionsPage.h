@@ -29,8 +29,10 @@ class OptionsPage {
   bool Store(Configuration& configuration);
 
  private:
+  // Captions, names for screen readers, and what the buttons do.
   void SetUp();
   void SetUpButtons();
+  /// Enables the interval where checking is not manual.
   void ManualCheckClicked();
   /// Leaves the box as it is when the user picks nothing.
   void PickFile(TextBox& box, const Text& title, const Text& filter, const Text& extension);
@@ -41,6 +43,7 @@ class OptionsPage {
   std::function<void(const Text& path)> play_sound_;
   std::function<void()> turn_to_page_;
 
+  // In the order in which they stand on the page.
   Label lblPOP3DownLines;
   TextBox txtPOP3DownLines;
   Label lblPOP3CheckTime;

@@ -27,6 +27,7 @@ class KeywordEditor {
   /// The keywords in their order, as a load of the stored settings would give them.
   std::vector<Text> Keywords() const;
 
+  /// Empties the list.
   void Clear() { list_.Clear(); }
 
  private:
@@ -49,8 +50,10 @@ class SpamPage {
   /// The form owns the page; the toolkit must outlive it.
   SpamPage(Form& form, Toolkit& toolkit);
 
+  /// What stands on the page. Called once.
   Layout Arrange() { return Row({senders_.Arrange(), subjects_.Arrange()}); }
 
+  /// Shows the keywords of a configuration.
   void Load(const Configuration& configuration);
   /// Replaces both lists of the configuration.
   void Store(Configuration& configuration) const;

@@ -32,6 +32,7 @@ class fCheckMail : public Form, private ProgressView {
   bool NewMail() const { return run_.NewMail(); }
 
  private:
+  /// Empties the labels.
   void OnLoad() override;
   /// Runs the whole check before it returns.
   void OnActivate() override;
@@ -52,6 +53,7 @@ class fCheckMail : public Form, private ProgressView {
   bool AskCredentials(Credentials& credentials) override;
   void UnloadWindow() override { Unload(); }
 
+  // What the controls say and do, and where they stand.
   void SetUp();
   void Arrange();
 

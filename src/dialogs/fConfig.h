@@ -27,6 +27,7 @@ inline constexpr int kOptionPage = 2;
 /// The window may be shown any number of times; each time it shows what the configuration holds.
 class fConfig : public Form {
  public:
+  /// Plays the wave file at a path in the background; silence where it cannot.
   using PlaySound = std::function<void(const Text& path)>;
 
   /// All references must outlive the window. `play_sound` lets the user hear a wave file; it gets
@@ -53,6 +54,7 @@ class fConfig : public Form {
   void Confirm();
   /// Discards what was edited by loading the stored settings again.
   void Cancel();
+  /// Says in a box how passwords and accounts are stored.
   void Help();
 
   Configuration& configuration_;

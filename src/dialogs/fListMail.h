@@ -28,7 +28,9 @@ class fListMail : public Form {
   ~fListMail() override;
 
  private:
+  /// Applies the keywords and lists the messages; the first one is read then.
   void OnLoad() override;
+  /// Takes back the marks for deletion.
   void OnUnload() override;
 
   void SetUp();
@@ -51,7 +53,9 @@ class fListMail : public Form {
   colMails::Message MessageOf(int row) const;
   /// Shows the message's text and marks it as read.
   void ItemClicked(int row);
+  /// Commands by Ctrl and a letter. Returns whether the key was one.
   bool KeyDown(int key_code, int modifiers);
+  /// Shows the menu where the right button went down on a row.
   void MouseDown(int buttons, int row);
 
   /// `index` is a position in the menu.
@@ -64,6 +68,7 @@ class fListMail : public Form {
   void DeleteSpam();
   /// Starts the user's mail program; what fails is ignored.
   void OpenEmailClient();
+  /// Whether the configured mail program is a file.
   bool EmailClientExists() const;
 
   const Locale& locale_;

@@ -62,18 +62,22 @@ class AccountRun {
   bool Left() const { return over_ || skipped_; }
   void RunPending() { services_.pump.RunPending(std::chrono::milliseconds(0)); }
 
+  /// Whether a further attempt begins with the retry question.
   bool WouldAsk() const;
   bool ConfirmRetry();
   Account ReadAccount() const;
   Credentials CredentialsOf(const Account& account) const;
   bool IsComplete(const Account& account) const;
+  /// Lets the user complete the account until nothing in it is missing or unfit to be sent.
   bool Complete(Account& account);
   void Use(const Account& account);
   Text DecryptedOrEmpty(const Text& scrambled) const;
 
   void Connect();
   void Wait();
+  /// Lets events run until the next thing is due. Returns whether to go on waiting.
   bool WaitOneTurn();
+  /// Time to the next second on the label or to the end of the wait time, whichever is sooner.
   std::chrono::milliseconds UntilNextDuty() const;
   void LogOut();
 

@@ -12,6 +12,7 @@ class Control;
 /// laid out from left to right and from top to bottom, and are as wide as the column or as high as
 /// the row that they are in where they can make use of it.
 struct Layout {
+  /// What the layout is; the members say which kind each of them belongs to.
   enum class Kind { kControl, kRow, kColumn, kGrid, kSpace };
 
   Kind kind = Kind::kColumn;
@@ -25,9 +26,11 @@ struct Layout {
 inline Layout Item(Control& control, int stretch = 0) {
   return {Layout::Kind::kControl, &control, {}, 0, stretch};
 }
+/// Items side by side.
 inline Layout Row(std::vector<Layout> items, int stretch = 0) {
   return {Layout::Kind::kRow, nullptr, std::move(items), 0, stretch};
 }
+/// Items one below the other.
 inline Layout Column(std::vector<Layout> items, int stretch = 0) {
   return {Layout::Kind::kColumn, nullptr, std::move(items), 0, stretch};
 }

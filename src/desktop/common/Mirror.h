@@ -59,11 +59,12 @@ class Mirror {
  private:
   friend class Mirrored;
 
+  /// Both are called by Mirrored: when it has changed for the first time, and when it goes.
   void List(Mirrored& item) { listed_.push_back(&item); }
   void Forget(Mirrored& item);
 
   std::vector<Mirrored*> listed_;
-  std::vector<Mirrored*> showing_;
+  std::vector<Mirrored*> showing_;  // what SynchroniseAll is at; entries become null as they go
   Clock::time_point last_{};
 };
 

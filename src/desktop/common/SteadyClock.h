@@ -6,7 +6,8 @@
 
 namespace vesko {
 
-/// The system's monotonic clock. Setting the time of day does not move it.
+/// The system's monotonic clock, by which both ports measure. Setting the time of day does not move
+/// it. It may stand still while the machine sleeps, so a wait is never over because of a sleep.
 class SteadyClock final : public Clock {
  public:
   double Seconds() const override {

@@ -57,6 +57,7 @@ class StreamSocket final : public Socket, private StreamListener {
   StreamSocket(const StreamSocket&) = delete;
   StreamSocket& operator=(const StreamSocket&) = delete;
 
+  // The contract of these is that of Socket.
   SocketState State() const override { return state_; }
   void SetLocalPort(int32_t port) override { local_port_ = port; }
   void Connect(const Text& host, int32_t port) override;
@@ -74,6 +75,7 @@ class StreamSocket final : public Socket, private StreamListener {
   template <typename Step>
   void Contain(Step step);
 
+  // The stream's events.
   void Opened() override;
   void BytesArrived(std::string_view bytes) override;
   void PeerClosed() override;

@@ -14,7 +14,7 @@ struct LinuxFolders {
   std::string machine_classes;
 };
 
-/// By the environment of this process. None of the folders need exist.
+/// The folders by the environment of this process (XDG base directories). None of them need exist.
 LinuxFolders DefaultFolders();
 
 }  // namespace vesko

@@ -92,10 +92,13 @@ class Hive {
   int32_t WaitWhileBusy(Step&& step);
 
   int Run(const char* sql) { return sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr); }
+  /// One use of a statement, which is prepared the first time and kept until the file is closed.
   Statement Prepared(Sql sql);
   int32_t Write(Statement& statement);
+  /// The row of a key's sub-key by its name; kStatusFileNotFound where there is none.
   int32_t FindChild(int64_t parent, std::string_view name, int64_t& row);
   int32_t AddChild(int64_t parent, std::string_view name, int64_t& row);
+  /// kStatusKeyDeleted where another handle or process has removed the key.
   int32_t Alive(int64_t key);
   int32_t Nth(Sql sql, int64_t key, uint32_t n, std::string& name);
 

@@ -37,6 +37,7 @@ class Statement {
     }
     return *this;
   }
+  /// Any bytes.
   Statement& BindData(std::string_view data) {
     if (statement_) {
       Note(sqlite3_bind_blob64(statement_, ++bound_, data.empty() ? "" : data.data(), data.size(),
@@ -58,6 +59,7 @@ class Statement {
   }
 
  private:
+  /// Keeps the first thing that goes wrong.
   void Note(int code) {
     if (code_ == SQLITE_OK) code_ = code;
   }

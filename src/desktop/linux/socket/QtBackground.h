@@ -15,12 +15,14 @@ class QtBackground final : public Background {
  public:
   ~QtBackground() override { Cancel(); }
 
+  /// Where no thread can be had, `done` comes without `work`.
   void Start(std::function<void()> work, std::function<void()> done) override;
   void Cancel() override;
 
  private:
   struct Task;
 
+  /// Runs the end of a task in the event loop, unless it was cancelled meanwhile.
   static void Finish(const std::shared_ptr<Task>& task);
 
   QObject context_;             // receives the end of the work

@@ -44,8 +44,10 @@ class TcpStream {
   void Readable();
   void Writable();
   void FinishConnecting();
+  /// Sends as much of unsent_ as the system takes.
   void Flush();
   void StopWatching();
+  /// Closes the connection and tells the listener why.
   void Fail(int system_error);
 
   QSocketNotifier read_{QSocketNotifier::Read};

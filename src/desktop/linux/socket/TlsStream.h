@@ -28,18 +28,24 @@ class TlsStream final : public StreamListener {
   void Send(std::string_view bytes);
 
  private:
+  /// kOver: the listener has been told of the end, and whatever still arrives is dropped.
   enum class Phase { kHandshake, kOpen, kOver };
 
+  // The TCP stream's events.
   void Opened() override;
   void BytesArrived(std::string_view bytes) override;
   void PeerClosed() override;
   void Failed(int32_t number, const Text& description) override;
 
+  /// Goes on with the handshake as far as what has arrived allows.
   void Handshake();
   void HandshakeFailed();
+  /// Hands what has arrived to the listener, which may destroy this stream meanwhile.
   void Decrypt();
   std::string_view ReadPlain(int& outcome);
+  /// Sends what the library wants to be sent.
   void SendRecords();
+  /// Closes the TCP stream and tells the listener why. Does nothing after the first time.
   void Abort(int32_t number, const Text& description);
 
   TcpStream& tcp_;

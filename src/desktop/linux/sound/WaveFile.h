@@ -17,9 +17,11 @@ class WaveFile : public QIODevice {
   /// are beyond what sound outputs take (8, 192 kHz).
   static std::unique_ptr<WaveFile> Open(const QString& path);
 
+  /// The format in which the samples are read: that of the file, but for the 16 bits.
   QAudioFormat Format() const;
 
   bool isSequential() const override { return true; }
+  /// Bytes that are still to be read, as 16-bit samples.
   qint64 bytesAvailable() const override;
 
  protected:

@@ -50,6 +50,7 @@ class QtControlPeer : public ControlPeer, public Mirrored {
   QtControlPeer(Control& control, QWidget* widget, const PeerContext& context);
   ~QtControlPeer() override;
 
+  // What the control asks of its native side.
   void StateChanged() final { MarkChanged(); }
   void Refresh() final;
   void TakeFocus() override;
@@ -83,6 +84,7 @@ class QtControlPeer : public ControlPeer, public Mirrored {
   const PeerContext& Context() const { return context_; }
 
  private:
+  /// Gives the widget the control's font where it has one, else the desktop's.
   void ShowFont();
 
   Control& control_;

@@ -11,6 +11,7 @@ namespace vesko {
 /// made it. Must not be destroyed from within its handler.
 class MessageWindow {
  public:
+  /// Called on the thread that made the window; must not throw.
   using Handler = std::function<void(UINT message, WPARAM wparam, LPARAM lparam)>;
 
   /// The handler gets the messages from WM_APP on; the system deals with the others.
@@ -23,6 +24,7 @@ class MessageWindow {
   HWND Get() const { return window_; }
 
  private:
+  /// What the system calls: finds the object that belongs to the window.
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
   Handler handler_;

@@ -17,13 +17,16 @@ class WinBackground final : public Background {
   WinBackground();
   ~WinBackground() override { Cancel(); }
 
+  /// Where no thread can be had, `done` comes without `work`.
   void Start(std::function<void()> work, std::function<void()> done) override;
   void Cancel() override;
 
  private:
   struct Task;
 
+  /// The thread: runs the work and posts its number to the window.
   static DWORD WINAPI Run(void* task);
+  /// Calls done_, unless the work was cancelled or replaced meanwhile.
   void Finished(WPARAM number);
 
   MessageWindow window_;

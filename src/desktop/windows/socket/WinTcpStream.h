@@ -55,16 +55,20 @@ class WinTcpStream final : private EventSources::Source {
   void FailLater(int system_error);
 
  private:
+  /// kFailing: an error is reported when the event sources are asked next.
   enum class State { kClosed, kConnecting, kConnected, kFailing, kPeerClosed };
 
+  /// Reports what has happened to the connection. Returns whether there was anything to report.
   bool Deliver() override;
   void TryNextAddress();
   bool StartConnecting(const std::string& address);
   bool ConnectFailed(int error);
   bool FinishConnecting();
   bool Receive();
+  /// Sends as much of unsent_ as the system takes.
   void Flush();
   void CloseSocket();
+  /// Closes the connection and tells the listener why.
   void Fail(int system_error);
 
   EventSources& sources_;

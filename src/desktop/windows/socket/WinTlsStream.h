@@ -44,24 +44,33 @@ class WinTlsStream final : public StreamListener {
   void Send(std::string_view bytes);
 
  private:
+  /// kChecking: the certificate is being judged in the background. kOver: the listener has been
+  /// told of the end, and whatever still arrives is dropped.
   enum class Phase { kHandshake, kChecking, kOpen, kOver };
 
+  // The TCP stream's events.
   void Opened() override { Handshake(); }
   void BytesArrived(std::string_view bytes) override;
   void PeerClosed() override;
   void Failed(int32_t number, const Text& description) override;
 
+  /// Goes on with what the phase asks for, as far as what has arrived allows.
   void Advance();
   void Handshake();
+  /// One step of the handshake: what the system's library answers to the bytes that have arrived.
   SECURITY_STATUS NextToken();
   SECURITY_STATUS SendToken(SecBufferDesc* input);
+  /// Judges the server's certificate in the background, since that may ask servers on the network.
   void CheckCertificate();
   void Checked(const std::vector<CertificateFault>& faults);
+  /// Sends close_notify.
   void SayGoodBye();
   void Decrypt();
   SECURITY_STATUS DecryptRecord(std::string& plain);
+  /// Keeps the bytes behind the record that was used up.
   void KeepTail(const SecBuffer& buffer);
   std::string Encrypted(std::string_view bytes);
+  /// Closes the TCP stream and tells the listener why. Does nothing after the first time.
   void Abort(int32_t number, const Text& description);
 
   WinTcpStream& tcp_;
