@@ -80,11 +80,18 @@ Text colMails::Key(const Text& server, const Text& message_id) {
   return key.append(server).append(message_id);
 }
 
+void colMails::KnowMaildrops(const std::vector<Maildrop>& maildrops) {
+  for (Source& source : sources_) {
+    source.abandoned = std::ranges::find(maildrops, source.maildrop) == maildrops.end();
+  }
+}
+
 void colMails::BeginSession(const Maildrop& maildrop) {
   ++session_;
   const auto found = std::ranges::find(sources_, maildrop, &Source::maildrop);
   source_ = static_cast<uint32_t>(found - sources_.begin());
   if (found == sources_.end()) sources_.push_back({maildrop});
+  sources_[source_].abandoned = false;
 }
 
 bool colMails::Add(Message message) {
@@ -101,6 +108,10 @@ bool colMails::Add(Message message) {
 }
 
 void colMails::SeeAgain(Entry& entry, int32_t number) {
+  if (sources_[entry.source].abandoned) {
+    entry.source = source_;
+    entry.sight = Sight::kNew;
+  }
   if (entry.source != source_ || entry.last_session == session_) return;
   Source& source = sources_[source_];
   const bool as_expected =

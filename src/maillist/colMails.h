@@ -58,6 +58,11 @@ class colMails {
 
   size_t Count() const { return entries_.Count(); }
 
+  /// The accounts are about to be checked, and read these maildrops. Entries of any other one
+  /// become those of the next session that sees them: an account whose port or user was changed
+  /// since then goes on where it was.
+  void KnowMaildrops(const std::vector<Maildrop>& maildrops);
+
   /// A session that fetches from `maildrop` begins. Add and CompleteSession refer to it.
   void BeginSession(const Maildrop& maildrop);
 
@@ -132,6 +137,7 @@ class colMails {
     Maildrop maildrop;
     int32_t count = 0;  // in the last complete session
     bool numbers_hold = false;
+    bool abandoned = false;  // no account reads it any more
   };
 
   const Source* FindSource(const Maildrop& maildrop) const;

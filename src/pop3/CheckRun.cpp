@@ -73,7 +73,17 @@ void CheckRun::Unload() {
   view_.UnloadWindow();
 }
 
+void CheckRun::KnowMaildrops() {
+  std::vector<Maildrop> maildrops;
+  for (int32_t i = 1; i <= data_.configuration.Accounts.Count(); ++i) {
+    const Account account = data_.configuration.AccountAt(i);
+    maildrops.push_back({account.server, account.PortNumber(), account.user});
+  }
+  data_.mails.KnowMaildrops(maildrops);
+}
+
 void CheckRun::CheckAllAccounts() {
+  KnowMaildrops();
   const int32_t accounts = data_.configuration.Accounts.Count();
   for (int32_t i = 1; i <= accounts && !account_.Over(); ++i) CheckAccount(i);
   if (account_.Over()) return;

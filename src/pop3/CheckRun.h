@@ -53,6 +53,7 @@ class CheckRun {
   void TakeSocket();
   void LeaveSocket();
   void CheckAllAccounts();
+  void KnowMaildrops();
   void CheckAccount(int32_t position);
   bool RunSession();
 

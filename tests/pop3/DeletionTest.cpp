@@ -128,6 +128,19 @@ TEST(Deletion, KnowsMailboxesOfOneUserByTheirPorts) {
   EXPECT_EQ(rig.socket.faults, Lines{});
 }
 
+TEST(Deletion, GoesOnWhereTheUserGivesAnAccountAnotherPort) {
+  CheckRig rig;
+  rig.AddAccount(u"pop.example.org", u"ann", u"secret", u"110");
+  rig.AddMarked({{u"a", 3}}, 3);  // seen by way of port 995
+  rig.socket.conversations = {Mailbox({Mail(u"a")}), Login() + Stat(u"1 9") + Dele(1) + Quit(),
+                              Mailbox({})};
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), Lines{"a#1"});
+  rig.Run();
+  EXPECT_EQ(rig.Mails(), Lines{});
+  rig.ExpectScriptFollowed();
+}
+
 TEST(Deletion, SendsNothingForWhatIsGoneFromTheServer) {
   for (bool all_gone : {true, false}) {
     DeletionRig rig;
