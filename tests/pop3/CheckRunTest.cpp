@@ -261,28 +261,6 @@ TEST(Buttons, NextLogsOutAndGoesOn) {
   rig.ExpectScriptFollowed();
 }
 
-TEST(Buttons, SecondNextLeavesTheAnswerToTheLogoutAlone) {
-  CheckRig rig;
-  rig.AddAccount();
-  rig.AddAccount(u"pop.other.org");
-  rig.socket.conversations = {Login() + Stat(u"9 9") + Client(u"TOP 1 5") + Client(u"QUIT") +
-                                  After(5) + Server(u"+OK bye\r\n"),
-                              Mailbox({})};
-  int turns_of_second = 0;
-  rig.When("TOP 1 5", [&] {
-    rig.run.Next();
-    rig.pump.on_turn = [&](int) {
-      ++turns_of_second;
-      if (turns_of_second == 1) rig.run.Next();
-      if (turns_of_second == 3)
-        rig.clock.now += 5;  // the reply arrives while Next is being handled
-    };
-  });
-  rig.Run();
-  rig.ExpectScriptFollowed();
-  EXPECT_LT(rig.clock.now, 1000 + rig.configuration.WaitTime);
-}
-
 TEST(Buttons, ClosingDuringAQuestionEndsTheRun) {
   CheckRig rig;
   rig.AddAccount(u"pop.example.org", u"ann", u"");

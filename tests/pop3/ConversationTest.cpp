@@ -122,40 +122,6 @@ TEST(Conversation, GoesAsWrittenHoweverItIsCut) {
   }
 }
 
-/// The conversation up to `text` characters of the server's and the command that follows them.
-Script ClosedAfter(const Script& script, size_t text) {
-  Script cut;
-  for (Step step : script.steps) {
-    if (step.kind == Step::Kind::kServer) {
-      if (text == 0) break;
-      step.text.resize(std::min(step.text.size(), text));
-      text -= step.text.size();
-    }
-    cut.steps.push_back(step);
-    if (!step.text.ends_with(u"\r\n") && step.kind == Step::Kind::kServer) break;
-  }
-  return cut + PeerCloses();
-}
-
-TEST(Conversation, ServerMayCloseAtAnyByte) {
-  const Conversation whole{"", {Mailbox({Mail(u"a"), Mail(u"b")})}};
-  const size_t up_to_first = ServerText({"", {Fetched(u"2 999") + Top(1, Mail(u"a"))}});
-  const size_t up_to_second = up_to_first + Top(2, Mail(u"b")).steps[1].text.size();
-  for (size_t text = 0; text < ServerText(whole); ++text) {
-    SCOPED_TRACE(text);
-    CheckRig rig;
-    rig.AddAccount();
-    rig.socket.closes_with_last_piece = text % 2 == 0;
-    rig.socket.conversations = {ClosedAfter(whole.connections[0], text)};
-    if (text < Login().steps[0].text.size()) rig.socket.conversations.push_back(Mailbox({}));
-    rig.Run();
-    EXPECT_EQ(rig.mails.Count(), (text >= up_to_first) + (text >= up_to_second));
-    EXPECT_EQ(rig.socket.State(), SocketState::kClosed);
-    EXPECT_LE(rig.Dialogs().size(), 1u);
-    EXPECT_EQ(rig.socket.faults, Lines{});
-  }
-}
-
 TEST(Conversation, GoesOnWhereACommandCannotBeSent) {
   for (size_t send = 0; send < 6; ++send) {
     CheckRig rig;
