@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -37,12 +38,7 @@ TEST(MakeIcuLocaleTest, TakesAnUnknownCodePageForUtf8AndAnEmptyNameForTheUsers) 
 }
 
 TEST(DateFormatTest, WritesTheUsersShortFormats) {
-  const struct {
-    const char* locale;
-    DateTime date;
-    Text short_date;
-    Text short_time;
-  } kCases[] = {
+  const std::tuple<const char*, DateTime, Text, Text> kCases[] = {
       {"en_GB", {2001, 2, 3, 4, 5, 6}, u"03/02/2001", u"04:05"},
       {"en_US", {2001, 2, 3, 0, 5, 6}, u"2/3/01", u"12:05 AM"},
       {"de_DE", {2001, 2, 3, 23, 59, 0}, u"03.02.01", u"23:59"},
@@ -54,10 +50,9 @@ TEST(DateFormatTest, WritesTheUsersShortFormats) {
        u"\u06F1\u06F3\u06F8\u06F0/\u06F1/\u06F1",
        u"\u06F4:\u06F0\u06F5"},
   };
-  for (const auto& row : kCases) {
-    auto locale = MakeIcuLocale(kCodePageUtf8, row.locale);
-    EXPECT_EQ(locale->ShortDate(row.date), row.short_date) << row.locale;
-    EXPECT_EQ(locale->ShortTime(row.date), row.short_time) << row.locale;
+  for (const auto& [name, date, short_date, short_time] : kCases) {
+    EXPECT_EQ(MakeIcuLocale(kCodePageUtf8, name)->ShortDate(date), short_date) << name;
+    EXPECT_EQ(MakeIcuLocale(kCodePageUtf8, name)->ShortTime(date), short_time) << name;
   }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <tuple>
 
 #include "base/RunTimeError.h"
 #include "support/TestLocale.h"
@@ -11,8 +12,6 @@ namespace {
 std::string Bytes(int first, int second) {
   return {static_cast<char>(first), static_cast<char>(second)};
 }
-
-// --- Every code page
 
 class CodePageTest : public ::testing::TestWithParam<int> {
  protected:
@@ -57,23 +56,17 @@ TEST_P(CodePageTest, NeverFails) {
   EXPECT_EQ(locale_->ToText(""), u"");
 }
 
-// --- Double-byte code pages
-
 TEST(DoubleByteTest, CharactersOfTwoBytesComeBackAndOthersAreRefused) {
-  const struct {
-    int code_page;
-    const char* bytes;
-    Text character;
-    int least_characters;  // of the code page's table, private-use areas left aside
-  } kCases[] = {{949, "\x81\x41", u"\uAC02", 17048},
-                {932, "\x81\x5C", u"\u2015", 7000},
-                {936, "\x81\x40", u"\u4E02", 21000},
-                {950, "\xA4\xA4", u"\u4E2D", 13000}};
-  for (const auto& row : kCases) {
-    SCOPED_TRACE(row.code_page);
-    const auto locale = MakeTestLocale(row.code_page);
-    EXPECT_EQ(locale->Character(row.bytes), row.character);
-    EXPECT_EQ(locale->TrailBytes(static_cast<uint8_t>(row.bytes[0])), 1);
+  // The least number of characters is of the table, private-use areas left aside.
+  const std::tuple<int, const char*, Text, int> kCases[] = {{949, "\x81\x41", u"\uAC02", 17048},
+                                                            {932, "\x81\x5C", u"\u2015", 7000},
+                                                            {936, "\x81\x40", u"\u4E02", 21000},
+                                                            {950, "\xA4\xA4", u"\u4E2D", 13000}};
+  for (const auto& [code_page, known, character, least_characters] : kCases) {
+    SCOPED_TRACE(code_page);
+    const auto locale = MakeTestLocale(code_page);
+    EXPECT_EQ(locale->Character(known), character);
+    EXPECT_EQ(locale->TrailBytes(static_cast<uint8_t>(known[0])), 1);
     int characters = 0;
     for (int first = 0x81; first < 0xFF; ++first) {
       for (int second = 0; second < 256; ++second) {
@@ -81,7 +74,7 @@ TEST(DoubleByteTest, CharactersOfTwoBytesComeBackAndOthersAreRefused) {
         IgnoreErrors([&] { characters += locale->ToBytes(locale->Character(bytes)) == bytes; });
       }
     }
-    EXPECT_GE(characters, row.least_characters);
+    EXPECT_GE(characters, least_characters);
     for (const std::string& bad : {Bytes(0x85, 0), Bytes(0x85, '\r'), Bytes(0xFF, 0xFF),
                                    Bytes('a', 'b'), std::string("\x85"), std::string()}) {
       EXPECT_THROW(locale->Character(bad), RunTimeError);
@@ -113,15 +106,12 @@ TEST(Utf8Test, CountsTrailBytesAndRefusesWhatIsNoCharacter) {
   }
 }
 
-// --- Language
-
 TEST(TextMappingTest, MapsCaseWidthAndKana) {
   constexpr int32_t kTurkish = 0x041F;
   constexpr int32_t kNoLocale = 0x7FFFFFFF;
   const struct {
     TextMapping mapping;
-    Text from;
-    Text to;
+    Text from, to;
     int32_t locale_id = 0;
   } kCases[] = {
       {TextMapping::kUpper, u"a\u00E4i", u"A\u00C4I"},
@@ -158,14 +148,8 @@ TEST(CompareTest, OrdersAsAListShows) {
   EXPECT_GT(locale->Compare(u"b", u"A"), 0);
 }
 
-// --- Dates
-
 TEST(ParseDateTest, TakesDayMonthYearAndTime) {
-  const struct {
-    const char* locale;
-    Text text;
-    DateTime date;
-  } kCases[] = {
+  const std::tuple<const char*, Text, DateTime> kCases[] = {
       {"en_GB", u"1 Jan 2001 10:22:01", DateTime{2001, 1, 1, 10, 22, 1}},
       {"en_GB", u" 31  DECEMBER   1999  0:00 ", DateTime{1999, 12, 31, 0, 0, 0}},
       {"en_GB", u"01-Sep-0100 23:59", DateTime{100, 9, 1, 23, 59, 0}},
@@ -175,9 +159,9 @@ TEST(ParseDateTest, TakesDayMonthYearAndTime) {
       {"ko_KR", u"3 12\uC6D4 2001", DateTime{2001, 12, 3, 0, 0, 0}},
       {"vi_VN", u"3 th\u00E1ng 12 2001", DateTime{2001, 12, 3, 0, 0, 0}},
   };
-  for (const auto& row : kCases) {
-    EXPECT_EQ(MakeTestLocale(kCodePageUtf8, row.locale)->ParseDate(row.text), row.date)
-        << ::testing::PrintToString(row.text);
+  for (const auto& [name, text, date] : kCases) {
+    EXPECT_EQ(MakeTestLocale(kCodePageUtf8, name)->ParseDate(text), date)
+        << ::testing::PrintToString(text);
   }
 }
 

@@ -1,33 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "desktop/RegistryFixture.h"
-#include "support/MemoryRegistry.h"
 
 namespace vesko {
 namespace {
 
 using namespace std::string_literals;
 
-/// A port of the registry: how to make an empty one, whose files (if any) go into a folder.
-struct Port {
-  const char* name;
-  std::function<std::unique_ptr<Registry>(const TempFolder&)> make;
-};
-
-const Port kPorts[] = {
-    {"Memory",
-     [](const TempFolder&) {
-       auto registry = std::make_unique<MemoryRegistry>();
-       registry->environment = {{"VESKO_A", "alpha"}, {"VESKO_EMPTY", ""}};
-       return registry;
-     }},
-    {"Platform", MakeTestRegistry},
-};
-
-class RegistryTest : public testing::TestWithParam<Port> {
+class RegistryTest : public testing::TestWithParam<RegistryPort> {
  protected:
   KeyHandle Create(std::string_view path, int32_t root = kCurrentUser) {
     KeyHandle key = kNoKey;
@@ -166,7 +148,7 @@ TEST_P(RegistryTest, ExpandsEnvironmentReferences) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Ports, RegistryTest, testing::ValuesIn(kPorts),
+INSTANTIATE_TEST_SUITE_P(Ports, RegistryTest, testing::ValuesIn(kRegistryPorts),
                          [](const auto& port) { return port.param.name; });
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
 #include "desktop/common/ServerIdentity.h"
 
 namespace vesko {
@@ -25,41 +28,30 @@ std::string Names(const std::string& content) { return Der('\x30', content); }
 std::string DnsNames(const std::string& name) { return Names(Der(kDns, name)); }
 
 TEST(ServerIdentityTest, ComparesWholeLabels) {
-  const std::string long_label(60, 'x');
-  const struct {
-    std::string presented;
-    std::string host;
-    bool matches;
-  } kCases[] = {
-      {"pop.example.org", "pop.example.org", true},
-      {"POP.Example.org", "pop.eXample.ORG", true},
-      {"pop.example.org", "pop.example.org.", true},
-      {"pop.example.org.", "pop.example.org", true},
-      {"pop.example.org", "example.org", false},
-      {"example.org", "pop.example.org", false},
-      {"pop.example.org", "pop.example.orgs", false},
-      {"", "pop.example.org", false},
-      {"", ".", false},
-      {"*.example.org", "pop.example.org", true},
-      {"*.EXAMPLE.org", "xn--pp-1ja.example.org", true},
-      {"*.example.org", "example.org", false},
-      {"*.example.org", ".example.org", false},
-      {"*.example.org", "a.pop.example.org", false},
-      {"*.example.org", "pop.example.com", false},
-      {"p*.example.org", "pop.example.org", false},
-      {"*p.example.org", "pop.example.org", false},
-      {"pop.*.org", "pop.example.org", false},
-      {"*.*.org", "pop.example.org", false},
-      {"*.org", "example.org", false},
-      {"*.", "org", false},
-      {"*", "org", false},
-      {std::string("pop.example.org\0.evil.example", 29), "pop.example.org", false},
-      {long_label + "." + long_label + "." + long_label,  // its length takes two bytes
-       long_label + "." + long_label + "." + long_label, true},
+  const std::string label(60, 'x');
+  const std::string long_name = label + "." + label + "." + label;  // its length takes two bytes
+  using List = std::vector<std::string>;
+  const std::tuple<List, List, bool> kCases[] = {
+      {{"pop.example.org", "POP.Example.org", "pop.example.org.", "*.EXAMPLE.org"},
+       {"pop.example.org", "pop.eXample.ORG", "pop.example.org."},
+       true},
+      {{"*.example.org"}, {"xn--pp-1ja.example.org"}, true},
+      {{long_name}, {long_name}, true},
+      {{"pop.example.org", "*.example.org"},
+       {"example.org", ".example.org", "pop.example.orgs", "pop.example.com", "a.pop.example.org"},
+       false},
+      {{"", "example.org", "p*.example.org", "*p.example.org", "pop.*.org", "*.*.org",
+        std::string("pop.example.org\0.evil.example", 29)},
+       {"pop.example.org"},
+       false},
+      {{"", "*", "*.", "*.org"}, {".", "org", "example.org"}, false},
   };
-  for (const auto& row : kCases) {
-    EXPECT_EQ(NamesServer(DnsNames(row.presented), {row.host, {}}), row.matches)
-        << row.presented << " for " << row.host;
+  for (const auto& [names, hosts, matches] : kCases) {
+    for (const std::string& name : names) {
+      for (const std::string& host : hosts) {
+        EXPECT_EQ(NamesServer(DnsNames(name), {host, {}}), matches) << name << " for " << host;
+      }
+    }
   }
 }
 

@@ -68,8 +68,7 @@ int ResultOf(pid_t child) {
 }
 
 mode_t ModeOf(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
+  return static_cast<mode_t>(std::filesystem::status(path).permissions());
 }
 
 TEST(SqliteRegistry, ReadingCreatesNothing) {
@@ -123,25 +122,19 @@ TEST(SqliteRegistry, WhatIsOpenToOthersIsClosedWhenTheHiveIsOpened) {
 }
 
 /// Holds the user's hive as a program does that lets nobody read it.
-class Holder {
- public:
-  explicit Holder(const TempFolder& folder) {
-    sqlite3_open((folder / kFile).c_str(), &connection_);
-    for (auto* sql : {"PRAGMA locking_mode=EXCLUSIVE", "BEGIN EXCLUSIVE", "DELETE FROM entries"}) {
-      EXPECT_EQ(sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    }
-  }
-  ~Holder() { sqlite3_close(connection_); }
-
- private:
-  sqlite3* connection_ = nullptr;
-};
+std::unique_ptr<sqlite3, int (*)(sqlite3*)> Hold(const TempFolder& folder) {
+  sqlite3* connection = nullptr;
+  sqlite3_open((folder / kFile).c_str(), &connection);
+  constexpr auto kHold = "PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; DELETE FROM entries";
+  EXPECT_EQ(sqlite3_exec(connection, kHold, nullptr, nullptr, nullptr), SQLITE_OK);
+  return {connection, sqlite3_close};
+}
 
 TEST(SqliteRegistry, AHeldHiveIsWaitedForFiveSecondsInAll) {
   using std::chrono::milliseconds;
   TempFolder folder;
   ASSERT_EQ(SaveAll(*RegistryIn(folder), "x"), kStatusSuccess);
-  auto holder = std::make_unique<Holder>(folder);
+  auto holder = Hold(folder);
   milliseconds waited{0};
   milliseconds held = milliseconds::max();
   const auto pass_time = [&](milliseconds time) {

@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <functional>
-
 #include "desktop/RegistryFixture.h"
 #include "desktop/windows/WindowsDesktop.h"
+#include "support/Beside.h"
 
 namespace vesko {
 namespace {
@@ -27,28 +26,6 @@ void Put(Registry& registry, std::string_view name, std::string_view text) {
   ASSERT_EQ(key.Create(kCurrentUser, kKey), kStatusSuccess);
   ASSERT_EQ(registry.SetValue(key.Handle(), name, kRegSz, text), kStatusSuccess);
 }
-
-/// A thread, which the system takes for another owner of a lock as it does a process.
-class Thread {
- public:
-  explicit Thread(std::function<void()> body)
-      : body_(std::move(body)), handle_(CreateThread(nullptr, 0, Run, this, 0, nullptr)) {}
-  ~Thread() {
-    WaitForSingleObject(handle_, INFINITE);
-    CloseHandle(handle_);
-  }
-  Thread(const Thread&) = delete;
-  Thread& operator=(const Thread&) = delete;
-
- private:
-  static DWORD WINAPI Run(void* self) {
-    static_cast<Thread*>(self)->body_();
-    return 0;
-  }
-
-  std::function<void()> body_;
-  HANDLE handle_;
-};
 
 /// The two are one for whoever is given no code page, whatever the registry names for the system's
 /// next start.
@@ -81,13 +58,14 @@ TEST(WinRegistryTest, ExpandsTextOfDoubleByteCharacters) {
   EXPECT_EQ(expanded.substr(0, 4), "\xB0\xA1\xB0\xA1");
 }
 
+/// The system takes another thread for another owner of a lock, as it does a process.
 TEST(WinRegistryTest, ATransactionKeepsOtherProcessesOut) {
   const TempFolder folder;
   const auto first = MakeTestRegistry(folder);
   auto transaction = first->BeginTransaction(kCurrentUser, TransactionKind::kWrite);
   std::string seen;
   {
-    const Thread other([&] {
+    const Beside other([&] {
       const auto second = MakeWinRegistry();
       const auto moment = second->BeginTransaction(kLocalMachine, TransactionKind::kRead);
       seen = Get(*second, "v");
@@ -100,7 +78,7 @@ TEST(WinRegistryTest, ATransactionKeepsOtherProcessesOut) {
 
 TEST(WinRegistryTest, ATransactionOfAProcessThatDiedIsOver) {
   {
-    const Thread dead([] {
+    const Beside dead([] {
       const auto mutex = CreateMutexW(nullptr, FALSE, L"Local\\VeskoEx settings");
       WaitForSingleObject(mutex, INFINITE);  // and never lets go, nor closes it
     });

@@ -17,16 +17,14 @@ class FaultyRegistry : public Registry {
   /// The real registry must outlive this one.
   explicit FaultyRegistry(Registry& real) : real_(real) {}
 
-  /// The n-th call does nothing but return the status, or every call from the n-th on.
-  void FailCall(int n, int32_t status) { fault_ = {n, n, status}; }
-  void FailFrom(int n, int32_t status) { fault_ = {n, 1 << 30, status}; }
+  /// The n-th call does nothing but return the status, and with `lasting` every later one too.
+  void Fail(int n, bool lasting, int32_t status) { fault_ = {n, lasting ? 1 << 30 : n, status}; }
   void Heal() { fault_ = {}; }
   /// The n-th call that writes is not made.
   void KillAtWrite(int n) { killing_write_ = n; }
 
-  /// What the real registry was asked for so far, failed calls included.
+  /// How often the real registry was asked so far, failed calls included.
   int Calls() const { return calls_; }
-  int Writes() const { return writes_; }
 
   int32_t OpenKey(int32_t root, std::string_view path, uint32_t access, KeyHandle& key) override {
     return Read([&] { return real_.OpenKey(root, path, access, key); });

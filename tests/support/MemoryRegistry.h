@@ -48,7 +48,7 @@ class MemoryRegistry : public Registry {
   /// Number of values set and keys created or deleted while no transaction of their hive lived.
   int WritesOutsideTransactions() const { return loose_writes_; }
 
-  std::map<std::string, std::string> environment;
+  std::map<std::string, std::string> environment{{"VESKO_A", "alpha"}, {"VESKO_EMPTY", ""}};
   std::function<void()> on_transaction;  // may throw
 
   int32_t OpenKey(int32_t root, std::string_view path, uint32_t access, KeyHandle& key) override;
