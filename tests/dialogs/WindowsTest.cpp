@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "dialogs/fCheckMail.h"
 #include "dialogs/fConfig.h"
@@ -27,19 +28,22 @@ struct Windows {
 
 std::string Narrow(const Text& text) { return std::string(text.begin(), text.end()); }
 
-/// A line for each control: its name, its caption, its tooltip and what a screen reader calls it.
+/// A line for each control or array of them: the name, and of each control its caption, its tooltip
+/// in (), and in [] what a screen reader calls it.
 std::string Texts(const Form& form) {
-  std::string texts = "\n" + Narrow(form.Caption()) + "\n";
+  std::string texts = Narrow(form.Caption());
+  std::string before;
   for (const Control* control : form.Controls()) {
-    texts += control->Name() + ": ";
-    const auto* captioned = dynamic_cast<const CaptionedControl*>(control);
-    if (captioned) texts += Narrow(captioned->Caption());
+    const std::string name = control->Name().substr(0, control->Name().find('('));
+    texts += name == std::exchange(before, name) ? ";" : "\n" + name + ":";
+    if (const auto* captioned = dynamic_cast<const CaptionedControl*>(control)) {
+      if (!captioned->Caption().empty()) texts += " " + Narrow(captioned->Caption());
+    }
     if (const auto* tabs = dynamic_cast<const TabControl*>(control)) {
-      for (const TabControl::Page& page : tabs->pages) texts += Narrow(page.caption) + "; ";
+      for (const TabControl::Page& page : tabs->pages) texts += " " + Narrow(page.caption) + ";";
     }
     if (!control->Tooltip().empty()) texts += " (" + Narrow(control->Tooltip()) + ")";
     if (!control->AccessibleName().empty()) texts += " [" + Narrow(control->AccessibleName()) + "]";
-    texts += "\n";
   }
   return texts;
 }
@@ -47,85 +51,56 @@ std::string Texts(const Form& form) {
 TEST(WindowsTest, SayWhatTheirControlsAreFor) {
   Windows windows;
   EXPECT_EQ(Texts(windows.check), R"(
-
-lblProgress: 
-lblTime: 
-lblCmd: 
-prgBar1:  [Messages of this account]
+lblProgress:
+lblTime:
+lblCmd:
+prgBar1: [Messages of this account]
 cmdNext: &Next (Go on with the next account)
-cmdCancel: &Cancel
-)");
-  EXPECT_EQ(Texts(windows.list), R"(
-New Messages
-LV1:  [Messages]
-txtBody:  [Message text]
-cmdMail(0): &Config SPAM
-cmdMail(1): &Delete SPAM
-cmdMail(2): &Open Email Client
-cmdMail(3): &Exit
-)");
-  EXPECT_EQ(Texts(windows.site), R"(
-POP3 Server Connection
+cmdCancel: &Cancel)");
+  EXPECT_EQ(Texts(windows.list), R"(New Messages
+LV1: [Messages]
+txtBody: [Message text]
+cmdMail: &Config SPAM; &Delete SPAM; &Open Email Client; &Exit)");
+  EXPECT_EQ(Texts(windows.site), R"(POP3 Server Connection
 fraAccount: Account
-lblPop3Account(0): Connect to
-lblPop3Account(1): User name
-lblPop3Account(2): Password
-txtPop3Account(0):  [Connect to]
-txtPop3Account(1):  [User name]
-txtPop3Account(2):  [Password]
+lblPop3Account: Connect to; User name; Password
+txtPop3Account: [Connect to]; [User name]; [Password]
 chkSavePassword: Save password
 cmdOK: &Ok
 cmdCancel: &Cancel
-cmdHelp: &Help
-)");
-  EXPECT_EQ(Texts(windows.config), R"(
-POP3 Mail Configurarion
-SSTab1: Accounts; SPAM Mail Filter; POP3 Mail Option; 
+cmdHelp: &Help)");
+  EXPECT_EQ(Texts(windows.config), R"(POP3 Mail Configurarion
+SSTab1: Accounts; SPAM Mail Filter; POP3 Mail Option;
 lblAccounts: POP3 Mail Accounts
-lstPop3Account:  [POP3 Mail Accounts]
-cmdPOP3(0): New
-cmdPOP3(1): &Delete
+lstPop3Account: [POP3 Mail Accounts]
+cmdPOP3: New; &Delete
 fraAccount: Account
-lblPop3Account(0): Name
-lblPop3Account(1): Connect to
-lblPop3Account(2): User name
-lblPop3Account(3): Password
-lblPop3Account(4): POP3 Port
-txtPop3Account(0):  [Name]
-txtPop3Account(1):  [Connect to]
-txtPop3Account(2):  [User name]
-txtPop3Account(3):  [Password]
-txtPop3Account(4):  [POP3 Port]
+lblPop3Account: Name; Connect to; User name; Password; POP3 Port
+txtPop3Account: [Name]; [Connect to]; [User name]; [Password]; [POP3 Port]
 chkSavePassword: Save password
 lblNote: All POP3 account informations are stored in the registry.
 lblSpamSender: Sender Keyword
-lstSpamSender:  [Sender Keyword]
-cmdSpamSender(0): &Add
-cmdSpamSender(1): &Rename
-cmdSpamSender(2): &Delete
+lstSpamSender: [Sender Keyword]
+cmdSpamSender: &Add; &Rename; &Delete
 lblSpamSubject: Subject Keyword
-lstSpamSubject:  [Subject Keyword]
-cmdSpamSubject(0): &Add
-cmdSpamSubject(1): &Rename
-cmdSpamSubject(2): &Delete
+lstSpamSubject: [Subject Keyword]
+cmdSpamSubject: &Add; &Rename; &Delete
 lblPOP3DownLines: Lines to download
-txtPOP3DownLines:  [Lines to download]
+txtPOP3DownLines: [Lines to download]
 lblPOP3CheckTime: Time interval for checking mail box (min)
-txtPOP3CheckTime:  [Time interval for checking mail box (min)]
+txtPOP3CheckTime: [Time interval for checking mail box (min)]
 lblPOP3WaitTime: Waiting time for POP3 command response (sec)
-txtPOP3WaitTime:  [Waiting time for POP3 command response (sec)]
+txtPOP3WaitTime: [Waiting time for POP3 command response (sec)]
 chkPop3ManualCheck: Manual checking
 lblPOP3SoundFile: Sound notification
-txtPOP3SoundFile:  [Sound notification]
-cmdPop3Sound(0): Test (Test wave file) [Test wave file]
-cmdPop3Sound(1): ... (Select wave file for email notification) [Select wave file for email notification]
+txtPOP3SoundFile: [Sound notification]
+cmdPop3Sound: Test (Test wave file) [Test wave file]; ... (Select wave file for email notification) [Select wave file for email notification]
 lblDefEmailClient: Default email client
-txtDefEmailClient:  [Default email client]
+txtDefEmailClient: [Default email client]
 cmdDefEmailClient: ... (Select default email client) [Select default email client]
 cmdOK: &Ok
 cmdCancel: &Cancel
-cmdHelp: &Help
-)");
+cmdHelp: &Help)");
 }
 
 TEST(WindowsTest, LayEveryControlOutOnceAndCloseByEscape) {

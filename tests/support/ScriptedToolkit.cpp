@@ -7,8 +7,6 @@
 namespace vesko {
 namespace {
 
-constexpr double kFontSize = 8.25;
-
 class NotingControlPeer : public ControlPeer {
  public:
   NotingControlPeer(Control& control, ScriptedToolkit& toolkit)
@@ -28,11 +26,6 @@ class NotingControlPeer : public ControlPeer {
   ScriptedToolkit& toolkit_;
 };
 
-void GiveFontSize(Control& control) {
-  const bool has_font = dynamic_cast<ProgressBar*>(&control) == nullptr;
-  if (has_font && control.GetFont().size <= 0) control.SetFont({control.GetFont().name, kFontSize});
-}
-
 void Collect(const Layout& layout, std::vector<Control*>& controls) {
   if (layout.control) {
     controls.push_back(layout.control);
@@ -48,7 +41,6 @@ class ScriptedToolkit::Peer : public FormPeer {
   Peer(Form& form, ScriptedToolkit& toolkit) : form_(form), toolkit_(toolkit) {
     toolkit_.realised_.insert(&form_);
     for (Control* control : form_.Controls()) {
-      GiveFontSize(*control);
       controls_.push_back(std::make_unique<NotingControlPeer>(*control, toolkit_));
     }
   }
@@ -123,7 +115,7 @@ void ScriptedToolkit::ShowMessage(const Text& text, const Text& title, MessageIc
 
 Text ScriptedToolkit::OpenFile(const Text& title, const Text& filter,
                                const Text& default_extension) {
-  picked.push_back({title, filter, default_extension});
+  picked.push_back(title + u"/" + filter + u"/" + default_extension);
   if (files.empty()) return {};
   Text file = std::move(files.front());
   files.pop_front();
@@ -132,10 +124,6 @@ Text ScriptedToolkit::OpenFile(const Text& title, const Text& filter,
 
 void ScriptedToolkit::ShowPopup(Form&, PopupMenu& menu) {
   if (on_popup) on_popup(menu);
-}
-
-void ScriptedToolkit::Invalidate(Form&, Control& control) {
-  calls.push_back("invalidate " + control.Name());
 }
 
 std::vector<Control*> LaidOut(const Layout& layout) {

@@ -24,17 +24,9 @@ class ScriptedToolkit : public Toolkit {
   using Driver = std::function<void(Form&)>;
 
   struct Message {
-    Text text;
-    Text title;
+    Text text, title;
     MessageIcon icon;
     friend bool operator==(const Message&, const Message&) = default;
-  };
-
-  struct Pick {
-    Text title;
-    Text filter;
-    Text default_extension;
-    friend bool operator==(const Pick&, const Pick&) = default;
   };
 
   /// With a pump of the test's own; without, nothing is ever pending.
@@ -54,7 +46,7 @@ class ScriptedToolkit : public Toolkit {
   std::vector<std::string> shown;  // names of windows, in order
   std::vector<Message> messages;
   std::deque<Text> files;    // what the user picks next; none: nothing
-  std::vector<Pick> picked;  // what files were asked for
+  std::vector<Text> picked;  // what files were asked for: "title/filter/extension"
   std::function<void(PopupMenu&)> on_popup;
   std::string focus;               // name of the control that was given the focus last
   std::vector<std::string> calls;  // of the windows' native sides, "show fConfig"
@@ -67,7 +59,7 @@ class ScriptedToolkit : public Toolkit {
   Text OpenFile(const Text& title, const Text& filter, const Text& default_extension) override;
   void ShowPopup(Form& form, PopupMenu& menu) override;
   Rect Screen() const override { return screen; }
-  void Invalidate(Form& form, Control& control) override;
+  void Invalidate(Form&, Control&) override {}
 
  private:
   class Peer;

@@ -24,7 +24,6 @@ class LifeForm : public Form {
   void OnLoad() override { Note("load", on_load); }
   void OnActivate() override { Note("activate", on_activate); }
   void OnUnload() override { Note("unload", {}); }
-
   void Note(const std::string& step, const std::function<void()>& action) {
     calls_.push_back(step);
     if (action) action();
@@ -33,11 +32,15 @@ class LifeForm : public Form {
   std::vector<std::string>& calls_;
 };
 
+class FormTest : public testing::Test {
+ protected:
+  ScriptedToolkit toolkit;
+  LifeForm form{toolkit};
+};
+
 using Calls = std::vector<std::string>;
 
-TEST(FormTest, LivesFromLoadToUnload) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
+TEST_F(FormTest, LivesFromLoadToUnload) {
   toolkit.On("Life", [](Form& shown) {
     EXPECT_TRUE(shown.IsLoaded());
     shown.ShowModal();  // is shown already
@@ -52,9 +55,7 @@ TEST(FormTest, LivesFromLoadToUnload) {
   EXPECT_EQ(form.button.Peer(), nullptr);
 }
 
-TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
+TEST_F(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
   form.on_load = [&] { form.Unload(); };
   form.ShowModal();
   EXPECT_TRUE(toolkit.shown.empty());
@@ -65,9 +66,7 @@ TEST(FormTest, UnloadingWhileLoadingOrActivatingEndsTheShowing) {
   EXPECT_EQ(toolkit.calls.back(), "destroy Life");
 }
 
-TEST(FormTest, AnErrorWhileLoadingLeavesTheWindowUsable) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit);
+TEST_F(FormTest, AnErrorWhileLoadingLeavesTheWindowUsable) {
   form.on_load = [] { throw RunTimeError(kTypeMismatch); };
   EXPECT_THROW(form.ShowModal(), RunTimeError);
   EXPECT_FALSE(form.IsLoaded());
@@ -77,33 +76,15 @@ TEST(FormTest, AnErrorWhileLoadingLeavesTheWindowUsable) {
   EXPECT_EQ(toolkit.shown, Calls{"Life"});
 }
 
-TEST(CentreFormTest, PlacesInTheMiddleOfScreenOrOwner) {
-  ScriptedToolkit toolkit;
-  LifeForm form(toolkit), owner(toolkit);
+TEST_F(FormTest, IsCentredInTheMiddleOfScreenOrOwner) {
+  LifeForm owner(toolkit);
   form.Resize(400, 300);
   toolkit.screen = {100, 50, 1000, 700};
   CentreForm(form, toolkit);
-  EXPECT_EQ(form.Left(), 400);
-  EXPECT_EQ(form.Top(), 250);
+  EXPECT_EQ(std::pair(form.Left(), form.Top()), std::pair(400, 250));
   owner.TakeBounds({10, 20, 200, 100});
   CentreForm(form, toolkit, &owner);
-  EXPECT_EQ(form.Left(), -90);
-  EXPECT_EQ(form.Top(), -80);
-  EXPECT_EQ(form.Width(), 400);
-}
-
-TEST(ApplyFontTest, GivesTheFaceToControlsThatHaveAFont) {
-  const std::pair<Text, double> rows[] = {{u"Gulim", 9}, {u"Gulim", 0}, {u"", 9}};
-  for (const auto& [font, size] : rows) {
-    ScriptedToolkit toolkit;
-    LifeForm form(toolkit);
-    form.button.SetFont({u"Tahoma", size});
-    ApplyFont(form, toolkit, font);
-    const bool applied = !font.empty() && size > 0;
-    EXPECT_EQ(form.button.GetFont().name, applied ? u"Gulim" : u"Tahoma");
-    EXPECT_EQ(form.button.GetFont().size, size);
-    EXPECT_EQ(toolkit.calls, applied ? Calls{"invalidate cmdOne"} : Calls{});
-  }
+  EXPECT_EQ(std::pair(form.Left(), form.Top()), std::pair(-90, -80));
 }
 
 }  // namespace
