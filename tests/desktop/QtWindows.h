@@ -24,8 +24,8 @@ class QtWindowTest : public testing::Test {
   }
 
   /// Shows the form, lets everything settle, runs the step and unloads the form.
-  void WhileShown(AnyForm& form, const std::function<void()>& step) {
-    form.While([&] {
+  void WhileShown(AnyForm& shown, const std::function<void()>& step) {
+    shown.While([&] {
       Settle();
       step();
     });
@@ -44,6 +44,7 @@ class QtWindowTest : public testing::Test {
   static QWidget* WindowOf(const Control& control) { return Native(control)->window(); }
 
   std::unique_ptr<Toolkit> toolkit = MakeTestToolkit();
+  AnyForm form{*toolkit};
 };
 
 }  // namespace vesko

@@ -16,7 +16,6 @@ struct Shown {
   Rect place;  // within the window's contents, in device pixels
   bool visible = false;
   bool enabled = false;
-  bool focused = false;
   Text text;     // caption or text; the mnemonic's "&" stays where the system keeps it
   Text tooltip;  // plain
   Font font;

@@ -1,13 +1,9 @@
-#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QFontDatabase>
-#include <QGroupBox>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPlainTextEdit>
 #include <QTextDocumentFragment>
 #include <QTimer>
 #include <QTreeView>
@@ -24,11 +20,9 @@ QWidget* WidgetOf(const Control& control) {
 }
 
 QString TextOf(const QWidget* widget) {
-  if (auto* const label = qobject_cast<const QLabel*>(widget)) return label->text();
-  if (auto* const button = qobject_cast<const QAbstractButton*>(widget)) return button->text();
-  if (auto* const box = qobject_cast<const QLineEdit*>(widget)) return box->text();
-  if (auto* const box = qobject_cast<const QPlainTextEdit*>(widget)) return box->toPlainText();
-  if (auto* const frame = qobject_cast<const QGroupBox*>(widget)) return frame->title();
+  for (const char* name : {"text", "plainText", "title"}) {
+    if (const QVariant text = widget->property(name); text.isValid()) return text.toString();
+  }
   return {};
 }
 
@@ -46,7 +40,6 @@ Shown LookAt(const Control& control) {
   return {.place = RectOf(widget->mapTo(widget->window(), QPoint()), widget->size()),
           .visible = widget->isVisible(),
           .enabled = widget->isEnabled(),
-          .focused = widget->window()->focusWidget() == widget,
           .text = TextOf(widget).toStdU16String(),
           .tooltip = tooltip.toStdU16String(),
           .font = {widget->font().family().toStdU16String(), widget->font().pointSizeF()}};

@@ -82,7 +82,6 @@ Shown LookAt(const Control& control) {
   return {.place = RectOf(PlaceInWindow(window, Root(control))),
           .visible = IsWindowVisible(window) != FALSE,
           .enabled = IsWindowEnabled(window) != FALSE,
-          .focused = GetFocus() == window,
           .text = WindowText(window),
           .tooltip = TooltipOf(window, Root(control)),
           .font = FontOf(window)};

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <sstream>
 
 #include "desktop/ToolkitFixture.h"
@@ -99,12 +100,11 @@ testing::AssertionResult Stand(const Form& form, const std::string& order) {
 }
 
 TEST_F(ToolkitTest, EveryControlStandsInItsPlace) {
-  struct Row {
+  const struct {
     Form& form;
     int page;
     std::vector<const char*> orders;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {site,
        -1,
        {"lblPop3Account(0) | txtPop3Account(0)", "lblPop3Account(1) | txtPop3Account(1)",
@@ -136,8 +136,7 @@ TEST_F(ToolkitTest, EveryControlStandsInItsPlace) {
         "lblPOP3SoundFile / txtPOP3SoundFile / lblDefEmailClient / txtDefEmailClient / cmdOK",
         "txtPOP3SoundFile | cmdPop3Sound(0) | cmdPop3Sound(1)",
         "txtDefEmailClient | cmdDefEmailClient"}},
-      {check, -1, {"lblProgress / prgBar1 / lblTime / lblCmd / cmdNext", "cmdNext | cmdCancel"}},
-  };
+      {check, -1, {"lblProgress / prgBar1 / lblTime / lblCmd / cmdNext", "cmdNext | cmdCancel"}}};
   for (const auto& [form, page, orders] : rows) {
     if (page >= 0) config.SelectPage(page);
     Look(form, [&, &shown = form, &expected = orders] {
@@ -222,12 +221,9 @@ TEST_F(ToolkitTest, AWindowStaysWhereTheUserPutIt) {
     Settle();
     list.SetCaption(u"new caption");
     Settle();
-    const Rect bounds = BoundsOfWindow(button);
-    for (const Rect& rect : {bounds, list.Bounds()}) {
-      EXPECT_EQ(rect.left, wanted.left);
-      EXPECT_EQ(rect.top, wanted.top);
-      EXPECT_EQ(rect.width, wanted.width);
-      EXPECT_EQ(rect.height, wanted.height);
+    for (const Rect& rect : {BoundsOfWindow(button), list.Bounds()}) {
+      EXPECT_EQ((std::array{rect.left, rect.top, rect.width, rect.height}),
+                (std::array{wanted.left, wanted.top, wanted.width, wanted.height}));
     }
     EXPECT_EQ(CaptionOfWindow(button), u"new caption");
     const Rect last = LookAt(Find<Control>(list, "cmdMail(3)")).place;

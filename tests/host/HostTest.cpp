@@ -51,20 +51,17 @@ struct NotingComponent final : MailComponent {
 using Calls = std::vector<std::string>;
 
 QPushButton* Button(const QString& caption) {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    for (auto* button : window->findChildren<QPushButton*>()) {
-      if (button->text() == caption) return button;
-    }
+  for (QWidget* widget : QApplication::allWidgets()) {
+    auto* const button = qobject_cast<QPushButton*>(widget);
+    if (button != nullptr && button->text() == caption) return button;
   }
   return nullptr;
 }
 
 QString Status() {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (dynamic_cast<HostWindow*>(window) == nullptr) continue;
-    for (auto* label : window->findChildren<QLabel*>()) {
-      if (!label->text().isEmpty()) return label->text();
-    }
+  for (QWidget* widget : QApplication::allWidgets()) {
+    auto* const label = qobject_cast<QLabel*>(widget);
+    if (label != nullptr && !label->text().isEmpty()) return label->text();
   }
   return {};
 }
@@ -81,10 +78,15 @@ TEST(Scheduler, WaitsTheMinutesInStepsThatATimerHolds) {
   }
 }
 
-TEST(TrayHost, RunsOneOperationAtATimeAndHandsOverTheFont) {
+class TrayHostTest : public testing::Test {
+ protected:
+  TrayHostTest() { host.Show(); }
+
   NotingComponent component;
-  TrayHost host(component);
-  host.Show();
+  TrayHost host{component};
+};
+
+TEST_F(TrayHostTest, RunsOneOperationAtATimeAndHandsOverTheFont) {
   component.during = [&] {
     EXPECT_EQ(host.Run("check"), "busy");
     EXPECT_FALSE(Button("&Configure")->isEnabled());
@@ -99,9 +101,7 @@ TEST(TrayHost, RunsOneOperationAtATimeAndHandsOverTheFont) {
   EXPECT_EQ(component.calls, (Calls{"view", "configure"}));
 }
 
-TEST(TrayHost, LeavesABusyComponentAloneAndKnowsItsWords) {
-  NotingComponent component;
-  TrayHost host(component);
+TEST_F(TrayHostTest, LeavesABusyComponentAloneAndKnowsItsWords) {
   component.busy = true;
   EXPECT_EQ(host.Run("check"), "busy");
   component.busy = false;
@@ -113,15 +113,12 @@ TEST(TrayHost, LeavesABusyComponentAloneAndKnowsItsWords) {
   EXPECT_EQ(component.calls, Calls{});
 }
 
-TEST(TrayHost, ShowsWhatTheListWindowSaysIsNew) {
+TEST_F(TrayHostTest, ShowsWhatTheListWindowSaysIsNew) {
   const std::pair<const char*, const char*> rows[] = {
       {"5 MAILS (3 NEW MAILS, 1 SPAM MAILS)", "You have new mail."},
       {"Checking mail box of '(9 NEW MAILS' ...", "You have new mail."},
       {"5 MAILS (0 NEW MAILS, 1 SPAM MAILS)", "No new mail."},
       {"New Messages", "No new mail."}};
-  NotingComponent component;
-  TrayHost host(component);
-  host.Show();
   EXPECT_EQ(Status(), "No new mail.");
   for (const auto& [caption, status] : rows) {
     component.during = [&, caption = caption] {
@@ -135,10 +132,7 @@ TEST(TrayHost, ShowsWhatTheListWindowSaysIsNew) {
   }
 }
 
-TEST(TrayHost, QuitsBehindTheOperationThatRuns) {
-  NotingComponent component;
-  TrayHost host(component);
-  host.Show();
+TEST_F(TrayHostTest, QuitsBehindTheOperationThatRuns) {
   bool window_closed = false;
   component.during = [&] {
     QWidget modal;
