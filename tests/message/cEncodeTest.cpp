@@ -20,31 +20,28 @@ const Locale& LocaleOf(int code_page) {
   return *locale;
 }
 
-class EncodeTest : public ::testing::Test {
- protected:
-  static Variant ConvIn(int code_page, const Variant& data, int32_t code) {
-    return cEncode(LocaleOf(code_page)).Conv(data, code, 0);
-  }
+Variant ConvIn(int code_page, const Variant& data, int32_t code) {
+  return cEncode(LocaleOf(code_page)).Conv(data, code, 0);
+}
 
-  static Text TextIn(int code_page, const Variant& data, int32_t code) {
-    return std::get<Text>(ConvIn(code_page, data, code));
-  }
+Text TextIn(int code_page, const Variant& data, int32_t code) {
+  return std::get<Text>(ConvIn(code_page, data, code));
+}
 
-  // Rows separated by "‖": a text, an arrow, and the expected result.
-  static void ExpectAll(int code_page, int32_t code, const Text& rows) {
-    for (const Text& row : Split(rows, u"‖")) {
-      size_t arrow = row.find(u'→');
-      EXPECT_EQ(TextIn(code_page, row.substr(0, arrow), code), row.substr(arrow + 1))
-          << ::testing::PrintToString(row);
-    }
-  }
+int32_t ErrorIn(int code_page, const Text& data, int32_t code) {
+  return ErrorOf([&] { ConvIn(code_page, data, code); });
+}
 
-  static int32_t ErrorIn(int code_page, const Text& data, int32_t code) {
-    return ErrorOf([&] { ConvIn(code_page, data, code); });
+// Rows separated by "‖": a text, an arrow, and the expected result.
+void ExpectAll(int code_page, int32_t code, const Text& rows) {
+  for (const Text& row : Split(rows, u"‖")) {
+    size_t arrow = row.find(u'→');
+    EXPECT_EQ(TextIn(code_page, row.substr(0, arrow), code), row.substr(arrow + 1))
+        << ::testing::PrintToString(row);
   }
-};
+}
 
-TEST_F(EncodeTest, KnownCodesGiveEmptyTextForDataWithoutLengthAndOthersEmpty) {
+TEST(Encode, KnownCodesGiveEmptyTextForDataWithoutLengthAndOthersEmpty) {
   for (int32_t code : {1, 2, 3, 4, 8, 16, 32, 64, 128, 99}) {
     EXPECT_EQ(ConvIn(949, Text(), code), Variant(Text())) << code;
   }
@@ -57,12 +54,12 @@ TEST_F(EncodeTest, KnownCodesGiveEmptyTextForDataWithoutLengthAndOthersEmpty) {
 }
 
 // Groups count bytes, not characters: three Korean characters need two groups.
-TEST_F(EncodeTest, Base64PadsWithNul) {
+TEST(Encode, Base64PadsWithNul) {
   ExpectAll(949, ConvBase64Encode, u"Hello→SGVsbG8A‖a→YQAA‖abc→YWJj‖\uAC00ab→sKFhYgAA"s);
 }
 
 // For a byte beyond the table, the value from the previous group stays.
-TEST_F(EncodeTest, Base64IsDecodedWhateverItsPadIs) {
+TEST(Encode, Base64IsDecodedWhateverItsPadIs) {
   ExpectAll(949, ConvBase64Decode,
             u"SGVsbG8=→Hello‖SGVsbG8→Hello‖  SGVs\r\nbG8= →Hello‖QQ→A‖QQ=→A‖QQ==→A‖QUJD=→ABC‖"
             u"QUJD==→ABC‖QUJD===→ABC‖Q→@‖   →‖\r\n→‖====→\0‖QU JD→A@\x09\x0C‖sKE=→\uAC00‖"
@@ -72,7 +69,7 @@ TEST_F(EncodeTest, Base64IsDecodedWhateverItsPadIs) {
   ExpectAll(kCodePageUtf8, ConvBase64Decode, u"w6Q=→\u00E4"s);
 }
 
-TEST_F(EncodeTest, QuotedPrintableEscapesAllAndReadsWhatItCan) {
+TEST(Encode, QuotedPrintableEscapesAllAndReadsWhatItCan) {
   ExpectAll(949, ConvQPEncode, u"Hi→=48=69‖\n\uAC00=→=0A=B0=A1=3D"s);
   ExpectAll(949, ConvQPDecode,
             u"a_b=3Dc→a b=c‖=3d=3D→==‖=B0=A1x→\uAC00x‖=B0?A1x→\uAC00x‖=\r\nx→\0x‖=4→\u0004‖"
@@ -81,13 +78,13 @@ TEST_F(EncodeTest, QuotedPrintableEscapesAllAndReadsWhatItCan) {
             u"=C3=A4=E2=82=AC=F0=9F=98=80!→\u00E4\u20AC\U0001F600!‖=80→\uFFFD"s);
 }
 
-TEST_F(EncodeTest, UuTakesMissingCharactersForSpacesAndWrapsAround) {
+TEST(Encode, UuTakesMissingCharactersForSpacesAndWrapsAround) {
   ExpectAll(949, ConvUUEncode, u"Cat→0V%T‖C→0P  "s);
   ExpectAll(1252, ConvUUDecode,
             u" 0V\r\n%T →Cat‖0P``→C\0\0‖0P→C\0\0‖\t!!!→\u00A4\u0010A‖a!!!→\u0004\u0010A"s);
 }
 
-TEST_F(EncodeTest, ConvertsCharactersOneByOne) {
+TEST(Encode, ConvertsCharactersOneByOne) {
   ExpectAll(949, ConvReverse, u"ab\uAC00→\uAC00ba");
   ExpectAll(949, ConvUpperCase, u"a\u00E4→A\u00C4");
   ExpectAll(949, ConvProperCase, u"hELLO wORLD→Hello World");
@@ -98,7 +95,7 @@ TEST_F(EncodeTest, ConvertsCharactersOneByOne) {
   ExpectAll(1252, ConvAsciiToEbcdic, u"A!→\u00C1O‖[]^|~a0→JZ_j\u00A1\u0081\u00F0");
 }
 
-TEST_F(EncodeTest, EbcdicIsAOneToOneMapping) {
+TEST(Encode, EbcdicIsAOneToOneMapping) {
   Text all;
   for (int byte = 1; byte < 256; ++byte) all += TextIn(1252, ByteArray{uint8_t(byte)}, ConvUnicode);
   Text ebcdic = TextIn(1252, all, ConvAsciiToEbcdic);
@@ -106,14 +103,14 @@ TEST_F(EncodeTest, EbcdicIsAOneToOneMapping) {
   EXPECT_EQ(TextIn(1252, TextIn(1252, all, ConvEbcdicToAscii), ConvAsciiToEbcdic), all);
 }
 
-TEST_F(EncodeTest, ArraysHoldBytesAndUnits) {
+TEST(Encode, ArraysHoldBytesAndUnits) {
   EXPECT_EQ(ConvIn(949, Text(u"a\uAC00"), ConvAnsiBytes), Variant(ByteArray{'a', 0xB0, 0xA1}));
   EXPECT_EQ(ConvIn(949, Text(u"a\uAC00"), ConvUnicodeWords), Variant(WordArray{'a', -0x5400}));
   EXPECT_EQ(ConvIn(949, ByteArray{0xB0, 0xA1, 'b'}, ConvUnicode), Variant(Text(u"\uAC00b")));
   EXPECT_EQ(ConvIn(949, int32_t{-12}, ConvReverse), Variant(Text(u"21-")));
 }
 
-TEST_F(EncodeTest, CountersAreSixteenBitsWide) {
+TEST(Encode, CountersAreSixteenBitsWide) {
   for (int32_t code : {ConvBase64Encode, ConvUUEncode}) {
     EXPECT_EQ(TextIn(949, Text(24573, u'a'), code).size(), 32764u);
     EXPECT_EQ(ErrorIn(949, Text(24574, u'a'), code), kOverflow);
@@ -126,7 +123,7 @@ TEST_F(EncodeTest, CountersAreSixteenBitsWide) {
   EXPECT_EQ(TextIn(949, Text(40000, u'a'), ConvQPEncode).size(), 120000u);
 }
 
-TEST_F(EncodeTest, QuotedPrintableFailsOnlyForCharactersThatTheCodePageLacks) {
+TEST(Encode, QuotedPrintableFailsOnlyForCharactersThatTheCodePageLacks) {
   for (const Text bad : {u"=FF=FF", u"=B0", u"=B0=", u"=B0=0D"}) {
     EXPECT_EQ(ErrorIn(949, bad, ConvQPDecode), kInvalidProcedureCall);
   }
@@ -137,14 +134,14 @@ TEST_F(EncodeTest, QuotedPrintableFailsOnlyForCharactersThatTheCodePageLacks) {
   }
 }
 
-TEST_F(EncodeTest, IsBinaryAsksForEightBits) {
+TEST(Encode, IsBinaryAsksForEightBits) {
   cEncode encode(LocaleOf(1252));
   EXPECT_FALSE(encode.IsBinary(Text(u"a\u007F")));
   EXPECT_TRUE(encode.IsBinary(Text(u"a\u00E9")));
   EXPECT_FALSE(encode.IsBinary(Text(u"\uAC00"))) << "the code page makes it a question mark";
 }
 
-TEST_F(EncodeTest, TrimQuotesTakesSpacesOnceAndQuotesAll) {
+TEST(Encode, TrimQuotesTakesSpacesOnceAndQuotesAll) {
   EXPECT_EQ(cEncode::TrimQuotes(u"  \"\"name\" "), u"name");
   EXPECT_EQ(cEncode::TrimQuotes(u"\" \"na\"me \""), u" \"na\"me ");
   EXPECT_EQ(cEncode::TrimQuotes(u"\"\"\""), u"");

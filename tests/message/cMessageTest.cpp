@@ -135,9 +135,7 @@ TEST_F(MessageTest, AMalformedDateLeavesTheFieldsBeforeIt) {
 TEST_F(MessageTest, DecodesTheFirstEncodedWordOfAValue) {
   const struct {
     const char* name;
-    Text value;
-    Text field;
-    Text decoded;
+    Text value, field, decoded;
   } kCases[] = {
       {"base64", kHangulWord, u"subject", Text(kHangul) + u" "},
       {"quoted", u"a =?x?Q?b_=3D?= c ?B?QQ==? d", u"to", Text(u"A d")},
@@ -167,8 +165,7 @@ TEST_F(MessageTest, DecodesTextPartsUpToTheLastBlankLine) {
   const Text quoted = u"\r\nContent-Transfer-Encoding: Quoted-Printable";
   const struct {
     const char* name;
-    Text text;
-    Text decoded;
+    Text text, decoded;
   } kCases[] = {
       {"no blank line", u"A: b" + type, u""},
       {"first line", u"Content-Type: text/plain;\r\n\r\nbody\r\n\r\n", u""},

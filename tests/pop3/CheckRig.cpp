@@ -58,6 +58,11 @@ void CheckRig::When(const std::string& line, std::function<void()> deed) {
   };
 }
 
+void CheckRig::Run(std::deque<Script> conversations) {
+  socket.conversations = std::move(conversations);
+  Run();
+}
+
 void CheckRig::Run() {
   view.unloaded = false;
   run.Prepare();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -41,7 +42,9 @@ struct CheckRig {
   /// Calls `deed` at the first turn of the pump after this line was sent.
   void When(const std::string& sent, std::function<void()> deed);
 
-  /// Shows the window once, from its preparation to its end.
+  /// Shows the window once, from its preparation to its end, with a conversation for each time
+  /// that it connects.
+  void Run(std::deque<Script> conversations);
   void Run();
 
   /// All boxes and questions in order, and anything shown after the window was unloaded.

@@ -14,8 +14,7 @@ TEST(CheckRun, ShowsEachStep) {
   rig.AddAccount();
   Script script = After(1.7) + Mailbox({Mail(u"a"), Mail(u"b")});
   script.steps.back() = PeerCloses().steps[0];  // instead of a reply to QUIT
-  rig.socket.conversations = {script};
-  rig.Run();
+  rig.Run({script});
   const Lines expected = {
       "next: off",
       "caption: Checking mail box of 'pop.example.org' ...",
@@ -54,8 +53,7 @@ TEST(CheckRun, ShowsEachStep) {
 TEST(CheckRun, RunsOncePerPreparation) {
   CheckRig rig;
   rig.AddAccount();
-  rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({Mail(u"b")})};
-  rig.Run();
+  rig.Run({Mailbox({Mail(u"a"), Mail(u"b")}), Mailbox({Mail(u"b")})});
   rig.run.Activate();
   rig.Find(u"b").Read = true;
   rig.Run();
@@ -76,8 +74,7 @@ TEST(CheckRun, LimitsSilenceOnly) {
     for (size_t step : {4, 2}) {
       script.steps.insert(script.steps.begin() + step, After(silence).steps[0]);
     }
-    rig.socket.conversations = {script};
-    rig.Run();
+    rig.Run({script});
     EXPECT_EQ(rig.Dialogs().empty(), in_time);
     EXPECT_LT(rig.pump.turns, 150);  // it sleeps from label to label
   }
@@ -100,8 +97,7 @@ TEST(CheckRun, RestsBetweenUnaskedTries) {
   CheckRig rig;
   rig.AddAccount();
   rig.socket.failing_connects = 3;
-  rig.socket.conversations = {Mailbox({Mail(u"a")})};
-  rig.Run();
+  rig.Run({Mailbox({Mail(u"a")})});
   EXPECT_NEAR(rig.clock.now, 1003, 0.01);
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
   EXPECT_EQ(rig.Dialogs(), Lines{});
@@ -252,9 +248,8 @@ TEST(Buttons, NextLogsOutAndGoesOn) {
   const Script interrupted = Login() + Stat(u"9 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") +
                              Server(u"half\r\n") + Server(u"a message\r\n") + Client(u"QUIT") +
                              Server(u"is no error\r\n");
-  rig.socket.conversations = {interrupted, Login() + Stat(u"of no use") + Quit()};
   rig.When("TOP 2 5", [&] { rig.run.Next(); });
-  rig.Run();
+  rig.Run({interrupted, Login() + Stat(u"of no use") + Quit()});
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
   EXPECT_EQ(rig.Dialogs(), Lines{});
   EXPECT_EQ(rig.view.Noted("next"), (Lines{"on", "off"}));

@@ -21,9 +21,7 @@ struct DeletionRig : CheckRig {
 TEST(Deletion, DeletesByNumberWhatTheAccountFetched) {
   for (const Text count : {u"9", u"10", u"many"}) {  // only a smaller count stops it
     DeletionRig rig;
-    rig.socket.conversations = {Login() + Stat(count + u" 9") + Dele(3) + Dele(5) + Quit(),
-                                Mailbox({})};
-    rig.Run();
+    rig.Run({Login() + Stat(count + u" 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})});
     EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
     EXPECT_EQ(rig.Dialogs(), Lines{});
     EXPECT_EQ(rig.view.Noted("caption")[0], "Deleting SPAM mail of 'pop.example.org' ...");
@@ -39,8 +37,7 @@ TEST(Deletion, NeedsASpamMarkSomewhereAndConnectsOnlyWhereNeeded) {
     rig.Find(u"a").Delete = !spam;
     rig.Find(u"b").Delete = rig.Find(u"a").Spam = false;
     rig.Find(u"b").Spam = spam;
-    rig.socket.conversations = {Mailbox({})};
-    rig.Run();
+    rig.Run({Mailbox({})});
     EXPECT_EQ(rig.mails.Count(), 2u);
     EXPECT_EQ(rig.socket.Unused(), 0u);
     EXPECT_EQ(rig.view.Noted("progress")[0] == "Connecting to 'pop.example.org' ...", spam);
@@ -49,10 +46,8 @@ TEST(Deletion, NeedsASpamMarkSomewhereAndConnectsOnlyWhereNeeded) {
 
 TEST(Deletion, KeepsMessagesWhereTheSessionFailed) {
   DeletionRig rig;
-  rig.socket.conversations = {
-      Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Server(u"-ERR\r\n"),
-      Mailbox({Mail(u"b")})};
-  rig.Run();
+  rig.Run({Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Server(u"-ERR\r\n"),
+           Mailbox({Mail(u"b")})});
   EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#1", "kept#1", "c#7"}));  // the check still runs
   EXPECT_TRUE(rig.Find(u"a").Delete);
 }
@@ -74,14 +69,11 @@ TEST(Deletion, StoppedAfterALogoutTrustsNoNumberUntilTheNextCompleteCheck) {
     rig.Run();
     EXPECT_EQ(rig.Mails(), (Lines{"b#5", "kept#1", "c#7"}));
 
-    rig.socket.conversations = {Mailbox({Mail(u"kept"), Mail(u"new")})};  // no deletion
-    rig.Run();
+    rig.Run({Mailbox({Mail(u"kept"), Mail(u"new")})});  // no deletion
     EXPECT_EQ(rig.Mails(), (Lines{"b#5", "kept#1", "c#7", "new#2"}));
 
     rig.Find(u"new").Spam = rig.Find(u"new").Delete = true;
-    rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(2) + Quit(),
-                                Mailbox({Mail(u"kept")})};
-    rig.Run();
+    rig.Run({Login() + Stat(u"2 9") + Dele(2) + Quit(), Mailbox({Mail(u"kept")})});
     EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
   }
 }
@@ -90,24 +82,20 @@ TEST(Deletion, TakesTheAnswerThatComesAfterTheLogout) {
   for (bool accepted : {true, false}) {
     DeletionRig rig;
     rig.AddAccount(u"pop.other.org");
-    rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") +
-                                    Client(u"QUIT") + Server(accepted ? u"+O" : u"-E") +
-                                    Server(u"K\r\n"),
-                                Mailbox({Mail(u"kept")}), Mailbox({})};
     rig.When("DELE 5", [&] { rig.run.Next(); });
-    rig.Run();
+    rig.Run({Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5") + Client(u"QUIT") +
+                 Server(accepted ? u"+O" : u"-E") + Server(u"K\r\n"),
+             Mailbox({Mail(u"kept")}), Mailbox({})});
     EXPECT_EQ(rig.Mails(), accepted ? (Lines{"kept#1", "c#7"}) : (Lines{"b#5", "kept#1", "c#7"}));
   }
 }
 
 TEST(Deletion, StoppedWithoutALogoutChangesNothing) {
   DeletionRig rig;
-  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5")};
   rig.When("DELE 5", [&] { rig.view.UnloadWindow(); });
-  rig.Run();
+  rig.Run({Login() + Stat(u"9 9") + Dele(3) + Client(u"DELE 5")});
   EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#5", "kept#1", "c#7"}));
-  rig.socket.conversations = {Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})};
-  rig.Run();
+  rig.Run({Login() + Stat(u"9 9") + Dele(3) + Dele(5) + Quit(), Mailbox({})});
   EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7"}));
 }
 
@@ -119,9 +107,8 @@ TEST(Deletion, KnowsMailboxesOfOneUserByTheirPorts) {
   rig.AddAccount(u"pop.example.org", u"ann", u"secret", u"1995");
   rig.AddMarked({{u"a", 2}}, 3);
   rig.AddMarked({{u"b", 1}}, 3, {u"pop.example.org", 1995, u"ann"});
-  rig.socket.conversations = {Login() + Stat(u"3 9") + Dele(2) + Quit(),
-                              Login() + Stat(u"3 9") + Dele(1) + Quit(), Mailbox({}), Mailbox({})};
-  rig.Run();
+  rig.Run({Login() + Stat(u"3 9") + Dele(2) + Quit(), Login() + Stat(u"3 9") + Dele(1) + Quit(),
+           Mailbox({}), Mailbox({})});
   EXPECT_EQ(rig.socket.connected[0], "pop.example.org:995");
   EXPECT_EQ(rig.socket.connected[1], "pop.example.org:1995");
   EXPECT_EQ(rig.mails.Count(), 0u);
@@ -132,9 +119,7 @@ TEST(Deletion, GoesOnWhereTheUserGivesAnAccountAnotherPort) {
   CheckRig rig;
   rig.AddAccount(u"pop.example.org", u"ann", u"secret", u"110");
   rig.AddMarked({{u"a", 3}}, 3);  // seen by way of port 995
-  rig.socket.conversations = {Mailbox({Mail(u"a")}), Login() + Stat(u"1 9") + Dele(1) + Quit(),
-                              Mailbox({})};
-  rig.Run();
+  rig.Run({Mailbox({Mail(u"a")}), Login() + Stat(u"1 9") + Dele(1) + Quit(), Mailbox({})});
   EXPECT_EQ(rig.Mails(), Lines{"a#1"});
   rig.Run();
   EXPECT_EQ(rig.Mails(), Lines{});
@@ -146,8 +131,7 @@ TEST(Deletion, SendsNothingForWhatIsGoneFromTheServer) {
     DeletionRig rig;
     // Another program has emptied the mailbox, and new mail has arrived.
     rig.mails.ClearDeletionMarks();
-    rig.socket.conversations = {Mailbox({all_gone ? Mail(u"x") : Mail(u"b"), Mail(u"y")})};
-    rig.Run();
+    rig.Run({Mailbox({all_gone ? Mail(u"x") : Mail(u"b"), Mail(u"y")})});
     rig.mails.MarkSpamForDeletion();
     rig.socket.conversations = {Mailbox({Mail(u"y")})};
     if (!all_gone) {
@@ -163,19 +147,15 @@ TEST(Deletion, SendsNothingForWhatIsGoneFromTheServer) {
 
 TEST(Deletion, LogsOutWhereTheMailboxHasShrunk) {
   DeletionRig rig;
-  rig.socket.conversations = {Login() + Stat(u"8 9") + Quit(), Server(u"-ERR\r\n")};
-  rig.Run();
+  rig.Run({Login() + Stat(u"8 9") + Quit(), Server(u"-ERR\r\n")});
   EXPECT_EQ(rig.Dialogs()[0],
             "error: The mailbox has changed since it was checked. Nothing was deleted; please look "
             "at the list again. [pop.example.org]");
   EXPECT_EQ(rig.Mails(), (Lines{"a#3", "b#5", "kept#1", "c#7"}));
   EXPECT_TRUE(rig.Find(u"a").Delete && rig.Find(u"a").Spam);
 
-  rig.socket.conversations = {
-      Mailbox({Mail(u"b"), Mail(u"new")})};  // the check after the box has failed
-  rig.Run();
-  rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"new")})};
-  rig.Run();
+  rig.Run({Mailbox({Mail(u"b"), Mail(u"new")})});  // the check after the box has failed
+  rig.Run({Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"new")})});
   EXPECT_EQ(rig.Mails(), (Lines{"kept#1", "c#7", "new#1"}));
 }
 
@@ -203,8 +183,7 @@ TEST(Deletion, TrustsAnUnfinishedCheckOnlyToTellThatNumbersMoved) {
     SCOPED_TRACE(row.name);
     DeletionRig rig;
     rig.mails.ClearDeletionMarks();
-    rig.socket.conversations = {row.seen + Fails(kSocketConnectionReset, u"Gone.")};
-    rig.Run();
+    rig.Run({row.seen + Fails(kSocketConnectionReset, u"Gone.")});
     rig.mails.MarkSpamForDeletion();
     rig.socket.conversations = {Mailbox({})};
     if (row.numbers_hold) {
@@ -218,15 +197,11 @@ TEST(Deletion, TrustsAnUnfinishedCheckOnlyToTellThatNumbersMoved) {
 TEST(Deletion, WaitsForACompleteCheckOfWhatOnlyAnUnfinishedOneSaw) {
   CheckRig rig;
   rig.AddAccount();
-  rig.socket.conversations = {Login() + Stat(u"2 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") +
-                              PeerCloses()};
-  rig.Run();
+  rig.Run({Login() + Stat(u"2 9") + Top(1, Mail(u"a")) + Client(u"TOP 2 5") + PeerCloses()});
   rig.Find(u"a").Spam = rig.Find(u"a").Delete = true;
-  rig.socket.conversations = {Mailbox({Mail(u"a"), Mail(u"b")})};
-  rig.Run();
+  rig.Run({Mailbox({Mail(u"a"), Mail(u"b")})});
   EXPECT_EQ(rig.Mails(), (Lines{"a#1", "b#2"}));
-  rig.socket.conversations = {Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"b")})};
-  rig.Run();
+  rig.Run({Login() + Stat(u"2 9") + Dele(1) + Quit(), Mailbox({Mail(u"b")})});
   EXPECT_EQ(rig.Mails(), (Lines{"b#1"}));
   EXPECT_EQ(rig.socket.faults, Lines{});
 }

@@ -21,8 +21,7 @@ TEST(Limits, EndsASessionWhoseReplyIsTooLong) {
     } else {
       script = script + Client(u"TOP 2 5") + Server(status + text + u".\r\n");
     }
-    rig.socket.conversations = {script};
-    rig.Run();
+    rig.Run({script});
     const Lines refused = {"error: POP3 Error: the reply is too long [pop.example.org]",
                            Asked("TOP 2 5")};
     EXPECT_EQ(rig.Dialogs(), surplus == 0 ? Lines{} : refused);
@@ -36,9 +35,7 @@ TEST(Limits, EndsARefusalThatIsTooLong) {
   rig.AddAccount();
   rig.socket.bytes_per_character = kLongestReply / 32;
   rig.socket.piece_size = 1;
-  rig.socket.conversations = {Server(u"+OK\r\n") + Client(u"USER ann") +
-                              Server(u"-ERR" + Text(29, u'x'))};
-  rig.Run();
+  rig.Run({Server(u"+OK\r\n") + Client(u"USER ann") + Server(u"-ERR" + Text(29, u'x'))});
   EXPECT_EQ(rig.Dialogs(), (Lines{"error: POP3 Error: the reply is too long [pop.example.org]",
                                   Asked("USER ann")}));
 }

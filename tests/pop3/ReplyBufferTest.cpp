@@ -8,22 +8,6 @@
 namespace vesko {
 namespace {
 
-TEST(ReplyBuffer, FindsTheDotLineWhereverAPieceEnds) {
-  const Text ends_once = u"+OK\r\n..\r\n.x\r\n\n.\r.\r\nbody\r\n.\r\n";
-  for (size_t first = 0; first <= ends_once.size(); ++first) {
-    for (size_t second = first; second <= ends_once.size(); ++second) {
-      ReplyBuffer buffer;
-      buffer.Append(ends_once.substr(0, first));
-      EXPECT_EQ(buffer.HasDotLine(), first == ends_once.size());
-      buffer.Append(ends_once.substr(first, second - first));
-      EXPECT_EQ(buffer.HasDotLine(), second == ends_once.size());
-      buffer.Append(ends_once.substr(second));
-      EXPECT_TRUE(buffer.HasDotLine() && buffer.EndsWithCrLf());
-      EXPECT_EQ(buffer.Take(), ends_once);
-    }
-  }
-}
-
 TEST(ReplyBuffer, JoinsBlocksInOrderAndStartsAfresh) {
   constexpr size_t kBlock = 65536;  // characters
   // Exactly one block, barely two, exactly two, more, and a piece longer than a block. The last
