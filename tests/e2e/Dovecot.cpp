@@ -73,26 +73,22 @@ void Dovecot::WriteConfiguration(const std::vector<Account>& accounts) const {
       << "base_dir = " << folder << "/run\n"
       << "state_dir = " << folder << "/state\n"
       << "log_path = " << folder << "/log\n"
-      << "protocols = pop3\n"
-         "listen = 127.0.0.1\n"
-         "disable_plaintext_auth = no\n"
-         "auth_failure_delay = 0\n"
+      << "protocols = pop3\nlisten = 127.0.0.1\n"
+         "disable_plaintext_auth = no\nauth_failure_delay = 0\n"
       << (tls_port_ ? "ssl = yes\nssl_cert = <" + folder + "/certificate\nssl_key = <" + folder +
                           "/certificate\n"
                     : "ssl = no\n")
       << "default_internal_user = " << owner_ << '\n'
       << "default_login_user = " << owner_ << '\n'
       << "default_internal_group = " << ::getgrgid(gid_)->gr_name << '\n'
-      << "first_valid_uid = 1\n"
-         "first_valid_gid = 1\n"
+      << "first_valid_uid = 1\nfirst_valid_gid = 1\n"
       << "mail_location = maildir:" << folder << "/mail/%u\n"
       << "passdb {\n  driver = passwd-file\n  args = " << folder << "/passwd\n}\n"
       << "userdb {\n  driver = static\n  args = uid=" << uid_ << " gid=" << gid_
       << " home=" << folder << "/mail/%u\n}\n"
       << "service pop3-login {\n  chroot =\n  inet_listener pop3 {\n    port = " << port_
       << "\n  }\n  inet_listener pop3s {\n    port = " << tls_port_ << "\n  }\n}\n"
-      << "service anvil {\n  chroot =\n}\n"
-         "service stats {\n  chroot =\n}\n";
+      << "service anvil {\n  chroot =\n}\nservice stats {\n  chroot =\n}\n";
 }
 
 bool Dovecot::Start() {

@@ -78,9 +78,7 @@ void Press(QWidget& window, const QString& button) {
 
 void Type(QWidget& window, const QString& text_box, const QString& text) {
   auto* found = Find<QLineEdit>(window, text_box);
-  if (!found) return;
-  found->selectAll();
-  QTest::keyClicks(found, text);
+  if (found) QTest::keyClicks(found, text);
 }
 
 QString Shown(QWidget& window, const QString& text_box) {

@@ -49,7 +49,7 @@ class User {
 /// cannot be pressed.
 void Press(QWidget& window, const QString& button);
 
-/// Puts the text into a text box in place of what stands there, key by key.
+/// Types a text into a text box, key by key.
 void Type(QWidget& window, const QString& text_box, const QString& text);
 
 /// What a text box shows.

@@ -34,7 +34,7 @@ std::vector<Conversation> Conversations() {
        {},
        {"a#1", "b#2"}},
       {"empty and strange contents",
-       {Mailbox({u"", u"\r\n", Text(u"\0\xFF\xD800:\n..\r\n", 9), Mail(u"d")})},
+       {Mailbox({u"", u"\r\n", Text(u"\0\xFF\xD800:\n..\n.\r.\r\n", 13), Mail(u"d")})},
        {},
        {"#1", "d#4"}},  // of those without an identifier the first is kept
       {"count without a space behind it", {Fetched(u"3") + Quit()}},

@@ -122,13 +122,6 @@ TEST_F(StrangerTest, WhatARegistrationNamesIsChecked) {
                 " is ignored, since others can write to " + file.string() + " (0x80040154)\n");
 }
 
-TEST_F(StrangerTest, AHiveThatCannotBeWrittenIsAnError) {
-  std::ofstream(home_ / "VeskoEx") << "in the folder's place";
-  EXPECT_EQ(Call("DllRegisterServer"), SELFREG_E_CLASS);
-  EXPECT_EQ(RunCommand(VESKO_REGISTER " " VESKO_LIBRARY).status, 1);
-  EXPECT_FALSE(host::FindClass(kProgId));
-}
-
 TEST_F(StrangerTest, TheExampleRunsAndIsTheDocumentedOne) {
   EXPECT_EQ(
       RunCommand("grep -Fxvf " VESKO_SOURCE "/docs/hosts.md " VESKO_SOURCE "/examples/host.cpp")
@@ -140,18 +133,9 @@ TEST_F(StrangerTest, TheExampleRunsAndIsTheDocumentedOne) {
   EXPECT_EQ(run.output, "minutes between checks: -1\n");
   EXPECT_EQ(run.status, 0);
 
-  const char* const kNoDisplays[] = {
-      "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ",
-      "env -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM DISPLAY=:9999 ",
-      "env -u DISPLAY -u QT_QPA_PLATFORM WAYLAND_DISPLAY=/nowhere ",
-      "env QT_QPA_PLATFORM=nonsense ",
-  };
-  for (const char* environment : kNoDisplays) {
-    run = RunCommand(environment + std::string(VESKO_EXAMPLE));
-    EXPECT_EQ(run.output, "windows cannot be shown here: no display (0x800705B3)\n") << environment;
-    EXPECT_EQ(run.status, 1);
-  }
-  EXPECT_EQ(RunCommand("env QT_QPA_PLATFORM='nonsense;offscreen' " VESKO_EXAMPLE).status, 0);
+  run = RunCommand("env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM " VESKO_EXAMPLE);
+  EXPECT_EQ(run.output, "windows cannot be shown here: no display (0x800705B3)\n");
+  EXPECT_EQ(run.status, 1);
 
   EXPECT_EQ(RunCommand(VESKO_REGISTER " --unregister " VESKO_LIBRARY).status, 0);
   EXPECT_EQ(RunCommand(VESKO_EXAMPLE).status, 1);
