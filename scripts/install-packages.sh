@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing for the purposes named: build, demo, test, package,
-# windows, windows32. Does nothing, and needs no rights, where all of them are there.
+# lint, fuzz, windows, windows32. Does nothing, and needs no rights, where all of them are there.
 # windows32 is for running 32-bit programs under Wine: it adds an architecture to the machine, and
 # does without where that cannot be had.
 set -euo pipefail
@@ -13,6 +13,9 @@ demo=(fonts-dejavu-core fonts-noto-cjk)
 test=(dovecot-pop3d fonts-dejavu-core fonts-noto-cjk libgmock-dev libgtest-dev openbox openssl
   pulseaudio pulseaudio-utils x11-utils xauth xdotool xvfb)
 package=(appstream desktop-file-utils dpkg-dev file man-db)
+lint=(clang-format clang-tidy)
+# With the fuzzer's library, and what gives names to the addresses of a stack.
+fuzz=(clang libclang-rt-14-dev llvm)
 # The library for Windows is cross-built, and run under Wine.
 windows=(cmake fonts-dejavu-core fonts-noto-cjk g++-mingw-w64-i686 g++-mingw-w64-x86-64 googletest
   imagemagick mingw-w64-tools ninja-build openbox wine wine64 xdotool xvfb)
@@ -34,6 +37,8 @@ wanted() {
       demo) printf '%s\n' "${demo[@]}" ;;
       test) printf '%s\n' "${test[@]}" ;;
       package) printf '%s\n' "${package[@]}" ;;
+      lint) printf '%s\n' "${lint[@]}" ;;
+      fuzz) printf '%s\n' "${fuzz[@]}" ;;
       windows) printf '%s\n' "${windows[@]}" ;;
       *) die "install-packages.sh: '$purpose' is no purpose that it knows." ;;
     esac
@@ -119,7 +124,7 @@ add_wine32() {
   return 1
 }
 
-[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package|windows|windows32..."
+[[ $# -gt 0 ]] || die "usage: install-packages.sh build|demo|test|package|lint|fuzz|windows|windows32..."
 command -v dpkg-query >/dev/null || die "This needs Debian 12 or a system like it: there is no dpkg."
 
 purposes=()

@@ -33,6 +33,7 @@ Account Account::FromRecord(TextView record) {
 
 Text Account::ToRecord() const {
   std::vector<Text> values;
+  values.reserve(kFields.size());
   for (const auto field : kFields) values.push_back(this->*field);
   return Join(values, kCrLf);
 }

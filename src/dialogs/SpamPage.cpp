@@ -42,6 +42,7 @@ void KeywordEditor::Load(const std::vector<Text>& keywords) {
 /// Joined and split as the registry does it, so that the configuration holds what a load will give.
 std::vector<Text> KeywordEditor::Keywords() const {
   std::vector<Text> entries;
+  entries.reserve(static_cast<size_t>(list_.Count()));
   for (int i = 0; i < list_.Count(); ++i) entries.push_back(list_.Item(i));
   return Split(Join(entries, kCrLf), kCrLf);
 }

@@ -10,7 +10,7 @@ namespace vesko {
 namespace {
 
 // Takes a copy, because the handler may destroy the control that holds the original.
-void Raise(std::function<void()> event) {
+void Raise(std::function<void()> event) {  // NOLINT(performance-unnecessary-value-param)
   if (event) event();
 }
 

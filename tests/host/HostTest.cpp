@@ -159,7 +159,9 @@ class BareSocket {
   }
 
   bool Connect() const { return connect(socket_, Address(), sizeof address_) == 0; }
-  void Write(const std::string& words) const { write(socket_, words.data(), words.size()); }
+  void Write(const std::string& words) const {
+    EXPECT_EQ(write(socket_, words.data(), words.size()), static_cast<ssize_t>(words.size()));
+  }
   bool IsClosed() const {
     char byte;
     return recv(socket_, &byte, 1, MSG_DONTWAIT) == 0;

@@ -11,7 +11,7 @@
 namespace vesko {
 namespace {
 
-constexpr size_t kPlainSize = 256 * 1024;
+constexpr size_t kPlainSize = size_t{256} * 1024;
 
 }  // namespace
 

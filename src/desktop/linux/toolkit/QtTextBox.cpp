@@ -15,7 +15,7 @@ namespace vesko {
 namespace {
 
 // Laying out more than this takes longer than a person waits, and nobody reads that far.
-constexpr size_t kLongestShown = 256 * 1024;
+constexpr size_t kLongestShown = size_t{256} * 1024;
 
 /// Masks every character of a password by "*", including the one typed last.
 class MaskStyle : public QProxyStyle {
