@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/RunTimeError.h"
 #include "base/Variant.h"
 
@@ -34,12 +36,7 @@ Text Outcome(Conversion&& conversion) {
 }
 
 TEST(Variant, Converts) {
-  struct Row {
-    Variant value;
-    Text text;
-    Text number;
-  };
-  const Row rows[] = {
+  const std::tuple<Variant, Text, Text> rows[] = {
       {Variant(), u"", u"0"},
       {true, u"True", u"-1"},
       {int16_t{-7}, u"-7", u"-7"},
@@ -54,9 +51,10 @@ TEST(Variant, Converts) {
       {ByteArray{65}, u"error 13", u"error 13"},
       {std::shared_ptr<Object>(), u"error 13", u"error 13"},
   };
-  for (const Row& row : rows) {
-    EXPECT_EQ(Outcome([&] { return ToText(row.value); }), row.text) << &row - rows;
-    EXPECT_EQ(Outcome([&] { return Decimal(ToInt32(row.value)); }), row.number) << &row - rows;
+  for (const auto& row : rows) {
+    const auto& [value, text, number] = row;
+    EXPECT_EQ(Outcome([&] { return ToText(value); }), text) << &row - rows;
+    EXPECT_EQ(Outcome([&] { return Decimal(ToInt32(value)); }), number) << &row - rows;
   }
 }
 

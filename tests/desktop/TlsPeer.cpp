@@ -114,25 +114,26 @@ std::string TlsServerEnd::Answer(const std::string& from_client) {
   return answer;
 }
 
-std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
-                                 const TlsCase& tls_case) {
+std::future<std::string> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
+                                  const TlsCase& tls_case) {
   std::signal(SIGPIPE, SIG_IGN);  // clients may leave at any time
   return std::async(std::launch::async, [&peer, certificate, tls_case] {
-    TlsOutcome outcome;
-    if (!peer.Accept()) return outcome;
+    std::string seen;
+    if (!peer.Accept()) return seen;
     const std::shared_ptr<SSL> ssl = NewServer(certificate, tls_case.highest_version);
     SSL_set_fd(ssl.get(), static_cast<int>(peer.Descriptor()));
     if (SSL_accept(ssl.get()) == 1) {
       const char* name = SSL_get_servername(ssl.get(), TLSEXT_NAMETYPE_host_name);
-      outcome.server_name = name ? name : "";
       Greet(ssl.get());
-      outcome.received = ReadOnce(ssl.get());
+      const std::string received = ReadOnce(ssl.get());
+      if (!received.empty()) seen = std::string(name ? name : "") + ": " + received;
       End(peer, ssl.get(), tls_case.ending);
       while (!ReadOnce(ssl.get()).empty()) continue;
-      outcome.said_good_bye = (SSL_get_shutdown(ssl.get()) & SSL_RECEIVED_SHUTDOWN) != 0;
+      const bool said_good_bye = (SSL_get_shutdown(ssl.get()) & SSL_RECEIVED_SHUTDOWN) != 0;
+      if (said_good_bye && !seen.empty()) seen += "bye";
     }
     peer.Close();
-    return outcome;
+    return seen;
   });
 }
 

@@ -42,16 +42,10 @@ class TlsServerEnd {
   bool greeted_ = false;
 };
 
-/// What the server's side of a TLS connection saw.
-struct TlsOutcome {
-  std::string server_name;  // as the client asked for it
-  std::string received;     // one read's application data
-  bool said_good_bye = false;
-};
-
 /// On a thread of its own: accepts a client, speaks TLS with it as the case says, greets it, reads
-/// once and ends the conversation.
-std::future<TlsOutcome> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
-                                 const TlsCase& tls_case);
+/// once and ends the conversation. Yields what it saw, as ToBeSeen writes it; nothing where they
+/// did not come to talk.
+std::future<std::string> ServeTls(LoopbackPeer& peer, const Certificate& certificate,
+                                  const TlsCase& tls_case);
 
 }  // namespace vesko
