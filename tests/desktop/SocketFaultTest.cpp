@@ -1,6 +1,5 @@
-// Lets the system's calls fail one at a time. The linker redirects the socket's calls of send,
-// recv, connect, socket and getaddrinfo to this file; they, and allocations, fail while a fault is
-// armed.
+// The linker redirects calls of the system to this file; they, and allocations, fail while a fault
+// is armed.
 #include <gtest/gtest.h>
 #include <netdb.h>
 #include <sys/socket.h>

@@ -81,8 +81,7 @@ TEST_F(SocketTlsTest, TellsAResetFromAnEndAtAnyByte) {
   bool all = false;
   for (size_t size = 0; !all; size += size < 8 ? 1 : 97) {
     for (const bool reset : {true, false}) {
-      SCOPED_TRACE(std::to_string(size) +
-                   (reset ? " bytes, then a reset" : " bytes, then the end"));
+      SCOPED_TRACE(std::to_string(size) + (reset ? ", then a reset" : ", then the end"));
       errors_.clear();
       text_.clear();
       socket_->Connect(u"localhost", peer_.Port());

@@ -84,10 +84,8 @@ TEST(SqliteRegistry, ReadingCreatesNothing) {
 }
 
 TEST(SqliteRegistry, StrayPercentSignsAreNoReferences) {
-  TempFolder folder;
   setenv("VESKO_A", "alpha", 1);
-  EXPECT_EQ(RegistryIn(folder)->ExpandEnvironment("50% of %VESKO_A%"), "50% of alpha");
-  EXPECT_EQ(RegistryIn(folder)->ExpandEnvironment("%=%VESKO_A%"), "%=alpha");
+  EXPECT_EQ(RegistryIn({})->ExpandEnvironment("%=50% of %VESKO_A%"), "%=50% of alpha");
 }
 
 TEST(SqliteRegistry, FilesAreTheOwnersAlone) {
