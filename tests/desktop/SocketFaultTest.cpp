@@ -62,6 +62,10 @@ void* operator new(size_t size) {
   throw std::bad_alloc();
 }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
+// AddressSanitizer's own arrays would pass the replacement above by.
+void* operator new[](size_t size) { return operator new(size); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory, size_t) noexcept { std::free(memory); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
