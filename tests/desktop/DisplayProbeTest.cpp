@@ -40,7 +40,7 @@ class Listener {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     listen(socket_, 8);
   }
   ~Listener() { close(socket_); }

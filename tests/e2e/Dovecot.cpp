@@ -104,7 +104,7 @@ bool Dovecot::Start() {
 
 std::string Dovecot::Deliver(const std::string& user, const std::string& message) {
   // The server numbers new messages by the time at the beginning of the name.
-  const std::string name = std::to_string(1700000000 + ++delivered_) + ".e2e.example";
+  std::string name = std::to_string(1700000000 + ++delivered_) + ".e2e.example";
   const fs::path temporary = Maildir(user) / "tmp" / name;
   std::ofstream(temporary, std::ios::binary) << message;
   GiveAway(temporary);

@@ -172,7 +172,7 @@ class BareSocket {
   }
   /// Writes to the first client until it hangs up.
   void Say(std::string words) {
-    speaker_ = std::thread([this, words] {
+    speaker_ = std::thread([this, words = std::move(words)] {
       const int peer = accept(socket_, nullptr, nullptr);
       while (send(peer, words.data(), words.size(), MSG_NOSIGNAL) > 0) {
       }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <utility>
 
 #include "config/mmEncrypt.h"
 #include "support/TestLocale.h"
@@ -50,7 +51,7 @@ void CheckRig::AddMarked(const std::vector<std::pair<Text, int>>& messages, int3
 }
 
 void CheckRig::When(const std::string& line, std::function<void()> deed) {
-  pump.on_turn = [this, line, deed](int) {
+  pump.on_turn = [this, line, deed = std::move(deed)](int) {
     if (socket.sent.empty() || socket.sent.back() != line) return;
     const auto now = deed;  // the next line destroys this lambda
     pump.on_turn = nullptr;

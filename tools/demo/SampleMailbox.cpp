@@ -6,7 +6,7 @@
 namespace vesko::demo {
 namespace {
 
-constexpr size_t kLargeHeaderSize = 2 * 1024 * 1024;
+constexpr size_t kLargeHeaderSize = size_t{2} * 1024 * 1024;
 
 std::string WithMailLineEnds(const QByteArray& text) {
   std::string result;

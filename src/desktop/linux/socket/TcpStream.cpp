@@ -16,7 +16,7 @@
 namespace vesko {
 namespace {
 
-constexpr size_t kPieceSize = 256 * 1024;
+constexpr size_t kPieceSize = size_t{256} * 1024;
 
 int32_t ErrorNumber(int system_error) {
   switch (system_error) {
