@@ -34,7 +34,7 @@ void ExpectMappings(const Locale& locale, const Text& text) {
 void Run(Input input) {
   const Locale& locale = LocaleAt(input.Choose(kLocales));
   const size_t piece = 1 + input.Choose(10);
-  const bool inflate = input.Choose(16) == 15;
+  const bool inflate = input.Choose(64) == 63;
   const std::string bytes = inflate ? Inflate(input.Rest()) : input.Rest();
 
   const Text text = locale.ToText(bytes);

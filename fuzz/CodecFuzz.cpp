@@ -53,7 +53,7 @@ void ExpectUndone(const Locale& locale, const Text& text, const Codec& codec) {
 
 void Run(Input input) {
   const Locale& locale = LocaleAt(input.Choose(kLocales));
-  const bool inflate = input.Choose(16) == 15;
+  const bool inflate = input.Choose(64) == 63;
   const std::string content = input.Rest();
   ExpectNoSurprise(locale, locale.ToText(inflate ? Inflate(content) : content));
 

@@ -31,7 +31,7 @@ Text Written(const DateTime& date) {
 
 void Run(Input input) {
   const Locale& locale = LocaleAt(input.Choose(kLocales));
-  const bool inflate = input.Choose(16) == 15;
+  const bool inflate = input.Choose(64) == 63;
   const Text text = locale.ToText(inflate ? Inflate(input.Rest()) : input.Rest());
 
   Text shown;

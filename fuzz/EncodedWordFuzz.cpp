@@ -42,7 +42,7 @@ void ExpectDecoded(const Locale& locale, const Text& text) {
 void Run(Input input) {
   const Locale& locale = LocaleAt(input.Choose(kLocales));
   const TextView field = kFields[input.Choose(std::size(kFields))];
-  const bool inflate = input.Choose(16) == 15;
+  const bool inflate = input.Choose(64) == 63;
   const std::string content = input.Rest();
   const Text value = locale.ToText(inflate ? Inflate(content) : content);
   const Text decoded = cMessage(locale).DecodeHeader(value, field);

@@ -24,7 +24,7 @@ size_t Kept(const cMessage& message) {
 
 void Run(Input input) {
   const Locale& locale = LocaleAt(input.Choose(kLocales));
-  const bool inflate = input.Choose(16) == 15;
+  const bool inflate = input.Choose(64) == 63;
   const Text text = locale.ToText(inflate ? Inflate(input.Rest()) : input.Rest());
 
   cMessage message(locale);
