@@ -52,7 +52,8 @@ TEST(Variant, Converts) {
       {std::shared_ptr<Object>(), u"error 13", u"error 13"},
   };
   for (const auto& row : rows) {
-    const auto& [value, text, number] = row;
+    const Variant& value = std::get<0>(row);
+    const auto& [_, text, number] = row;
     EXPECT_EQ(Outcome([&] { return ToText(value); }), text) << &row - rows;
     EXPECT_EQ(Outcome([&] { return Decimal(ToInt32(value)); }), number) << &row - rows;
   }
